@@ -1,0 +1,40 @@
+# zavbase_add_test(NAME SOURCES...)           a test program on the public interface
+# zavbase_add_internal_test(NAME SOURCES...)  the same, linked from the library's objects: it may use private
+#                                             headers and put a fake in place of a file of zavbase/os
+# Every test program is one ctest; its tests live in files that mirror the library's folders.
+find_package(Threads REQUIRED)
+
+# GoogleTest comes as source, so that each lane builds it with its own compiler and switches.
+find_path(ZAVBASE_GTEST_SOURCE CMakeLists.txt PATHS /usr/src/googletest NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+if(ZAVBASE_GTEST_SOURCE)
+    set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+    set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
+    add_subdirectory(${ZAVBASE_GTEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+    # Its headers are not ours to warn about.
+    get_target_property(dirs gtest INTERFACE_INCLUDE_DIRECTORIES)
+    set_target_properties(gtest PROPERTIES INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${dirs}")
+else()
+    find_package(GTest REQUIRED)
+    add_library(gtest ALIAS GTest::gtest)
+    add_library(gtest_main ALIAS GTest::gtest_main)
+endif()
+
+function(zavbase_test_program name)
+    add_executable(${name} ${ARGN})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+    target_compile_definitions(${name} PRIVATE ZAVBASE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
+    target_link_libraries(${name} PRIVATE zavbase_options gtest gtest_main Threads::Threads)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+endfunction()
+
+function(zavbase_add_test name)
+    zavbase_test_program(${name} ${ARGN})
+    target_link_libraries(${name} PRIVATE zavbase::zavbase)
+endfunction()
+
+function(zavbase_add_internal_test name)
+    zavbase_test_program(${name} ${ARGN} $<TARGET_OBJECTS:zavbase_core>)
+    target_compile_definitions(${name} PRIVATE ZAVBASE_BUILDING)
+    target_link_libraries(${name} PRIVATE zavbase_os)
+endfunction()
