@@ -1,4 +1,4 @@
-// Every public header of the library.
+/// Every public header of the library, and nothing else.
 #ifndef ZAVBASE_ZAVBASE_H
 #define ZAVBASE_ZAVBASE_H
 
