@@ -1,0 +1,84 @@
+#include <zavbase/os/module.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <link.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zav_os {
+
+const char* const moduleExtension = ".so";
+const char pathSeparator = '/';
+
+namespace {
+
+const uint32_t absent = 2, noModule = 8, noEntry = 22;
+
+void Report(uint32_t& error, uint32_t number) {
+    if (error != noModule) error = number;
+}
+
+/// The loader takes a path that it has seen before for the same file, so "./a.so" opened in two directories
+/// would be one module: hence no relative path goes to it.
+std::string AbsolutePath(const char* path) {
+    if (IsAbsolutePath(path)) return path;
+    char* current = getcwd(nullptr, 0);
+    if (!current) return std::string();
+    const std::string result = std::string(current) + "/" + path;
+    free(current);
+    return result;
+}
+
+std::string WithExtension(const char* name) {
+    const char* last = std::strrchr(name, '/');
+    return std::strchr(last ? last : name, '.') ? name : std::string(name) + moduleExtension;
+}
+
+} // namespace
+
+void* OpenModule(const char* path, uint32_t& error) {
+    const std::string full = AbsolutePath(path);
+    struct stat info;
+    if (full.empty() || stat(full.c_str(), &info) != 0) {
+        Report(error, absent);
+        return nullptr;
+    }
+    void* module = dlopen(full.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!module) Report(error, noModule);
+    return module;
+}
+
+void* FindModule(const char* name, uint32_t& error) {
+    const std::string file = WithExtension(name);
+    if (void* module = OpenModule(file.c_str(), error)) return module;
+    // With a separator in it the loader would take the name for a path, and that was tried.
+    if (file.find('/') != std::string::npos) return nullptr;
+    return dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
+void* RetainModule(void* module) {
+    link_map* map = nullptr;
+    if (dlinfo(module, RTLD_DI_LINKMAP, &map) != 0) return nullptr;
+    void* same = dlopen(map->l_name, RTLD_NOW | RTLD_NOLOAD);
+    // A second module may have been loaded from the same path after the file was replaced.
+    if (same && same != module) {
+        dlclose(same);
+        same = nullptr;
+    }
+    return same;
+}
+
+void CloseModule(void* module) { dlclose(module); }
+
+void* FindSymbol(void* module, const char* name, uint32_t& error) {
+    void* symbol = dlsym(module, name);
+    if (!symbol) error = noEntry;
+    return symbol;
+}
+
+bool IsAbsolutePath(const char* path) { return path[0] == '/'; }
+
+} // namespace zav_os
