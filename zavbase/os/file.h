@@ -1,0 +1,57 @@
+#ifndef ZAVBASE_OS_FILE_H
+#define ZAVBASE_OS_FILE_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace zav_os {
+
+// Names are in the system's own encoding. Results are 0 or the system's error number.
+
+/// Stores the working directory, at most `size` bytes with its NUL.
+uint32_t CurrentFolder(char* path, size_t size);
+uint32_t ChangeFolder(const char* path);
+
+uint32_t DeleteOneFile(const char* path);
+
+/// The bytes of a file, with a NUL behind them that mSize does not count.
+struct FileBytes {
+    char* mData;  ///< null after a failure
+    size_t mSize;
+};
+
+enum ReadStatus { READ_DONE, READ_NOT_OPEN, READ_TOO_LARGE, READ_FAILED };
+
+/// Reads a whole file. Only an ordinary file is opened: a directory, pipe or device is READ_NOT_OPEN, at once.
+/// A file of more than `most` bytes, or more than memory holds, is READ_TOO_LARGE.
+ReadStatus ReadWholeFile(const char* path, size_t most, FileBytes* bytes);
+void FreeFileBytes(FileBytes* bytes);
+
+/// New contents of a file, which appear all at once: they are written to a temporary beside it, which Commit
+/// flushes and renames over it. A reader sees the old file or the new one; whatever fails leaves the old one and
+/// no temporary. The file keeps its permissions, and a link keeps pointing to it. A name that is a device or a
+/// pipe is written to directly.
+class FileReplacement {
+public:
+    FileReplacement();
+    ~FileReplacement();  ///< gives up what was not committed
+    FileReplacement(const FileReplacement&) = delete;
+    FileReplacement& operator=(const FileReplacement&) = delete;
+
+    /// Fails where the file could not be opened for writing. Called once.
+    uint32_t Open(const char* path);
+    /// Stores all `size` bytes or fails.
+    uint32_t Write(const void* data, size_t size);
+    uint32_t Commit();
+
+private:
+    void Discard();
+
+    char* mTarget;       // the file behind all links
+    char* mTemporary;    // null when the target is written directly
+    intptr_t mHandle;    // -1 when closed
+};
+
+} // namespace zav_os
+
+#endif
