@@ -75,10 +75,10 @@ public:
     void Release();
 
 private:
-    void SetNames(const ZAV_SystemString& name, const ZAV_SystemString& directory);
     boolean_t LoadStatic();
     void* SearchModule(uint32_t& error);
-    void LookUpEntries();
+    void Hold(void* module);
+    void* Entry(const char* name);
 
     ZAV_SystemString mName;
     ZAV_SystemString mDirectory;

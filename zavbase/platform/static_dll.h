@@ -26,8 +26,6 @@ typedef void (*ZAV_GetI18nDefsFn)(ZAV_Object* dict, boolean_t paramDefs, boolean
 /// The registry holds the objects themselves and owns none of them. It is not locked: register before the
 /// program starts threads (static construction does) and load modules from one thread at a time.
 class ZAV_API ZAV_StaticDll : public ZAV_Link {
-    ZAV_DECLARE_CLASS(ZAV_StaticDll)
-
 public:
     /// Stores the values and enters the registry, which the first module creates.
     ZAV_StaticDll(const char* name, ZAV_CreateObjectFn create, ZAV_FreeObjectFn free,

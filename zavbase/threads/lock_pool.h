@@ -84,8 +84,10 @@ private:
     class Guard;
     struct Owner;
 
-    ZAV_UValDict* FindEntry(const char* name);
-    void RemoveEntry(const char* name);
+    RetVal HolderOf(const char* name, const Owner& caller);
+    void Remove(const char* name);
+    void RemoveTop(ZAV_AssocUVal* lock);
+    static ZAV_UValDict* DictOf(ZAV_AssocUVal* lock);
 
     ZAV_SystemString mFileName;
     ZAV_UValDict mLocks;
