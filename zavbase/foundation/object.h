@@ -61,8 +61,8 @@ public:
     const char* ClassName() const;
 
 protected:
-    ZAV_Object() {}
-    ZAV_Object(const ZAV_Object&) {}
+    constexpr ZAV_Object() {}
+    constexpr ZAV_Object(const ZAV_Object&) {}
     ZAV_Object& operator=(const ZAV_Object&) { return *this; }
 };
 
