@@ -1,0 +1,39 @@
+#ifndef ZAVBASE_COLLECTIONS_STRONG_HASH_INTERNAL_H
+#define ZAVBASE_COLLECTIONS_STRONG_HASH_INTERNAL_H
+
+#include <typeinfo>
+
+#include <zavbase/collections/clt_object.h>
+
+/// Seeing through an element to the bytes that its equality compares. A hashed collection uses it to find
+/// elements by a hash of all their bytes where their own Hash() collides; see set_index_internal.h.
+///
+/// Only exact classes of the library are seen through: a derived class may have its own idea of equality.
+namespace zav_strong {
+
+/// What an element is equal by: the same kind, length and bytes.
+struct KeyView {
+    const char* mBytes;
+    uint32_t mLength;
+    uint16_t mKind;     ///< text, number, or the number of a registered class
+    uint16_t mWrapped;  ///< 1 when the bytes are those of a ZAV_LookupKey's key
+};
+
+/// The bytes that an object of a registered class is compared by; they stay where they are until the object
+/// changes.
+typedef const char* (*BytesOf)(const ZAV_CltObject* o, uint32_t* length);
+
+/// Makes a class known whose IsEqual is true exactly for objects of the same class with equal bytes, and whose
+/// Hash() depends on these bytes only. To be called when the library is loaded, from a static initialiser;
+/// the table it fills needs none. At most 4 classes.
+void RegisterKeyClass(const std::type_info& type, BytesOf bytes);
+
+/// Fills `v` and returns true when the exact class of `o` is known.
+bool View(const ZAV_CltObject* o, KeyView& v);
+
+/// 32 well-mixed bits of the kind and all the bytes.
+uint32_t Hash(const KeyView& v);
+
+}  // namespace zav_strong
+
+#endif
