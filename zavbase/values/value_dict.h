@@ -170,6 +170,7 @@ private:
     static ZAV_AssocUVal* TakeEntries(ZAV_UValDict& dict);
     static void DestroyEntries(ZAV_AssocUVal* first);
     struct Merge;
+    void TakeFrom(ZAV_UValDict& other);
 
     ZAV_Set mSet;
     ZAV_AssocUVal* mFirst;

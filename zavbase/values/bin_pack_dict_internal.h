@@ -1,0 +1,107 @@
+#ifndef ZAVBASE_VALUES_BIN_PACK_DICT_INTERNAL_H
+#define ZAVBASE_VALUES_BIN_PACK_DICT_INTERNAL_H
+
+#include <string>
+#include <vector>
+
+#include <zavbase/values/bin_pack.h>
+#include <zavbase/values/uval.h>
+
+class ZAV_AssocUVal;
+
+namespace zav_pack {
+
+constexpr unsigned int MOST_ENTRIES = 0xFFFF;   ///< of a dictionary
+constexpr unsigned int MOST_TEXT = 0xFFFF - 1;  ///< bytes of a text; its NUL is counted in the file
+
+/// The elements of a number value as they lie in memory; the inline scalar of a scalar.
+struct Elements {
+    int mKind;
+    unsigned int mCount;
+    void* mData;
+};
+Elements ElementsOf(ZAV_UVal& number);
+
+/// The atom kind of a number type.
+int KindOf(ZAV_UValType number);
+
+} // namespace zav_pack
+
+/// Puts a tree piece by piece. A piece is what belongs to one entry up to its elements, made in one go (right
+/// in the caller's buffer when it has room); elements are copied from where they are.
+class ZAV_BinPackUValDict::Writer {
+public:
+    /// Checks the tree; throws ZAV_BinPackException*.
+    explicit Writer(ZAV_UValDict& dict);
+    int Put(unsigned char** cursor, const unsigned char* limit);
+
+private:
+    static constexpr size_t MOST_PIECE = 128;  // bytes of a piece: key, type, dimension, header and a scalar
+
+    static void Check(ZAV_UValDict& dict);
+    static void CheckTexts(ZAV_UVal& value);
+
+    bool IsDone() const { return mNext.empty() && mTextsLeft == 0; }
+    unsigned char* MakePiece(unsigned char* out);
+    unsigned char* PutEntry(unsigned char* out, ZAV_AssocUVal& entry);
+    unsigned char* PutDict(unsigned char* out, ZAV_UValDict& dict);
+    unsigned char* PutValue(unsigned char* out, ZAV_UVal& value);
+    unsigned char* PutText(unsigned char* out);
+
+    std::vector<ZAV_AssocUVal*> mNext;  // of each open dictionary: the entry to be put next, never null
+    ZAV_UVal* mTexts;                   // the string value of which elements are left
+    long mTextsLeft;
+    unsigned char mPiece[MOST_PIECE];
+    ZAV_BinPackBuffer mPieceLeft;
+    ZAV_BinPackBuffer mElementsLeft;
+};
+
+/// Builds a tree atom by atom: what atom comes next, with its kind and count, is known from those before. An
+/// atom that the caller's buffer holds in part is collected until it is whole.
+class ZAV_BinPackUValDict::Reader {
+public:
+    explicit Reader(ZAV_UValDict& dict);
+    int Get(const unsigned char** cursor, const unsigned char* limit);
+
+private:
+    enum Step { ENTRY_COUNT, KEY_LENGTH, KEY, TYPE, DIMENSION, NUMBERS, TEXT_LENGTH, TEXT, DONE };
+    struct Level {
+        ZAV_UValDict* mDict;
+        unsigned int mEntriesLeft;
+    };
+
+    void Expect(Step step, int kind, uint32_t count);
+    static size_t HeaderSize(unsigned char first) { return first & 0x10 ? 5 : 1; }
+    uint64_t AtomSize(const unsigned char* atom, size_t have) const;
+    bool Collect(const unsigned char** cursor, const unsigned char* limit);
+
+    void Take(const unsigned char* elements);
+    void TakeEntryCount(unsigned int count);
+    void TakeKey(const unsigned char* text);
+    void TakeType(unsigned int type);
+    void TakeDimension(int32_t dimension);
+    void TakeNumbers(const unsigned char* elements);
+    void TakeText(const unsigned char* text);
+    void StoreTexts();
+    void StoreEntry(ZAV_UVal* value);
+    void NextEntry();
+
+    Step mStep;
+    int mKind;
+    uint32_t mCount;
+    std::vector<unsigned char> mCollected;
+
+    std::vector<Level> mLevels;
+    unsigned long mNestingLimit;
+    ZAV_UValDict* mOpened;       // the dictionary whose entry count comes next
+    char mKey[65];
+    unsigned int mKeyLength;
+    ZAV_UValType mType;
+    int32_t mDimension;
+    unsigned long mPointers;     // elements of pointer arrays so far
+    int32_t mTextsLeft;
+    std::string mTexts;          // the texts of an array, one after the other, and their lengths
+    std::vector<unsigned int> mTextLengths;
+};
+
+#endif

@@ -1,0 +1,234 @@
+#include <zavbase/values/bin_pack_dict_internal.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include <zavbase/values/uval_text.h>
+#include <zavbase/values/uval_types.h>
+#include <zavbase/values/value_dict.h>
+
+using namespace zav_pack;
+
+namespace {
+
+template <class Number>
+Number Load(const unsigned char* bytes) {
+    Number number;
+    std::memcpy(&number, bytes, sizeof number);
+    return number;
+}
+
+void StoreText(ZAV_UVal& value, ZAV_UValType type, const char* text, unsigned int length, long index) {
+    if (type == UVAL_STRING) static_cast<ZAV_UValString&>(value).GetValuePtr(index)->Append(text, length);
+    else value.SetStrValue(ZAV_String(text, length), index);
+}
+
+} // namespace
+
+ZAV_BinPackUValDict::Reader::Reader(ZAV_UValDict& dict)
+    : mNestingLimit(ZAV_GetUValNestingLimit()), mOpened(&dict), mKey(), mKeyLength(0), mType(UVAL_DICT), mDimension(0),
+      mPointers(0), mTextsLeft(0) {
+    Expect(ENTRY_COUNT, BINPACK_16, 1);
+}
+
+void ZAV_BinPackUValDict::Reader::Expect(Step step, int kind, uint32_t count) {
+    mStep = step;
+    mKind = kind;
+    mCount = count;
+}
+
+// The size of the expected atom, of which `have` bytes are there; as much of it as they tell. A header that
+// differs from the expected one ends the reading.
+uint64_t ZAV_BinPackUValDict::Reader::AtomSize(const unsigned char* atom, size_t have) const {
+    if (have == 0) return 1;
+    int header = mCount == 1 ? mKind : mKind | 0x10;
+    if (atom[0] != header) ZAV_ThrowBinPackException();
+    size_t headerSize = HeaderSize(atom[0]);
+    if (have < headerSize) return headerSize;
+    if (headerSize == 5) {
+        uint32_t count = 0;
+        for (int i = 1; i < 5; ++i) count = count << 8 | atom[i];
+        if (count != mCount) ZAV_ThrowBinPackException();
+    }
+    return headerSize + static_cast<uint64_t>(mCount) * ZAV_BinPackElementSize(mKind);
+}
+
+int ZAV_BinPackUValDict::Reader::Get(const unsigned char** cursor, const unsigned char* limit) {
+    while (mStep != DONE) {
+        if (!mCollected.empty()) {
+            if (!Collect(cursor, limit)) return 1;
+            std::vector<unsigned char> atom;
+            atom.swap(mCollected);
+            Take(atom.data() + HeaderSize(atom[0]));
+            continue;
+        }
+        const unsigned char* atom = *cursor;
+        size_t have = static_cast<size_t>(limit - atom);
+        uint64_t size = AtomSize(atom, have);
+        if (size > have) {
+            mCollected.assign(atom, limit);
+            *cursor = limit;
+            return 1;
+        }
+        *cursor += size;
+        Take(atom + HeaderSize(atom[0]));
+    }
+    return 0;
+}
+
+// Adds to the atom collected in part; true when it is whole.
+bool ZAV_BinPackUValDict::Reader::Collect(const unsigned char** cursor, const unsigned char* limit) {
+    for (;;) {
+        uint64_t size = AtomSize(mCollected.data(), mCollected.size());
+        if (size == mCollected.size()) return true;
+        if (*cursor == limit) return false;
+        uint64_t step = (std::min)(size - mCollected.size(), static_cast<uint64_t>(limit - *cursor));
+        mCollected.insert(mCollected.end(), *cursor, *cursor + step);
+        *cursor += step;
+    }
+}
+
+void ZAV_BinPackUValDict::Reader::Take(const unsigned char* elements) {
+    switch (mStep) {
+    case ENTRY_COUNT: TakeEntryCount(Load<uint16_t>(elements)); break;
+    case KEY_LENGTH: {
+        unsigned int length = Load<uint16_t>(elements);
+        if (length < 1 || length > sizeof mKey) ZAV_ThrowBinPackException();
+        Expect(KEY, BINPACK_BLOCK, length);
+        break;
+    }
+    case KEY: TakeKey(elements); break;
+    case TYPE: TakeType(Load<uint16_t>(elements)); break;
+    case DIMENSION: TakeDimension(Load<int32_t>(elements)); break;
+    case NUMBERS: TakeNumbers(elements); break;
+    case TEXT_LENGTH: {
+        unsigned int length = Load<uint16_t>(elements);
+        if (length < 1) ZAV_ThrowBinPackException();
+        Expect(TEXT, BINPACK_BLOCK, length);
+        break;
+    }
+    case TEXT: TakeText(elements); break;
+    case DONE: break;
+    }
+}
+
+void ZAV_BinPackUValDict::Reader::TakeEntryCount(unsigned int count) {
+    if (mNestingLimit && mLevels.size() >= mNestingLimit) ZAV_ThrowBinPackException();
+    mLevels.push_back(Level{mOpened, count});
+    NextEntry();
+}
+
+void ZAV_BinPackUValDict::Reader::NextEntry() {
+    while (!mLevels.empty() && mLevels.back().mEntriesLeft == 0) mLevels.pop_back();
+    if (mLevels.empty()) {
+        mStep = DONE;
+        return;
+    }
+    --mLevels.back().mEntriesLeft;
+    Expect(KEY_LENGTH, BINPACK_16, 1);
+}
+
+// A text ends with its only NUL.
+void ZAV_BinPackUValDict::Reader::TakeKey(const unsigned char* text) {
+    if (std::memchr(text, 0, mCount) != text + mCount - 1) ZAV_ThrowBinPackException();
+    std::memcpy(mKey, text, mCount);
+    mKeyLength = mCount - 1;
+    Expect(TYPE, BINPACK_16, 1);
+}
+
+// Takes `value`, which may be null. A key that is there already was never written by us.
+void ZAV_BinPackUValDict::Reader::StoreEntry(ZAV_UVal* value) {
+    std::unique_ptr<ZAV_UVal> owned(value);
+    ZAV_UValDict& dict = *mLevels.back().mDict;
+    unsigned int before = dict.GetSize();
+    dict.SetEntry(mKey, mKeyLength, owned.release());
+    if (dict.GetSize() == before) ZAV_ThrowBinPackException();
+}
+
+void ZAV_BinPackUValDict::Reader::TakeType(unsigned int type) {
+    if (type > UVAL_PTR) ZAV_ThrowBinPackException();
+    mType = static_cast<ZAV_UValType>(type);
+    if (type == 0) {
+        StoreEntry(nullptr);
+        NextEntry();
+    } else if (type == UVAL_DICT) {
+        StoreEntry(mOpened = new ZAV_UValDict(16));
+        Expect(ENTRY_COUNT, BINPACK_16, 1);
+    } else {
+        Expect(DIMENSION, BINPACK_32, 1);
+    }
+}
+
+void ZAV_BinPackUValDict::Reader::TakeDimension(int32_t dimension) {
+    if (dimension < 0) ZAV_ThrowBinPackException();
+    mDimension = dimension;
+    int32_t count = dimension > 0 ? dimension : 1;
+    if (mType == UVAL_PTR) {
+        mPointers += static_cast<unsigned long>(dimension);
+        if (mPointers > ZAV_BINPACK_MAX_POINTERS) ZAV_ThrowBinPackException();
+        std::unique_ptr<ZAV_UVal> value(ZAV_NewUVal(UVAL_PTR, dimension));
+        for (long i = 0; i < value->GetDimension(); ++i) value->SetPtrValue(nullptr, i);
+        StoreEntry(value.release());
+        NextEntry();
+    } else if (mType == UVAL_STRING || mType == UVAL_UTFSTRING) {
+        mTextsLeft = count;
+        Expect(TEXT_LENGTH, BINPACK_16, 1);
+    } else {
+        Expect(NUMBERS, KindOf(mType), static_cast<uint32_t>(count));
+    }
+}
+
+void ZAV_BinPackUValDict::Reader::TakeNumbers(const unsigned char* bytes) {
+    std::unique_ptr<ZAV_UVal> value(ZAV_NewUVal(mType, mDimension));
+    Elements elements = ElementsOf(*value);
+    if (elements.mCount != mCount) ZAV_ThrowBinPackException();
+    std::memcpy(elements.mData, bytes, static_cast<size_t>(mCount) * ZAV_BinPackElementSize(mKind));
+    StoreEntry(value.release());
+    NextEntry();
+}
+
+void ZAV_BinPackUValDict::Reader::TakeText(const unsigned char* text) {
+    unsigned int length = mCount - 1;
+    if (text[length] != 0) ZAV_ThrowBinPackException();
+    mTexts.append(reinterpret_cast<const char*>(text), length);
+    mTextLengths.push_back(length);
+    if (--mTextsLeft > 0) return Expect(TEXT_LENGTH, BINPACK_16, 1);
+    StoreTexts();
+    NextEntry();
+}
+
+// An array is made when all its texts are there, so that a claimed dimension takes no memory.
+void ZAV_BinPackUValDict::Reader::StoreTexts() {
+    std::unique_ptr<ZAV_UVal> value(ZAV_NewUVal(mType, mDimension));
+    if (value->GetDimension() != mDimension) ZAV_ThrowBinPackException();
+    const char* text = mTexts.data();
+    for (size_t i = 0; i < mTextLengths.size(); ++i) {
+        StoreText(*value, mType, text, mTextLengths[i], static_cast<long>(i));
+        text += mTextLengths[i];
+    }
+    mTexts.clear();
+    mTextLengths.clear();
+    StoreEntry(value.release());
+}
+
+ZAV_BinPackUValDict::ZAV_BinPackUValDict(ZAV_UValDict& dict) : mDict(dict), mWriter(nullptr), mReader(nullptr) {}
+
+ZAV_BinPackUValDict::~ZAV_BinPackUValDict() {
+    delete mWriter;
+    delete mReader;
+}
+
+int ZAV_BinPackUValDict::Put(unsigned char** cursor, const unsigned char* limit) {
+    if (!mWriter) mWriter = new Writer(mDict);
+    return mWriter->Put(cursor, limit);
+}
+
+int ZAV_BinPackUValDict::Get(const unsigned char** cursor, const unsigned char* limit) {
+    if (!mReader) mReader = new Reader(mDict);
+    return mReader->Get(cursor, limit);
+}
+
+int ZAV_BinPackUValDict::Get(unsigned char** cursor, const unsigned char* limit) {
+    return Get(const_cast<const unsigned char**>(cursor), limit);
+}

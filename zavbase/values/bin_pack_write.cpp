@@ -1,0 +1,160 @@
+#include <zavbase/values/bin_pack_dict_internal.h>
+
+#include <cstring>
+
+#include <zavbase/values/uval_types.h>
+#include <zavbase/values/value_dict.h>
+
+namespace zav_pack {
+
+namespace {
+
+template <class Typed>
+Elements Of(ZAV_UVal& value, int kind) {
+    long dimension = value.GetDimension();
+    return {kind, dimension > 0 ? static_cast<unsigned int>(dimension) : 1, static_cast<Typed&>(value).GetValuePtr(0)};
+}
+
+unsigned char* PutNumber(unsigned char* out, unsigned int value) {
+    out[0] = BINPACK_16;
+    uint16_t number = static_cast<uint16_t>(value);
+    std::memcpy(out + 1, &number, sizeof number);
+    return out + 3;
+}
+
+unsigned char* PutHeader(unsigned char* out, int kind, unsigned int count) {
+    *out++ = static_cast<unsigned char>(count == 1 ? kind : kind | 0x10);
+    if (count == 1) return out;
+    for (int shift = 24; shift >= 0; shift -= 8) *out++ = static_cast<unsigned char>(count >> shift);
+    return out;
+}
+
+const ZAV_String& TextOf(ZAV_UVal& value, long index) {
+    if (value.GetType() == UVAL_STRING) return static_cast<ZAV_UValString&>(value).GetValue(index);
+    return static_cast<ZAV_UValUTFString&>(value).GetValue(index);
+}
+
+long ElementCount(ZAV_UVal& value) { return value.GetDimension() > 0 ? value.GetDimension() : 1; }
+
+} // namespace
+
+int KindOf(ZAV_UValType number) {
+    static constexpr int kinds[] = {BINPACK_CHAR, BINPACK_CHAR, BINPACK_16,    BINPACK_16,
+                                    BINPACK_32,   BINPACK_32,   BINPACK_FLOAT, BINPACK_DOUBLE};
+    return kinds[number - UVAL_CHAR];
+}
+
+Elements ElementsOf(ZAV_UVal& number) {
+    int kind = KindOf(number.GetType());
+    switch (number.GetType()) {
+    case UVAL_CHAR: return Of<ZAV_UValChar>(number, kind);
+    case UVAL_UCHAR: return Of<ZAV_UValUChar>(number, kind);
+    case UVAL_SHORT: return Of<ZAV_UValShort>(number, kind);
+    case UVAL_USHORT: return Of<ZAV_UValUShort>(number, kind);
+    case UVAL_LONG: return Of<ZAV_UValLong>(number, kind);
+    case UVAL_ULONG: return Of<ZAV_UValULong>(number, kind);
+    case UVAL_FLOAT: return Of<ZAV_UValFloat>(number, kind);
+    default: return Of<ZAV_UValDouble>(number, kind);
+    }
+}
+
+} // namespace zav_pack
+
+using namespace zav_pack;
+
+ZAV_BinPackUValDict::Writer::Writer(ZAV_UValDict& dict) : mTexts(nullptr), mTextsLeft(0) {
+    Check(dict);
+    mPieceLeft = ZAV_BinPackBuffer(mPiece, static_cast<unsigned long>(PutDict(mPiece, dict) - mPiece));
+}
+
+void ZAV_BinPackUValDict::Writer::Check(ZAV_UValDict& top) {
+    unsigned long pointers = 0;
+    std::vector<ZAV_UValDict*> dicts(1, &top);
+    while (!dicts.empty()) {
+        ZAV_UValDict* dict = dicts.back();
+        dicts.pop_back();
+        if (dict->GetSize() > MOST_ENTRIES) ZAV_ThrowBinPackException();
+        for (ZAV_AssocUVal* entry = dict->GetNextAssoc(nullptr); entry; entry = entry->GetNext()) {
+            ZAV_UVal* value = entry->Value();
+            if (!value) continue;
+            ZAV_UValType type = value->GetType();
+            if (type < UVAL_DICT || type > UVAL_PTR) ZAV_ThrowBinPackException();
+            if (type == UVAL_DICT) dicts.push_back(static_cast<ZAV_UValDict*>(value));
+            if (type == UVAL_STRING || type == UVAL_UTFSTRING) CheckTexts(*value);
+            if (type == UVAL_PTR) pointers += static_cast<unsigned long>(value->GetDimension());
+            if (pointers > ZAV_BINPACK_MAX_POINTERS) ZAV_ThrowBinPackException();
+        }
+    }
+}
+
+void ZAV_BinPackUValDict::Writer::CheckTexts(ZAV_UVal& value) {
+    for (long i = 0; i < ElementCount(value); ++i)
+        if (TextOf(value, i).Size() > MOST_TEXT) ZAV_ThrowBinPackException();
+}
+
+int ZAV_BinPackUValDict::Writer::Put(unsigned char** cursor, const unsigned char* limit) {
+    for (;;) {
+        if (mPieceLeft.Put(cursor, limit) || mElementsLeft.Put(cursor, limit)) return 1;
+        if (IsDone()) return 0;
+        if (static_cast<size_t>(limit - *cursor) >= MOST_PIECE) {
+            *cursor = MakePiece(*cursor);
+        } else {
+            unsigned char* end = MakePiece(mPiece);
+            mPieceLeft = ZAV_BinPackBuffer(mPiece, static_cast<unsigned long>(end - mPiece));
+        }
+    }
+}
+
+unsigned char* ZAV_BinPackUValDict::Writer::MakePiece(unsigned char* out) {
+    if (mTextsLeft > 0) return PutText(out);
+    ZAV_AssocUVal& entry = *mNext.back();
+    mNext.back() = entry.GetNext();
+    if (!mNext.back()) mNext.pop_back();
+    return PutEntry(out, entry);
+}
+
+unsigned char* ZAV_BinPackUValDict::Writer::PutEntry(unsigned char* out, ZAV_AssocUVal& entry) {
+    unsigned int length = entry.KeyLength() + 1;
+    out = PutHeader(PutNumber(out, length), BINPACK_BLOCK, length);
+    std::memcpy(out, entry.Key(), length);
+    out += length;
+    ZAV_UVal* value = entry.Value();
+    out = PutNumber(out, value ? static_cast<unsigned int>(value->GetType()) : 0);
+    if (!value) return out;
+    if (value->GetType() == UVAL_DICT) return PutDict(out, static_cast<ZAV_UValDict&>(*value));
+    return PutValue(out, *value);
+}
+
+unsigned char* ZAV_BinPackUValDict::Writer::PutDict(unsigned char* out, ZAV_UValDict& dict) {
+    if (ZAV_AssocUVal* first = dict.GetNextAssoc(nullptr)) mNext.push_back(first);
+    return PutNumber(out, dict.GetSize());
+}
+
+unsigned char* ZAV_BinPackUValDict::Writer::PutValue(unsigned char* out, ZAV_UVal& value) {
+    int32_t dimension = static_cast<int32_t>(value.GetDimension());
+    *out++ = BINPACK_32;
+    std::memcpy(out, &dimension, sizeof dimension);
+    out += sizeof dimension;
+    if (value.GetFamily() == UVAL_FAMILY_PTR) return out;
+    if (value.GetFamily() == UVAL_FAMILY_STRING) {
+        mTexts = &value;
+        mTextsLeft = ElementCount(value);
+        return out;
+    }
+    Elements elements = ElementsOf(value);
+    out = PutHeader(out, elements.mKind, elements.mCount);
+    size_t size = static_cast<size_t>(elements.mCount) * ZAV_BinPackElementSize(elements.mKind);
+    if (size > sizeof(double)) {
+        mElementsLeft = ZAV_BinPackBuffer(elements.mData, static_cast<unsigned long>(size));
+        return out;
+    }
+    std::memcpy(out, elements.mData, size);
+    return out + size;
+}
+
+unsigned char* ZAV_BinPackUValDict::Writer::PutText(unsigned char* out) {
+    const ZAV_String& text = TextOf(*mTexts, ElementCount(*mTexts) - mTextsLeft--);
+    unsigned int length = text.Size() + 1;
+    mElementsLeft = ZAV_BinPackBuffer(const_cast<char*>(text.Ptr()), length);
+    return PutHeader(PutNumber(out, length), BINPACK_BLOCK, length);
+}

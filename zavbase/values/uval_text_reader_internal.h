@@ -1,0 +1,114 @@
+#ifndef ZAVBASE_VALUES_UVAL_TEXT_READER_INTERNAL_H
+#define ZAVBASE_VALUES_UVAL_TEXT_READER_INTERNAL_H
+
+#include <cstddef>
+#include <iosfwd>
+#include <vector>
+
+#include <zavbase/values/uval.h>
+#include <zavbase/values/uval_text_token_internal.h>
+
+class ZAV_UValDict;
+
+namespace zav_text {
+
+/// A place in a text, for the error record.
+struct Place {
+    long mLine = 1;
+    long mColumn = 1;
+    void Pass(char c);
+    /// The place behind [text, to) when the text begins here.
+    Place After(const char* text, const char* to) const;
+
+private:
+    bool mAfterReturn = false;  // CR LF is one line end
+};
+
+/// Builds a value from a text: a stack machine over the tokens. It does not recurse, and takes memory in
+/// proportion to the text. Used for one text.
+class Reader {
+public:
+    /// `text` must be followed by a NUL that `size` does not count, and stays the caller's; it begins at
+    /// `origin` for the error record.
+    Reader(const char* text, size_t size, Place origin = Place());
+    ~Reader();
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+
+    /// The text's one value, which is then the caller's. Malformed text is reported as ZAV_ReadUValTxt says.
+    ZAV_UVal* Read();
+
+private:
+    enum ItemKind : unsigned char {
+        ITEM_INTEGER,
+        ITEM_REAL,
+        ITEM_STRING,          // a string in an array, as it stands in the text
+        ITEM_DECODED,         // one that had escapes: its text is in mDecoded
+        ITEM_NAME,
+        ITEM_DICT,            // the mark of an open dictionary
+        ITEM_ARRAY,           // the mark of an open array
+        ITEM_VALUE
+    };
+    struct Item {
+        ItemKind mKind;
+        uint32_t mLength;        // of a text; how deep dictionaries nest in a value
+        union {
+            int32_t mInteger;
+            double mReal;
+            const char* mText;
+            size_t mDecodedAt;
+            ZAV_UVal* mValue;
+            size_t mOuterMark;   // of a mark: the index of the mark around it
+        };
+    };
+    typedef std::vector<Item>::iterator ItemRef;
+    static constexpr size_t NO_MARK = static_cast<size_t>(-1);
+
+    bool Take(const Token& token);
+    void TakeScalar(const Token& token);
+    void PushRaw(const Token& token);
+    void PushMark(ItemKind kind);
+    void PushValue(ZAV_UVal* value, uint32_t depth);
+    Item& Push(ItemKind kind);
+    size_t FindMark(ItemKind kind) const;
+    void CloseMark(size_t mark);
+
+    void CloseArray();
+    ZAV_UValType ArrayType(size_t mark, int keyword);
+    void StoreElement(ZAV_UVal& value, ZAV_UValType type, const Item& item, long index);
+    template <class Typed, ItemKind kind>
+    bool FillNumbers(ZAV_UVal& value, size_t first) const;
+
+    void CloseDict();
+    uint32_t StorePair(ZAV_UValDict& dict, const Item& key, Item& value);
+
+    bool InArray() const { return mMark != NO_MARK && mItems[mMark].mKind == ITEM_ARRAY; }
+    const char* TextOf(const Item& item) const;
+    [[noreturn]] void Fail(const char* message);
+
+    Tokeniser mTokens;
+    const char* mText;
+    const char* mTextEnd;
+    const char* mTokenStart;  // where the current token begins
+    Place mOrigin;
+    std::vector<Item> mItems;
+    std::string mDecoded;     // texts of the open arrays' ITEM_DECODED
+    size_t mMark;             // the innermost open mark
+    unsigned long mOpenDicts;
+    unsigned long mNestingLimit;
+};
+
+/// Cuts the dictionary called `name` out of a stream, from its "<<" to its ">>", and stores it in `text` with
+/// its place; the stream then stands behind it. Returns false, with the stream at its end, when there is none.
+/// A dictionary that the stream ends in is cut there.
+bool FindDictionary(std::istream& is, const char* name, size_t length, std::string& text, Place& place);
+
+/// Notes that reading went well, or failed at `place`, where `found` stood.
+void ClearTextError();
+void SetTextError(const char* message, Place place, const char* found, const char* foundEnd);
+
+extern const char* const HIERARCHY_ERROR;
+
+} // namespace zav_text
+
+#endif

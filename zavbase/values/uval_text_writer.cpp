@@ -1,0 +1,300 @@
+#include <zavbase/values/uval_text.h>
+
+#include <algorithm>
+#include <cmath>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <zavbase/strings/number_text_internal.h>
+#include <zavbase/values/uval_text_token_internal.h>
+#include <zavbase/values/uval_types.h>
+#include <zavbase/values/value_dict.h>
+
+namespace zav_text {
+
+namespace {
+
+// Rounds x * 10^6 to an integer, half to even, exactly; x is 0 <= x < 1. The product is computed as
+// high + low without error (each factor split in halves whose products are exact).
+uint32_t Millionths(double x) {
+    constexpr double split = 134217729.0, factor = 1e6;
+    double product = x * factor;
+    double t = split * x;
+    double upper = t - (t - x);
+    double error = (upper * factor - product) + (x - upper) * factor;
+    double whole = std::floor(product);
+    double rest = product - whole;
+    bool up = rest > 0.5 || (rest == 0.5 && (error > 0 || (error == 0 && std::fmod(whole, 2.0) != 0)));
+    // The product may have been rounded up to a whole number or to a half from below.
+    return static_cast<uint32_t>(whole) + (up ? 1 : 0);
+}
+
+char* PutDigits(char* end, uint64_t value, int least) {
+    do {
+        *--end = static_cast<char>('0' + value % 10);
+        value /= 10;
+        --least;
+    } while (value || least > 0);
+    return end;
+}
+
+// Collects text and hands it to the stream in large pieces.
+class Output {
+public:
+    explicit Output(std::ostream& os) : mStream(os) { mText.reserve(PIECE + 512); }
+    void Flush() {
+        if (!mText.empty()) mStream.write(mText.data(), static_cast<std::streamsize>(mText.size()));
+        mText.clear();
+    }
+    void Char(char c) { mText.push_back(c); }
+    void Text(const char* text, size_t length) { mText.append(text, length); }
+    template <size_t N> void Literal(const char (&text)[N]) { mText.append(text, N - 1); }
+    void Indent(int n);
+    void Integer(int32_t value);
+    void Real(double value, int decimals);
+    void Quoted(const char* text, size_t length);
+    void Key(const char* key, size_t length);
+    void FlushLarge() {
+        if (mText.size() >= PIECE) Flush();
+    }
+
+private:
+    static constexpr size_t PIECE = 32768;
+    void Escaped(unsigned char c);
+
+    std::ostream& mStream;
+    std::string mText;
+};
+
+void Output::Indent(int n) {
+    for (; n > 0; n -= 4096) {
+        mText.append(2 * static_cast<size_t>((std::min)(n, 4096)), ' ');
+        FlushLarge();
+    }
+}
+
+void Output::Integer(int32_t value) {
+    char digits[12];
+    char* end = digits + sizeof digits;
+    bool negative = value < 0;
+    char* start = PutDigits(end, negative ? 0u - static_cast<uint32_t>(value) : static_cast<uint32_t>(value), 1);
+    if (negative) *--start = '-';
+    mText.append(start, end);
+}
+
+void Output::Real(double value, int decimals) {
+    double size = std::fabs(value);
+    if (decimals != 6 || !(size < 9e9)) {
+        char digits[zav_number::kRealRoom];
+        mText.append(digits, zav_number::FormatFixedForFile(digits, value, decimals));
+        return;
+    }
+    uint64_t whole = static_cast<uint64_t>(size);
+    uint32_t millionths = Millionths(size - static_cast<double>(whole));
+    if (millionths == 1000000) ++whole, millionths = 0;
+    char digits[24];
+    char* end = digits + sizeof digits;
+    char* start = PutDigits(end, millionths, 6);
+    *--start = '.';
+    start = PutDigits(start, whole, 1);
+    if (std::signbit(value)) *--start = '-';
+    mText.append(start, end);
+}
+
+void Output::Escaped(unsigned char c) {
+    mText.push_back('\\');
+    switch (c) {
+    case '\t': mText.push_back('t'); break;
+    case '\n': mText.push_back('n'); break;
+    case '\f': mText.push_back('f'); break;
+    case '\r': mText.push_back('r'); break;
+    case '(':
+    case ')':
+    case '\\': mText.push_back(static_cast<char>(c)); break;
+    default:
+        mText.push_back(static_cast<char>('0' + (c >> 6)));
+        mText.push_back(static_cast<char>('0' + ((c >> 3) & 7)));
+        mText.push_back(static_cast<char>('0' + (c & 7)));
+    }
+}
+
+void Output::Quoted(const char* text, size_t length) {
+    const char* end = text + length;
+    mText.push_back('(');
+    while (text < end) {
+        const char* plain = text;
+        while (text < end && !gChars.Is(*text, CHAR_ESCAPED)) ++text;
+        mText.append(plain, text);
+        if (text < end) Escaped(static_cast<unsigned char>(*text++));
+    }
+    mText.append(") ", 2);
+}
+
+void Output::Key(const char* key, size_t length) {
+    bool isName = std::none_of(key, key + length, [](char c) { return gChars.Is(c, CHAR_QUOTED); });
+    if (!isName) return Quoted(key, length);
+    mText.push_back('/');
+    mText.append(key, length);
+}
+
+// Writes a tree without recursion: open dictionaries wait on a stack of their own.
+class Writer {
+public:
+    Writer(std::ostream& os, int indent) : mStream(os), mOut(os), mIndent(indent) {
+        std::streamsize decimals = os.precision();
+        mDecimals = decimals < 0 ? 6 : static_cast<int>((std::min<std::streamsize>)(decimals, 40));
+    }
+    void Write(ZAV_UVal& value);
+
+private:
+    void Open(ZAV_UValDict& dict);
+    void WriteNext();
+    void WriteValue(ZAV_UVal& value);
+    template <class PutElement> void WriteNumbers(ZAV_UVal& value, PutElement put);
+    void WriteIntegers(ZAV_UVal& value);
+    void WriteReals(ZAV_UVal& value);
+    void WriteStrings(ZAV_UVal& value);
+    template <class Typed> void WriteTexts(Typed& value);
+    void WritePointers(ZAV_UVal& value);
+    void WriteKeyword(ZAV_UValType type);
+
+    std::ostream& mStream;
+    Output mOut;
+    int mIndent;                         // of the innermost open dictionary
+    int mDecimals;
+    std::vector<ZAV_AssocUVal*> mNext;   // of each open dictionary: the entry to be written next
+};
+
+void Writer::Write(ZAV_UVal& value) {
+    if (value.GetType() == UVAL_DICT) Open(static_cast<ZAV_UValDict&>(value));
+    else WriteValue(value);
+    while (!mNext.empty()) WriteNext();
+    mOut.Flush();
+}
+
+void Writer::Open(ZAV_UValDict& dict) {
+    if (mIndent != 0) {
+        mOut.Char('\n');
+        mOut.Indent(mIndent);
+    }
+    mOut.Literal("<<\n");
+    mNext.push_back(dict.GetNextAssoc(nullptr));
+}
+
+// The next line of the innermost open dictionary: an entry or its end.
+void Writer::WriteNext() {
+    ZAV_AssocUVal* entry = mNext.back();
+    if (!entry) {
+        mNext.pop_back();
+        mOut.Indent(mIndent--);
+        mOut.Literal(">>");
+        if (!mNext.empty()) mOut.Char('\n');
+        return;
+    }
+    mNext.back() = entry->GetNext();
+    ZAV_UVal* value = entry->Value();
+    if (!value) return;
+    mOut.Indent(mIndent);
+    mOut.Key(entry->Key(), entry->KeyLength());
+    mOut.Char(' ');
+    if (value->GetType() == UVAL_DICT) {
+        ++mIndent;
+        Open(static_cast<ZAV_UValDict&>(*value));
+    } else {
+        WriteValue(*value);
+        mOut.Char('\n');
+    }
+    mOut.FlushLarge();
+}
+
+void Writer::WriteValue(ZAV_UVal& value) {
+    switch (value.GetType()) {
+    case UVAL_CHAR:
+    case UVAL_UCHAR:
+    case UVAL_SHORT:
+    case UVAL_USHORT:
+    case UVAL_LONG:
+    case UVAL_ULONG: WriteIntegers(value); break;
+    case UVAL_FLOAT:
+    case UVAL_DOUBLE: WriteReals(value); break;
+    case UVAL_STRING:
+    case UVAL_UTFSTRING: WriteStrings(value); break;
+    case UVAL_PTR: WritePointers(value); break;
+    default: break;
+    }
+}
+
+void Writer::WriteKeyword(ZAV_UValType type) {
+    mOut.Char(' ');
+    const char* keyword = gKeywords[type - UVAL_CHAR];
+    mOut.Text(keyword, std::char_traits<char>::length(keyword));
+}
+
+template <class PutElement>
+void Writer::WriteNumbers(ZAV_UVal& value, PutElement put) {
+    long count = value.GetDimension();
+    if (count < 1) return put(0);
+    mOut.Literal("[ ");
+    for (long i = 0; i < count; ++i) {
+        put(i);
+        mOut.Char(' ');
+        mOut.FlushLarge();
+    }
+    mOut.Literal(" ]");
+}
+
+void Writer::WriteIntegers(ZAV_UVal& value) {
+    WriteNumbers(value, [&](long i) { mOut.Integer(static_cast<int32_t>(value.GetLongValue(i))); });
+    if (value.GetType() != UVAL_LONG) WriteKeyword(value.GetType());
+}
+
+void Writer::WriteReals(ZAV_UVal& value) {
+    mStream.setf(std::ios::fixed, std::ios::floatfield);
+    WriteNumbers(value, [&](long i) { mOut.Real(value.GetDoubleValue(i), mDecimals); });
+    if (value.GetType() == UVAL_FLOAT) WriteKeyword(UVAL_FLOAT);
+}
+
+void Writer::WriteStrings(ZAV_UVal& value) {
+    if (value.GetType() == UVAL_STRING) return WriteTexts(static_cast<ZAV_UValString&>(value));
+    WriteTexts(static_cast<ZAV_UValUTFString&>(value));
+    WriteKeyword(UVAL_UTFSTRING);
+}
+
+template <class Typed>
+void Writer::WriteTexts(Typed& value) {
+    long count = value.GetDimension();
+    if (count > 0) mOut.Literal("[ ");
+    for (long i = 0; i < count || i == 0; ++i) {
+        const ZAV_String& text = value.GetValue(i);
+        mOut.Quoted(text.Ptr(), text.Size());
+        mOut.FlushLarge();
+    }
+    if (count > 0) mOut.Char(']');
+}
+
+void Writer::WritePointers(ZAV_UVal& value) {
+    long count = value.GetDimension();
+    if (count > 0) mOut.Literal("[ ");
+    for (long i = 0; i < count || i == 0; ++i) {
+        mOut.Literal("0 ");
+        mOut.FlushLarge();
+    }
+    if (count > 0) mOut.Literal(" ]");
+    WriteKeyword(UVAL_PTR);
+}
+
+} // namespace
+
+} // namespace zav_text
+
+std::ostream& ZAV_Indent(std::ostream& os, int n) {
+    for (; n > 0; --n) os.write("  ", 2);
+    return os;
+}
+
+std::ostream& ZAV_WriteUValTxt(std::ostream& os, const ZAV_UVal* value, int indent) {
+    // Accessors are not const, so that host classes keep overriding them; they change nothing.
+    if (value) zav_text::Writer(os, indent).Write(const_cast<ZAV_UVal&>(*value));
+    return os;
+}

@@ -1,0 +1,194 @@
+#include <istream>
+#include <memory>
+#include <ostream>
+#include <streambuf>
+
+#include <zavbase/foundation/exception.h>
+#include <zavbase/os/file.h>
+#include <zavbase/strings/system_string.h>
+#include <zavbase/values/bin_pack.h>
+#include <zavbase/values/uval_text.h>
+#include <zavbase/values/uval_text_reader_internal.h>
+#include <zavbase/values/value_dict.h>
+
+namespace {
+
+enum FileCode : unsigned short { INVALID_FILE = 2, OPEN_READ_ERROR = 3, OPEN_WRITE_ERROR = 4, READ_ERROR = 6, WRITE_ERROR = 7 };
+
+// The first byte of a binary file, the header of its first atom. No text begins with it.
+constexpr char BINARY_MARK = BINPACK_16;
+const char gMagic[] = "UVALBINDUMP_2.0";
+const uint16_t gMagicSize = sizeof gMagic;
+
+constexpr size_t PIECE = 65536;
+
+const char* NameOf(const ZAV_SystemString& file) { return file.GetSystemString().Ptr(); }
+
+class WholeFile {
+public:
+    explicit WholeFile(const ZAV_SystemString& file) {
+        zav_os::ReadStatus status = zav_os::ReadWholeFile(NameOf(file), 0x7FFFFFFF, &mBytes);
+        if (status == zav_os::READ_NOT_OPEN) ZAV_ThrowFileException(OPEN_READ_ERROR, 0);
+        if (status != zav_os::READ_DONE) ZAV_ThrowFileException(READ_ERROR, 0);
+    }
+    ~WholeFile() { zav_os::FreeFileBytes(&mBytes); }
+    WholeFile(const WholeFile&) = delete;
+    WholeFile& operator=(const WholeFile&) = delete;
+
+    char* Data() const { return mBytes.mData; }
+    size_t Size() const { return mBytes.mSize; }
+    bool IsBinary() const { return Size() > 0 && Data()[0] == BINARY_MARK; }
+
+private:
+    zav_os::FileBytes mBytes;
+};
+
+// A file that appears when Finish has returned; its failures are the file exceptions.
+class NewFile {
+public:
+    explicit NewFile(const ZAV_SystemString& file) {
+        if (mFile.Open(NameOf(file)) != 0) ZAV_ThrowFileException(OPEN_WRITE_ERROR, 0);
+    }
+    void Write(const void* data, size_t size) {
+        if (mFile.Write(data, size) != 0) ZAV_ThrowFileException(WRITE_ERROR, 0);
+    }
+    void Finish() {
+        if (mFile.Commit() != 0) ZAV_ThrowFileException(WRITE_ERROR, 0);
+    }
+
+private:
+    zav_os::FileReplacement mFile;
+};
+
+// Lets the text writer, which knows streams, write to a file. A stream takes exceptions for itself, so the
+// first failure is kept as the stream's state and told at the end.
+class NewFileBuffer : public std::streambuf {
+public:
+    explicit NewFileBuffer(zav_os::FileReplacement& file) : mFile(file) {}
+
+protected:
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+        return mFile.Write(text, static_cast<size_t>(size)) == 0 ? size : 0;
+    }
+    int_type overflow(int_type c) override {
+        char byte = traits_type::to_char_type(c);
+        return xsputn(&byte, 1) == 1 ? c : traits_type::eof();
+    }
+
+private:
+    zav_os::FileReplacement& mFile;
+};
+
+class MemoryBuffer : public std::streambuf {
+public:
+    MemoryBuffer(char* data, size_t size) { setg(data, data, data + size); }
+};
+
+void ReadBinary(const WholeFile& file, ZAV_UValDict& dict) {
+    const unsigned char* cursor = reinterpret_cast<const unsigned char*>(file.Data());
+    const unsigned char* limit = cursor + file.Size();
+    bool isValid = false;
+    try {
+        uint16_t magicSize = 0;
+        char magic[sizeof gMagic] = {};
+        ZAV_BinPackAtom sizeAtom(BINPACK_16, 1, &magicSize);
+        ZAV_BinPackAtom magicAtom(BINPACK_BLOCK, sizeof magic, magic);
+        ZAV_BinPackUValDict packer(dict);
+        isValid = !sizeAtom.Get(&cursor, limit) && magicSize == gMagicSize && !magicAtom.Get(&cursor, limit) &&
+                  std::char_traits<char>::compare(magic, gMagic, sizeof magic) == 0 && !packer.Get(&cursor, limit) &&
+                  cursor == limit;
+    } catch (ZAV_BinPackException* e) {
+        e->Delete();
+    }
+    if (!isValid) ZAV_ThrowFileException(INVALID_FILE, 0);
+}
+
+void ReadText(const WholeFile& file, const ZAV_String& name, std::unique_ptr<ZAV_UVal>& value) {
+    ZAV_UVal* result = nullptr;
+    if (name.IsEmpty()) {
+        result = zav_text::Reader(file.Data(), file.Size()).Read();
+    } else {
+        MemoryBuffer buffer(file.Data(), file.Size());
+        std::istream is(&buffer);
+        ZAV_ReadUValTxt(is, result, name);
+    }
+    value.reset(result);
+}
+
+// The top of a file must be a dictionary.
+ZAV_UValDict& DictIn(const WholeFile& file, ZAV_UVal& value) {
+    if (value.GetType() != UVAL_DICT) {
+        zav_text::SetTextError(zav_text::HIERARCHY_ERROR, zav_text::Place(), file.Data(), file.Data() + file.Size());
+        ZAV_ThrowFileException(INVALID_FILE, 0);
+    }
+    return static_cast<ZAV_UValDict&>(value);
+}
+
+} // namespace
+
+// MoveTo passes over entries without a value, which a binary file may hold. They come where there is no entry
+// yet; into an empty dictionary all entries go in their order.
+void ZAV_UValDict::TakeFrom(ZAV_UValDict& other) {
+    bool isPlain = GetSize() == 0 && !mCaseInsensitive;
+    if (!isPlain) other.MoveTo(this);
+    for (ZAV_AssocUVal* entry = other.mFirst; entry; entry = entry->GetNext())
+        if (isPlain || (!entry->Value() && !AssocAt(entry->Key())))
+            SetEntry(entry->Key(), entry->KeyLength(), entry->Value(nullptr));
+}
+
+void ZAV_UValDict::WriteTextFile(const ZAV_SystemString& file) {
+    zav_os::FileReplacement replacement;
+    if (replacement.Open(NameOf(file)) != 0) ZAV_ThrowFileException(OPEN_WRITE_ERROR, 0);
+    NewFileBuffer buffer(replacement);
+    std::ostream os(&buffer);
+    ZAV_WriteUValTxt(os, this, 0);
+    if (!os || replacement.Commit() != 0) ZAV_ThrowFileException(WRITE_ERROR, 0);
+}
+
+void ZAV_UValDict::ReadTextFile(const ZAV_SystemString& file) { ReadTextFile(file, ZAV_String()); }
+
+void ZAV_UValDict::ReadTextFile(const ZAV_SystemString& file, const ZAV_String& name) {
+    WholeFile bytes(file);
+    std::unique_ptr<ZAV_UVal> value;
+    ReadText(bytes, name, value);
+    if (value) TakeFrom(DictIn(bytes, *value));
+}
+
+void ZAV_UValDict::ReadFile(const ZAV_SystemString& file) {
+    WholeFile bytes(file);
+    if (bytes.IsBinary()) {
+        ZAV_UValDict read(16);
+        ReadBinary(bytes, read);
+        return TakeFrom(read);
+    }
+    std::unique_ptr<ZAV_UVal> value;
+    ReadText(bytes, ZAV_String(), value);
+    TakeFrom(DictIn(bytes, *value));
+}
+
+void ZAV_UValDict::WriteBinFile(const ZAV_SystemString& file) {
+    uint16_t magicSize = gMagicSize;
+    ZAV_BinPackAtom sizeAtom(BINPACK_16, 1, &magicSize);
+    ZAV_BinPackAtom magicAtom(BINPACK_BLOCK, sizeof gMagic, const_cast<char*>(gMagic));
+    ZAV_BinPackUValDict packer(*this);
+    std::unique_ptr<unsigned char[]> buffer(new unsigned char[PIECE]);
+    unsigned char* cursor = buffer.get();
+    const unsigned char* limit = cursor + PIECE;
+    sizeAtom.Put(&cursor, limit);
+    magicAtom.Put(&cursor, limit);
+    bool more = packer.Put(&cursor, limit) != 0;  // what cannot be packed is refused before there is a file
+    NewFile out(file);
+    for (; more; more = packer.Put(&cursor, limit) != 0) {
+        out.Write(buffer.get(), static_cast<size_t>(cursor - buffer.get()));
+        cursor = buffer.get();
+    }
+    out.Write(buffer.get(), static_cast<size_t>(cursor - buffer.get()));
+    out.Finish();
+}
+
+void ZAV_UValDict::ReadBinFile(const ZAV_SystemString& file) {
+    WholeFile bytes(file);
+    ZAV_UValDict read(16);
+    ReadBinary(bytes, read);
+    TakeFrom(read);
+}
