@@ -36,8 +36,8 @@ ZAV_StaticDll::~ZAV_StaticDll() {
 
 ZAV_StaticDll* ZAV_StaticDll::GetStaticDll(const char* name) {
     if (!theDLLRegistry) return nullptr;
-    ZAV_Iterator it(*theDLLRegistry);
-    while (ZAV_CltObject* next = it++) {
+    ZAV_Iterator it(theDLLRegistry);
+    while (ZAV_CltObject* next = ++it) {
         ZAV_StaticDll* module = static_cast<ZAV_StaticDll*>(next);
         if (module->mName == name) return module;
     }
