@@ -21,13 +21,14 @@ public:
     /// The successor: another link, the nil link at the end of a list, null outside any list.
     ZAV_Link* NextLink() const { return mNext; }
 
-private:
+protected:
     friend class ZAV_LinkedList;
+    ZAV_Link* mNext;  ///< for classes that chain their own links while these are in no list
+
+private:
     struct SelfLinked {};
     constexpr explicit ZAV_Link(SelfLinked) : mNext(this) {}
     friend struct ZAV_NilLinkHolder;
-
-    ZAV_Link* mNext;
 };
 
 /// A link that carries any collectable object, not owned. Equality, order, hash, size and print are the
