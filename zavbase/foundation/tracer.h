@@ -24,7 +24,7 @@ class ZAV_UValDict;
 /// arrives whole. What hosts stream into dout themselves is not ordered with these lines.
 class ZAV_API ZAV_Tracer {
 public:
-    ZAV_Tracer();
+    constexpr ZAV_Tracer() : mName{}, mStreamP(nullptr), mMask(0) {}
     ~ZAV_Tracer();
 
     /// The tracer called `name`, taking a free slot for a new name; null when the table is full. An empty name

@@ -18,6 +18,7 @@ public:
     const ZAV_UTFString& GetTag() const { return mTag; }
     ZAV_I18nMsgArgType GetType() const { return mType; }
     const ZAV_I18nMsg& GetMsg() const { return mMsg; }
+    unsigned int ValueSize() const { return mMsg.mId.Size(); }  ///< bytes of the text, or of the identifier
 
 private:
     ZAV_UTFString mTag;  ///< with its brackets, e.g. "<<filename>>"

@@ -1,0 +1,136 @@
+#include <zavbase/foundation/tracer.h>
+
+#include <zavbase/collections/clt_string.h>
+#include <zavbase/collections/collection.h>
+#include <zavbase/collections/iterator.h>
+#include <zavbase/foundation/trace_stream.h>
+#include <zavbase/values/assoc_uval.h>
+#include <zavbase/values/value_dict.h>
+
+#include <atomic>
+#include <cstring>
+#include <mutex>
+#include <sstream>
+
+namespace {
+
+constexpr int kSlots = 30;
+constexpr size_t kNameLength = 10;
+
+// Built by the compiler and never destroyed: tracing works before the first and after the last static object.
+union Table {
+    constexpr Table() : slots{} {}
+    ~Table() {}
+    ZAV_Tracer slots[kSlots];
+};
+constinit Table theTable;
+constinit std::mutex theTableLock;
+
+// Lines are written under this lock. It is taken again by a thread whose sink writes trace lines itself.
+std::recursive_mutex& LineLock() {
+    static std::recursive_mutex* const lock = new std::recursive_mutex;
+    return *lock;
+}
+
+template <class T> std::atomic_ref<T> Shared(T& field) { return std::atomic_ref<T>(field); }
+
+ZAV_Tracer* Claim(ZAV_Tracer* slot, const char* name) {
+    if (slot) std::strncpy(slot->mName, name, kNameLength);
+    return slot;
+}
+
+} // namespace
+
+constinit ZAV_Tracer* tr_base = nullptr;
+constinit const char* const tr_base_name = "BASE";
+
+ZAV_Tracer::~ZAV_Tracer() {
+    mName[0] = 0;
+    mStreamP = nullptr;
+    mMask = 0;
+}
+
+ZAV_Tracer* ZAV_Tracer::FindOrCreate(const char* name) {
+    std::lock_guard<std::mutex> lock(theTableLock);
+    ZAV_Tracer* free = nullptr;
+    for (ZAV_Tracer& slot : theTable.slots) {
+        if (slot.mName[0]) {
+            if (std::strncmp(slot.mName, name, kNameLength) == 0) return &slot;
+        } else if (!free) {
+            free = &slot;
+        }
+    }
+    return Claim(free, name);
+}
+
+int ZAV_Tracer::SetStreamP(const char* name, std::ostream* stream) {
+    ZAV_Tracer* tracer = FindOrCreate(name);
+    if (!tracer) return -1;
+    Shared(tracer->mStreamP) = stream;
+    return 0;
+}
+
+int ZAV_Tracer::SetMask(const char* name, long mask) {
+    ZAV_Tracer* tracer = FindOrCreate(name);
+    if (!tracer) return -1;
+    Shared(tracer->mMask) = static_cast<zav_long32>(mask);
+    return 0;
+}
+
+int ZAV_Tracer::GetStreamP(const char* name, std::ostream** stream) {
+    ZAV_Tracer* tracer = FindOrCreate(name);
+    *stream = tracer ? Shared(tracer->mStreamP).load() : nullptr;
+    return tracer ? 0 : -1;
+}
+
+int ZAV_Tracer::GetMask(const char* name, long* mask) {
+    ZAV_Tracer* tracer = FindOrCreate(name);
+    *mask = tracer ? Shared(tracer->mMask).load() : 0;
+    return tracer ? 0 : -1;
+}
+
+void ZAV_Tracer::Initialize(ZAV_UValDict& dict) {
+    ZAV_Iterator it(dict.GetValuePtr());
+    while (ZAV_CltObject* object = ++it) {
+        ZAV_AssocUVal* entry = static_cast<ZAV_AssocUVal*>(object);
+        if (!entry->Key() || !entry->Value()) continue;
+        ZAV_Tracer* tracer = FindOrCreate(entry->Key());
+        if (!tracer) continue;
+        Shared(tracer->mMask) = static_cast<zav_long32>(entry->Value()->GetLongValue(0));
+        Shared(tracer->mStreamP) = &dout;
+    }
+}
+
+void ZAV_Tracer::GetNameList(ZAV_Collection* collection) {
+    for (const ZAV_Tracer& slot : theTable.slots)
+        if (slot.mName[0]) collection->Add(new (std::nothrow) ZAV_CltString(""));
+}
+
+std::ostream* ZAV_TraceLine::Sink(ZAV_Tracer*& cache, const char* name, long level) {
+    ZAV_Tracer* tracer = Shared(cache).load(std::memory_order_acquire);
+    if (!tracer) {
+        tracer = ZAV_Tracer::FindOrCreate(name);
+        if (!tracer) return nullptr;
+        Shared(cache).store(tracer, std::memory_order_release);
+    }
+    std::ostream* stream = Shared(tracer->mStreamP).load();
+    return (Shared(tracer->mMask).load() & level) ? stream : nullptr;
+}
+
+// The parts are formatted as the sink itself would format them.
+ZAV_TraceLine::ZAV_TraceLine(std::ostream& sink) : mSink(sink), mParts(new std::ostringstream) {
+    mParts->copyfmt(sink);
+    mParts->exceptions(std::ios_base::goodbit);
+}
+
+ZAV_TraceLine::~ZAV_TraceLine() { delete mParts; }
+
+std::ostream& ZAV_TraceLine::Parts() { return *mParts; }
+
+void ZAV_TraceLine::End() {
+    *mParts << '\n';
+    std::string line = static_cast<std::ostringstream*>(mParts)->str();
+    std::lock_guard<std::recursive_mutex> lock(LineLock());
+    mSink.write(line.data(), static_cast<std::streamsize>(line.size()));
+    mSink.flush();
+}

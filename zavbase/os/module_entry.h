@@ -1,0 +1,12 @@
+#ifndef ZAVBASE_OS_MODULE_ENTRY_H
+#define ZAVBASE_OS_MODULE_ENTRY_H
+
+namespace zav_os {
+
+/// What the library does when the system loads it (reason 1) or unloads it (reason 0); other reasons are
+/// ignored. Defined by the library, called by the module entry of each platform. Always returns 1.
+int OnModuleEvent(unsigned reason);
+
+} // namespace zav_os
+
+#endif
