@@ -1,0 +1,30 @@
+#ifndef ZAVBASE_EVENTS_EVENT_POOL_H
+#define ZAVBASE_EVENTS_EVENT_POOL_H
+
+#include <cstddef>
+#include <new>
+
+#include <zavbase/foundation/export.h>
+
+/// Base of classes whose objects are made on one thread and destroyed on another by the million: events and
+/// the references that they carry. Blocks of up to 128 bytes come from a store of the process, of which each
+/// thread keeps a few at hand, and go back to it when the object is destroyed on whichever thread; larger ones
+/// come from the heap. The base has no data. The store never gives memory back to the heap; it holds as much
+/// as the largest number of such objects ever alive needed.
+class ZAV_API ZAV_Pooled {
+public:
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block, std::size_t size) noexcept;
+
+    static void* operator new(std::size_t size, std::align_val_t align) { return ::operator new(size, align); }
+    static void operator delete(void* block, std::size_t, std::align_val_t align) noexcept
+    {
+        ::operator delete(block, align);
+    }
+
+    /// In place, as always.
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void*, void*) noexcept {}
+};
+
+#endif
