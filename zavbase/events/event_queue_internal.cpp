@@ -1,0 +1,109 @@
+#include <zavbase/events/event_queue_internal.h>
+
+#include <algorithm>
+
+#include <zavbase/events/event.h>
+
+namespace {
+
+const std::size_t kFirstSlots = 16;
+const std::size_t kFewBuckets = 1024;
+
+std::size_t Hash(std::int32_t priority)
+{
+    return static_cast<std::uint32_t>(priority) * 0x9E3779B97F4A7C15ull >> 32;
+}
+
+} // namespace
+
+void ZAV_EventQueue::Push(ZAV_Event* event)
+{
+    const std::uint32_t number = BucketFor(event->mPriority);
+    Bucket& bucket = mBuckets[number];
+    if (bucket.first == nullptr) {
+        mHeap.push_back({bucket.priority, number});
+        std::push_heap(mHeap.begin(), mHeap.end());
+        bucket.first = event;
+    } else {
+        bucket.last->mNext = event;
+    }
+    event->mNext = nullptr;
+    bucket.last = event;
+    ++mLength;
+}
+
+ZAV_Event* ZAV_EventQueue::Pop()
+{
+    if (mLength == 0) return nullptr;
+    Bucket& bucket = mBuckets[mHeap.front().bucket];
+    ZAV_Event* event = bucket.first;
+    bucket.first = static_cast<ZAV_Event*>(event->mNext);
+    event->mNext = nullptr;
+    --mLength;
+    if (bucket.first == nullptr) {
+        std::pop_heap(mHeap.begin(), mHeap.end());
+        mHeap.pop_back();
+        // Priorities that are never used again must not stay for ever.
+        if (mHeap.empty() && mBuckets.size() > kFewBuckets) ForgetBuckets();
+    }
+    return event;
+}
+
+std::uint32_t ZAV_EventQueue::BucketFor(std::int32_t priority)
+{
+    if (mLastUsed < mBuckets.size() && mBuckets[mLastUsed].priority == priority) return mLastUsed;
+    // At most half of the slots are in use, so every probe ends.
+    if (mSlots.size() < 2 * (mBuckets.size() + 1)) {
+        if (mBuckets.size() > kFewBuckets && mBuckets.size() > 4 * mHeap.size()) ForgetEmptyBuckets();
+        if (mSlots.size() < 2 * (mBuckets.size() + 1)) Rehash((std::max)(kFirstSlots, 2 * mSlots.size()));
+    }
+    std::uint32_t* slot = Slot(priority);
+    if (*slot == 0) {
+        mBuckets.push_back({priority, nullptr, nullptr});
+        *slot = static_cast<std::uint32_t>(mBuckets.size());
+    }
+    return mLastUsed = *slot - 1;
+}
+
+std::uint32_t* ZAV_EventQueue::Slot(std::int32_t priority)
+{
+    const std::size_t mask = mSlots.size() - 1;
+    std::size_t i = Hash(priority) & mask;
+    while (mSlots[i] != 0 && mBuckets[mSlots[i] - 1].priority != priority) i = (i + 1) & mask;
+    return &mSlots[i];
+}
+
+void ZAV_EventQueue::Rehash(std::size_t slots)
+{
+    std::vector<std::uint32_t> fresh(slots, 0);
+    mSlots.swap(fresh);
+    FillSlots();
+}
+
+void ZAV_EventQueue::FillSlots()
+{
+    for (std::size_t b = 0; b < mBuckets.size(); ++b)
+        *Slot(mBuckets[b].priority) = static_cast<std::uint32_t>(b + 1);
+}
+
+// Keeps the buckets that hold events, in the heap's order: a heap stays a heap when its entries are renumbered.
+// What can fail comes first.
+void ZAV_EventQueue::ForgetEmptyBuckets()
+{
+    std::vector<Bucket> kept;
+    kept.reserve(mHeap.size() + 1);
+    for (HeapEntry& entry : mHeap) {
+        kept.push_back(mBuckets[entry.bucket]);
+        entry.bucket = static_cast<std::uint32_t>(kept.size() - 1);
+    }
+    mBuckets.swap(kept);
+    std::fill(mSlots.begin(), mSlots.end(), 0);
+    FillSlots();
+}
+
+void ZAV_EventQueue::ForgetBuckets()
+{
+    std::vector<Bucket>().swap(mBuckets);
+    std::vector<std::uint32_t>().swap(mSlots);
+    std::vector<HeapEntry>().swap(mHeap);
+}
