@@ -27,6 +27,12 @@ enum ReadStatus { READ_DONE, READ_NOT_OPEN, READ_TOO_LARGE, READ_FAILED };
 ReadStatus ReadWholeFile(const char* path, size_t most, FileBytes* bytes);
 void FreeFileBytes(FileBytes* bytes);
 
+/// Whether the name stands for something; a link that leads nowhere does not.
+bool FileExists(const char* path);
+
+/// Whether a replacement goes to the file behind a link, or takes the place of the link itself.
+enum FileLinks { THROUGH_LINKS, NOT_THROUGH_LINKS };
+
 /// New contents of a file, which appear all at once: they are written to a temporary beside it, which Commit
 /// flushes and renames over it. A reader sees the old file or the new one; whatever fails leaves the old one and
 /// no temporary. The file keeps its permissions, and a link keeps pointing to it. A name that is a device or a
@@ -39,12 +45,15 @@ public:
     FileReplacement& operator=(const FileReplacement&) = delete;
 
     /// Fails where the file could not be opened for writing. Called once.
-    uint32_t Open(const char* path);
+    uint32_t Open(const char* path, FileLinks links = THROUGH_LINKS);
     /// Stores all `size` bytes or fails.
     uint32_t Write(const void* data, size_t size);
     uint32_t Commit();
+    /// The same, but fails if by now anything stands there, be it a link.
+    uint32_t CommitNew();
 
 private:
+    uint32_t Finish(bool mustBeNew);
     void Discard();
 
     char* mTarget;       // the file behind all links

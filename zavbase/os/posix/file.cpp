@@ -99,6 +99,11 @@ uint32_t CurrentFolder(char* path, size_t size) { return getcwd(path, size) ? 0 
 
 uint32_t ChangeFolder(const char* path) { return Result(chdir(path)); }
 
+bool FileExists(const char* path) {
+    struct stat info;
+    return stat(path, &info) == 0;
+}
+
 uint32_t DeleteOneFile(const char* path) { return Result(unlink(path)); }
 
 ReadStatus ReadWholeFile(const char* path, size_t most, FileBytes* bytes) {
@@ -131,9 +136,11 @@ void FileReplacement::Discard() {
     mTemporary = mTarget = nullptr;
 }
 
-uint32_t FileReplacement::Open(const char* path) {
+uint32_t FileReplacement::Open(const char* path, FileLinks links) {
     struct stat info;
     bool exists = stat(path, &info) == 0;
+    struct stat own;
+    if (links == NOT_THROUGH_LINKS && lstat(path, &own) == 0 && S_ISLNK(own.st_mode)) exists = false;
     if (exists && !S_ISREG(info.st_mode)) {
         mHandle = OpenDirectly(path);
         return mHandle < 0 ? Failure() : 0;
@@ -165,12 +172,22 @@ uint32_t FileReplacement::Write(const void* data, size_t size) {
     return 0;
 }
 
-uint32_t FileReplacement::Commit() {
+uint32_t FileReplacement::Commit() { return Finish(false); }
+
+uint32_t FileReplacement::CommitNew() { return Finish(true); }
+
+uint32_t FileReplacement::Finish(bool mustBeNew) {
     int fd = static_cast<int>(mHandle);
     mHandle = -1;
     // A device that cannot be flushed (EINVAL) has nothing to flush.
     uint32_t error = fsync(fd) == 0 || errno == EINVAL ? 0 : Failure();
     if (close(fd) != 0 && !error) error = Failure();
+    if (!error && mustBeNew) {
+        // A second name for the file, which the system gives only if it is free; Discard takes the first one.
+        error = mTemporary ? Result(link(mTemporary, mTarget)) : EEXIST;
+        Discard();
+        return error;
+    }
     if (!error && mTemporary) error = Result(rename(mTemporary, mTarget));
     if (!error) {
         std::free(mTemporary);

@@ -87,6 +87,8 @@ uint32_t CurrentFolder(char* path, size_t size) {
 
 uint32_t ChangeFolder(const char* path) { return Result(SetCurrentDirectoryA(path)); }
 
+bool FileExists(const char* path) { return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES; }
+
 uint32_t DeleteOneFile(const char* path) { return Result(DeleteFileA(path)); }
 
 ReadStatus ReadWholeFile(const char* path, size_t most, FileBytes* bytes) {
@@ -123,7 +125,8 @@ void FileReplacement::Discard() {
     mTemporary = mTarget = nullptr;
 }
 
-uint32_t FileReplacement::Open(const char* path) {
+// Moving the temporary replaces a link and never what it leads to.
+uint32_t FileReplacement::Open(const char* path, FileLinks) {
     bool isDevice = false;
     if (uint32_t error = CheckWritable(path, &isDevice)) return error;
     HANDLE file;
@@ -152,14 +155,19 @@ uint32_t FileReplacement::Write(const void* data, size_t size) {
     return 0;
 }
 
-uint32_t FileReplacement::Commit() {
+uint32_t FileReplacement::Commit() { return Finish(false); }
+
+uint32_t FileReplacement::CommitNew() { return Finish(true); }
+
+uint32_t FileReplacement::Finish(bool mustBeNew) {
     HANDLE file = Handle(mHandle);
     mHandle = -1;
     // Only a file has something to flush; consoles and pipes refuse.
     uint32_t error = mTemporary ? Result(FlushFileBuffers(file)) : 0;
     if (!CloseHandle(file) && !error) error = Failure();
+    const DWORD replace = mustBeNew ? 0 : MOVEFILE_REPLACE_EXISTING;
     if (!error && mTemporary)
-        error = Result(MoveFileExA(mTemporary, mTarget, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
+        error = Result(MoveFileExA(mTemporary, mTarget, replace | MOVEFILE_WRITE_THROUGH));
     if (!error) {
         std::free(mTemporary);
         mTemporary = nullptr;
