@@ -30,8 +30,13 @@ public:
     ZAV_DictPath& operator--();
     ZAV_DictPath& operator--(int);
 
+    /// The same keys, counted and byte for byte. (The forms for text keep a comparison with text unambiguous.)
     boolean_t operator==(const ZAV_DictPath& other) const;
-    boolean_t operator!=(const ZAV_DictPath& other) const;
+    boolean_t operator==(const char* text) const { return *this == ZAV_DictPath(text); }
+    boolean_t operator==(const ZAV_String& text) const { return *this == ZAV_DictPath(text); }
+    boolean_t operator!=(const ZAV_DictPath& other) const { return ZAV_Bool(!(*this == other)); }
+    boolean_t operator!=(const char* text) const { return ZAV_Bool(!(*this == text)); }
+    boolean_t operator!=(const ZAV_String& text) const { return ZAV_Bool(!(*this == text)); }
 
     /// The number of keys.
     int Size() const { return mSize; }
@@ -49,8 +54,9 @@ public:
 
 private:
     friend class ZAV_UValDict;
-    void Parse(const char* base, unsigned int baseLength, const char* text);
-    unsigned int CountedLength() const;
+    void AddKeys(const char* text, unsigned int length);
+    void CountAll();
+    unsigned int CountedLength() const { return static_cast<unsigned int>(mEnd - mFirstKey); }
 
     static char sSeparator;
 

@@ -159,18 +159,25 @@ public:
 
 private:
     struct KeyWalk;
-    ZAV_AssocUVal* FindUValPath(KeyWalk keys, bool create);
-    ZAV_AssocUVal* FindUValPath(const ZAV_DictPath& path, bool create);
-    ZAV_UVal* StoreAt(ZAV_AssocUVal* entry, ZAV_UVal* uval);
+    ZAV_AssocUVal* FindUValPath(KeyWalk keys, bool create, ZAV_UValDict** owner = nullptr);
+    ZAV_UVal* ValueAt(KeyWalk keys) const;
+    ZAV_UVal* StoreAt(KeyWalk keys, ZAV_UVal* uval);
+    static ZAV_UVal* Replace(ZAV_AssocUVal* entry, ZAV_UVal* uval);
     ZAV_AssocUVal* FindIgnoringCase(const char* key, unsigned int length) const;
+
     ZAV_AssocUVal* AddEntry(const char* key, unsigned int length, ZAV_UVal* uval);
-    void AppendToList(ZAV_AssocUVal* entry);
+    void Adopt(ZAV_AssocUVal* entry);
+    void AdoptAll(ZAV_AssocUVal* chain);
     void Unlink(ZAV_AssocUVal* entry);
+    ZAV_AssocUVal* TakeAll();
+    static void DestroyEntries(ZAV_AssocUVal* chain);
     void CopyEntriesOf(const ZAV_UValDict& other);
-    static ZAV_AssocUVal* TakeEntries(ZAV_UValDict& dict);
-    static void DestroyEntries(ZAV_AssocUVal* first);
-    struct Merge;
     void TakeFrom(ZAV_UValDict& other);
+
+    struct MergeLevel;
+    static void Merge(ZAV_UValDict& from, ZAV_UValDict& to);
+    void MoveAllInto(ZAV_UValDict& empty);
+    bool Holds(const ZAV_UValDict* sought) const;
 
     ZAV_Set mSet;
     ZAV_AssocUVal* mFirst;

@@ -1,0 +1,36 @@
+#ifndef ZAVBASE_VALUES_VALUE_DICT_INTERNAL_H
+#define ZAVBASE_VALUES_VALUE_DICT_INTERNAL_H
+
+#include <cstring>
+
+#include <zavbase/values/value_dict.h>
+
+inline bool ZAV_IsDict(const ZAV_UVal* value) { return value && value->GetType() == UVAL_DICT; }
+
+/// Walks the keys of a path: each runs to the separator, or to the end.
+struct ZAV_UValDict::KeyWalk {
+    explicit KeyWalk(const ZAV_DictPath& path) : mAt(path.mFirstKey), mEnd(path.mEnd), mSeparator('\0') {}
+    explicit KeyWalk(const char* text)
+        : mAt(text ? text : ""), mEnd(mAt + std::strlen(mAt)), mSeparator(ZAV_DictPath::GetSeparator()) {}
+
+    bool Next()
+    {
+        if (mAt >= mEnd)
+            return false;
+        const void* stop = std::memchr(mAt, mSeparator, static_cast<std::size_t>(mEnd - mAt));
+        const char* end = stop ? static_cast<const char*>(stop) : mEnd;
+        mKey = mAt;
+        mLength = static_cast<unsigned int>(end - mAt);
+        mAt = stop ? end + 1 : end;
+        return true;
+    }
+    bool AtLast() const { return mAt >= mEnd; }
+
+    const char* mAt;
+    const char* mEnd;
+    char mSeparator;
+    const char* mKey = nullptr;
+    unsigned int mLength = 0;
+};
+
+#endif
