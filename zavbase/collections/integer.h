@@ -27,6 +27,9 @@ public:
     virtual ZAV_CltObject* ShallowCopy() const;
     virtual void DeepenShallowCopy();  ///< does nothing
 
+    /// The 4 bytes of the number, for the hashed collections.
+    const char* Bytes() const { return reinterpret_cast<const char*>(&mValue); }
+
 private:
     int32_t mValue;
 };

@@ -29,7 +29,7 @@ public:
 
     /// Stores `key` and returns the previous one. A holder in a hashed collection keeps its key.
     virtual ZAV_CltObject* Key(ZAV_CltObject* key);
-    virtual ZAV_CltObject* Key() const;
+    virtual ZAV_CltObject* Key() const { return mKey; }
     /// A bare key has no value: both return null.
     virtual ZAV_CltObject* Value(ZAV_CltObject* value);
     virtual ZAV_CltObject* Value() const;

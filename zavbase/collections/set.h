@@ -3,6 +3,8 @@
 
 #include <zavbase/collections/array_obj.h>
 
+class ZAV_SetIndex;
+
 /// A hash table of distinct objects, by Hash and IsEqual; the stored element is asked whether it equals the
 /// sought one. Iteration follows the slots of the table, so the order depends on hashes and history only and
 /// is the same on every platform.
@@ -66,10 +68,21 @@ protected:
 private:
     int Compare(const ZAV_CltObject* o) const override;  ///< 0
 
-    class Probe;
-    ZAV_CltObject* Slot(int i) const;
-    void Grow();
+    friend class ZAV_Dictionary;
+    /// The element equal to `o`, or null: FindIndexOf and the slot in one step.
+    ZAV_CltObject* Lookup(const ZAV_CltObject* o) const;
+    bool ProbesItself() const;
+    ZAV_SetIndex* Index() const;
+    void SetIndex(ZAV_SetIndex* index);
+    void DropIndex(bool forGood);
+    void TryIndex();
+    ZAV_CltObject* AddByIndex(ZAV_CltObject* o, ZAV_SetIndex& index, bool& added);
+    void CountAdded();
+    bool StandsInLongCluster(uint32_t slot) const;
+    void CloseGap(uint32_t hole);
     void Rehash(unsigned int n);
+    bool TakeByIndex(ZAV_Set& table) const;
+    void SwapTable(ZAV_Set& s);
 
     uint32_t mCount;
     uint32_t mNbits;

@@ -11,11 +11,13 @@
 /// Only exact classes of the library are seen through: a derived class may have its own idea of equality.
 namespace zav_strong {
 
+enum Kind : uint16_t { TEXT, NUMBER, FIRST_REGISTERED };
+
 /// What an element is equal by: the same kind, length and bytes.
 struct KeyView {
     const char* mBytes;
     uint32_t mLength;
-    uint16_t mKind;     ///< text, number, or the number of a registered class
+    uint16_t mKind;     ///< TEXT, NUMBER, or FIRST_REGISTERED and up for the registered classes
     uint16_t mWrapped;  ///< 1 when the bytes are those of a ZAV_LookupKey's key
 };
 

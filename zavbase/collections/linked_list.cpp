@@ -1,0 +1,102 @@
+#include <zavbase/collections/linked_list.h>
+
+#include <zavbase/collections/iterator.h>
+#include <zavbase/collections/nil_internal.h>
+
+ZAV_DEFINE_CLASS(ZAV_LinkedList, ZAV_SeqCltn)
+
+ZAV_LinkedList::ZAV_LinkedList()
+    : mFirst(ZAV_Link::GetNilLink()), mLast(mFirst), mCount(0), mNil(ZAV_Nil()) {}
+
+ZAV_LinkedList::~ZAV_LinkedList() {}
+
+ZAV_Link* ZAV_LinkedList::Add(ZAV_Link* l) {
+    (mCount ? mLast->mNext : mFirst) = l;
+    mLast = l;
+    l->mNext = ZAV_Link::GetNilLink();
+    ++mCount;
+    return l;
+}
+
+ZAV_CltObject* ZAV_LinkedList::Add(ZAV_CltObject* o) { return Add(ZAV_Link::Castdown(o)); }
+
+ZAV_Link* ZAV_LinkedList::AddFirst(ZAV_Link* l) {
+    l->mNext = mFirst;
+    if (!mCount) mLast = l;
+    mFirst = l;
+    ++mCount;
+    return l;
+}
+
+ZAV_CltObject* ZAV_LinkedList::AddFirst(ZAV_CltObject* o) { return AddFirst(ZAV_Link::Castdown(o)); }
+
+ZAV_Link* ZAV_LinkedList::AddAfter(ZAV_Link* existing, ZAV_Link* l) {
+    l->mNext = existing->mNext;
+    existing->mNext = l;
+    if (mLast == existing) mLast = l;
+    ++mCount;
+    return l;
+}
+
+ZAV_CltObject* ZAV_LinkedList::AddAfter(ZAV_CltObject* existing, ZAV_CltObject* o) {
+    return AddAfter(ZAV_Link::Castdown(existing), ZAV_Link::Castdown(o));
+}
+
+ZAV_Link* ZAV_LinkedList::Remove(const ZAV_Link* l) {
+    // The nil link ends every list but is in none.
+    if (!l || l->IsListEnd() || !mCount) return nullptr;
+    ZAV_Link* before = ZAV_Link::GetNilLink();
+    ZAV_Link* at = mFirst;
+    while (at != l && !at->IsListEnd()) {
+        before = at;
+        at = at->mNext;
+    }
+    if (at != l) return nullptr;
+    (at == mFirst ? mFirst : before->mNext) = at->mNext;
+    if (at == mLast) mLast = before;
+    at->mNext = nullptr;
+    --mCount;
+    return at;
+}
+
+ZAV_CltObject* ZAV_LinkedList::Remove(const ZAV_CltObject* o) { return Remove(ZAV_Link::Castdown(o)); }
+ZAV_Link* ZAV_LinkedList::RemoveFirst() { return Remove(mFirst); }
+ZAV_Link* ZAV_LinkedList::RemoveLast() { return Remove(mLast); }
+void ZAV_LinkedList::RemoveAndDestroy(const ZAV_CltObject* o) { delete Remove(o); }
+
+void ZAV_LinkedList::Clear() {
+    while (mCount) RemoveFirst();
+}
+
+void ZAV_LinkedList::ClearAndDestroy() {
+    while (mCount) delete RemoveFirst();
+}
+
+ZAV_CltObject* ZAV_LinkedList::First() const { return mFirst; }
+ZAV_CltObject* ZAV_LinkedList::Last() const { return mLast; }
+
+ZAV_Link* ZAV_LinkedList::operator[](int i) const {
+    ZAV_Link* l = mFirst;
+    while (i-- > 0) l = l->mNext;
+    return l;
+}
+
+ZAV_CltObject* ZAV_LinkedList::DoNext(ZAV_Iterator* it) const {
+    if (!it->mCurrent) {
+        if (!mCount) return nullptr;
+        it->mIndex = 1;
+        return mFirst;
+    }
+    ZAV_Link* current = ZAV_Link::Castdown(it->mCurrent);
+    if (current == mLast) return nullptr;
+    ++it->mIndex;
+    return current->mNext;
+}
+
+unsigned int ZAV_LinkedList::Size() const { return mCount; }
+boolean_t ZAV_LinkedList::IsEmpty() { return ZAV_Bool(mCount == 0); }
+
+ZAV_CltObject*& ZAV_LinkedList::At(int) { return mNil; }
+ZAV_CltObject* const& ZAV_LinkedList::At(int) const { return mNil; }
+int ZAV_LinkedList::IndexOfSubCollection(const ZAV_SeqCltn*, int) const { return 0; }
+void ZAV_LinkedList::ReplaceFrom(int, int, const ZAV_SeqCltn*, int) {}
