@@ -138,8 +138,6 @@ public:
     /// The byte index of the range within the owner.
     unsigned int Position() const;
     unsigned int Length() const { return mLength; }
-    /// The first character; the range is not terminated.
-    const char* Ptr() const { return mStart; }
     ZAV_SubString& ToLower();
     ZAV_SubString& ToUpper();
 

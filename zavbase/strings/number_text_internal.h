@@ -17,7 +17,7 @@ unsigned FormatUnsigned(char (&out)[kIntegerRoom], uint32_t value);
 /// White space, sign, digits; modulo 2^32, so that 4294967295 reads as -1. Ends at what does not fit; no
 /// digits give 0.
 int32_t ParseInteger(const char* text);
-/// The same for text that is not terminated.
+/// The same on at most `length` characters.
 int32_t ParseInteger(const char* text, size_t length);
 
 /// Room for any double with up to 40 decimals, with terminator.
@@ -33,7 +33,8 @@ unsigned FormatGeneral(char (&out)[kRealRoom], double value, int precision = 6);
 
 /// The double next to 10 to the power `exponent`: 0 below, infinity above the range of double.
 double PowerOfTen(int exponent);
-/// ZAV_atof for text that is not terminated; *used, if given, receives the characters that belong to the number.
+/// ZAV_atof on at most `length` characters, or up to a NUL; *used, if given, receives the characters that belong
+/// to the number.
 double ParseReal(const char* text, size_t length, char decimalSeparator, size_t* used = nullptr);
 
 }  // namespace zav_number

@@ -90,6 +90,7 @@ protected:
 private:
     friend class ZAV_SubStr;
 
+    bool holds(const char* p) const;
     void growTo(unsigned long long length);
     void appendRead(char c);
     void terminate();
@@ -114,6 +115,8 @@ public:
 
     unsigned int Size() const { return mLength; }
     boolean_t IsEmpty() const { return ZAV_Bool(mLength == 0); }
+    /// The first character; the range is not terminated.
+    const char* Ptr() const { return mStart; }
     ZAV_Str operator+(const ZAV_SubStr& s) const;
     ZAV_Str operator+(const ZAV_Str& s) const;
     void PrintOn(std::ostream& os) const;
