@@ -25,7 +25,7 @@ ZAV_String sum(const char* p1, unsigned n1, const char* p2, unsigned n2) {
     return s.Append(p2, n2);
 }
 
-}  // namespace
+} // namespace
 
 ZAV_String::ZAV_String(const char* p, unsigned int n) {
     allocBuffer(n);
@@ -82,9 +82,7 @@ ZAV_String& ZAV_String::appendGrown(char c) { return Append(&c, 1); }
 
 ZAV_String ZAV_String::operator+(const ZAV_Str& s) const { return sum(mData, mLength, s.Ptr(), s.Size()); }
 
-ZAV_String ZAV_String::operator+(const ZAV_SubStr& s) const {
-    return sum(mData, mLength, s.Ptr(), s.Size());
-}
+ZAV_String ZAV_String::operator+(const ZAV_SubStr& s) const { return sum(mData, mLength, s.Ptr(), s.Size()); }
 
 ZAV_String ZAV_String::operator+(const char* p) const { return sum(mData, mLength, p, lengthOf(p)); }
 

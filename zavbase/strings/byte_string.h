@@ -24,7 +24,8 @@ class ZAV_SubString;
 ///
 /// Index arguments are not checked; they must lie within the text. A null `const char*` counts as empty text
 /// except where a text is searched for. Texts may hold NUL bytes: copies, `==` between strings and
-/// concatenations keep them; searches, `!=`, the orderings and comparisons with `const char*` end at the first.
+/// concatenations keep them; searches, `!=`, the orderings and comparisons with `const char*` end at the
+/// first.
 class ZAV_API ZAV_String : public ZAV_Str {
 public:
     ZAV_String() {}
@@ -89,8 +90,8 @@ public:
 
     /// printf-style; replaces the text. Conversions c d i o u x X e E f F g G s p n with flags, width and
     /// precision. Numbers come out the same on every platform and in every locale: exponents of at least two
-    /// digits, %p as upper-case hexadecimal. Arguments may point into this string. %ls and %S take wchar_t text,
-    /// of which only ASCII is kept.
+    /// digits, %p as upper-case hexadecimal. Arguments may point into this string. %ls and %S take wchar_t
+    /// text, of which only ASCII is kept.
     ZAV_String& Format(const char* fmt, ...) ZAV_PRINTF_LIKE(2, 3);
     ZAV_String& FormatV(const char* fmt, va_list args);
 
@@ -194,9 +195,9 @@ inline boolean_t operator>(const char* p, const ZAV_SubString& s) { return s < p
 inline boolean_t operator<=(const char* p, const ZAV_SubString& s) { return s >= p; }
 inline boolean_t operator>=(const char* p, const ZAV_SubString& s) { return s <= p; }
 
-/// Reads a decimal number: white space, sign, digits, `decimalSeparator` and digits, exponent; what does not fit
-/// ends it, and a text without digits is 0. Digits are accumulated one by one in double precision, so the last
-/// bit may differ from strtod. The locale does not matter, except to what counts as leading white space.
+/// Reads a decimal number: white space, sign, digits, `decimalSeparator` and digits, exponent; what does not
+/// fit ends it, and a text without digits is 0. Digits are accumulated one by one in double precision, so the
+/// last bit may differ from strtod. The locale does not matter, except to what counts as leading white space.
 ZAV_API double ZAV_atof(const char* text, char decimalSeparator);
 
 #endif

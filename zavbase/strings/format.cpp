@@ -20,7 +20,7 @@ struct Conversion {
     bool alternate = false;
     bool zero = false;
     unsigned width = 0;
-    int precision = -1;  // -1: none given
+    int precision = -1; // -1: none given
     Size size = Size::Int;
     char letter = '\0';
 };
@@ -33,8 +33,8 @@ int readNumber(const char*& p) {
     return n;
 }
 
-// Formats without the C run-time, whose results differ between platforms and with the locale. The text is built
-// apart from the string that asked for it, because arguments may point into that string.
+// Formats without the C run-time, whose results differ between platforms and with the locale. The text is
+// built apart from the string that asked for it, because arguments may point into that string.
 class Formatter {
 public:
     Formatter(va_list args) : mText(112u) { va_copy(mArgs, args); }
@@ -76,14 +76,42 @@ private:
         p = readSize(p, c);
         c.letter = *p;
         switch (c.letter) {
-        case 'c': case 'C': character(c); break;
-        case 's': case 'S': text(c); break;
-        case 'd': case 'i': signedInteger(c); break;
-        case 'o': case 'u': case 'x': case 'X': case 'p': unsignedInteger(c); break;
-        case 'e': case 'f': case 'g': case 'G': case 'E': case 'F': real(c); break;
-        case 'n': storeCount(c); break;
-        case '\0': mText.Append(start, static_cast<unsigned>(p - start)); return p;
-        default: mText.Append(start, static_cast<unsigned>(p + 1 - start)); break;
+        case 'c':
+        case 'C':
+            character(c);
+            break;
+        case 's':
+        case 'S':
+            text(c);
+            break;
+        case 'd':
+        case 'i':
+            signedInteger(c);
+            break;
+        case 'o':
+        case 'u':
+        case 'x':
+        case 'X':
+        case 'p':
+            unsignedInteger(c);
+            break;
+        case 'e':
+        case 'f':
+        case 'g':
+        case 'G':
+        case 'E':
+        case 'F':
+            real(c);
+            break;
+        case 'n':
+            storeCount(c);
+            break;
+        case '\0':
+            mText.Append(start, static_cast<unsigned>(p - start));
+            return p;
+        default:
+            mText.Append(start, static_cast<unsigned>(p + 1 - start));
+            break;
         }
         return p + 1;
     }
@@ -91,15 +119,24 @@ private:
     const char* readFlags(const char* p, Conversion& c) {
         for (;; ++p) {
             switch (*p) {
-            case '-': c.left = true; break;
-            case '+': c.plus = true; break;
-            case ' ': c.blank = true; break;
-            case '0': c.zero = true; break;
+            case '-':
+                c.left = true;
+                break;
+            case '+':
+                c.plus = true;
+                break;
+            case ' ':
+                c.blank = true;
+                break;
+            case '0':
+                c.zero = true;
+                break;
             case '#':
                 c.alternate = true;
                 mEstimate += 2;
                 break;
-            default: return p;
+            default:
+                return p;
             }
         }
     }
@@ -125,11 +162,20 @@ private:
     // The old memory-model prefixes N and F mean nothing; F alone is a conversion.
     static const char* readSize(const char* p, Conversion& c) {
         switch (*p) {
-        case 'N': return p + 1;
-        case 'F': return contains("cCsSdiopuxXn", p[1]) ? p + 1 : p;
-        case 'L': c.size = Size::LongDouble; return p + 1;
-        case 'z': case 't': c.size = Size::Pointer; return p + 1;
-        case 'j': c.size = Size::LongLong; return p + 1;
+        case 'N':
+            return p + 1;
+        case 'F':
+            return contains("cCsSdiopuxXn", p[1]) ? p + 1 : p;
+        case 'L':
+            c.size = Size::LongDouble;
+            return p + 1;
+        case 'z':
+        case 't':
+            c.size = Size::Pointer;
+            return p + 1;
+        case 'j':
+            c.size = Size::LongLong;
+            return p + 1;
         case 'h':
             c.size = p[1] == 'h' ? Size::Char : Size::Short;
             return p + (p[1] == 'h' ? 2 : 1);
@@ -142,7 +188,8 @@ private:
                 return p + 3;
             }
             return p[1] == '3' && p[2] == '2' ? p + 3 : p;
-        default: return p;
+        default:
+            return p;
         }
     }
 
@@ -161,7 +208,8 @@ private:
         if (n != 0) mText += ZAV_String(ch, static_cast<unsigned>(n));
     }
 
-    // Puts `body` behind `prefix` (sign or base), filled to the width with blanks, or with zeros between them.
+    // Puts `body` behind `prefix` (sign or base), filled to the width with blanks, or with zeros between
+    // them.
     void put(const Conversion& c, const char* prefix, const char* body, size_t n, bool zeros) {
         const size_t length = std::strlen(prefix) + n;
         const size_t missing = c.width > length ? c.width - length : 0;
@@ -205,29 +253,42 @@ private:
 
     int64_t signedArgument(Size size) {
         switch (size) {
-        case Size::Char: return static_cast<signed char>(va_arg(mArgs, int));
-        case Size::Short: return static_cast<short>(va_arg(mArgs, int));
-        case Size::Long: return va_arg(mArgs, long);
-        case Size::LongLong: return va_arg(mArgs, long long);
-        case Size::Pointer: return va_arg(mArgs, ptrdiff_t);
-        default: return va_arg(mArgs, int);
+        case Size::Char:
+            return static_cast<signed char>(va_arg(mArgs, int));
+        case Size::Short:
+            return static_cast<short>(va_arg(mArgs, int));
+        case Size::Long:
+            return va_arg(mArgs, long);
+        case Size::LongLong:
+            return va_arg(mArgs, long long);
+        case Size::Pointer:
+            return va_arg(mArgs, ptrdiff_t);
+        default:
+            return va_arg(mArgs, int);
         }
     }
 
     uint64_t unsignedArgument(Size size) {
         switch (size) {
-        case Size::Char: return static_cast<unsigned char>(va_arg(mArgs, unsigned));
-        case Size::Short: return static_cast<unsigned short>(va_arg(mArgs, unsigned));
-        case Size::Long: return va_arg(mArgs, unsigned long);
-        case Size::LongLong: return va_arg(mArgs, unsigned long long);
-        case Size::Pointer: return va_arg(mArgs, size_t);
-        default: return va_arg(mArgs, unsigned);
+        case Size::Char:
+            return static_cast<unsigned char>(va_arg(mArgs, unsigned));
+        case Size::Short:
+            return static_cast<unsigned short>(va_arg(mArgs, unsigned));
+        case Size::Long:
+            return va_arg(mArgs, unsigned long);
+        case Size::LongLong:
+            return va_arg(mArgs, unsigned long long);
+        case Size::Pointer:
+            return va_arg(mArgs, size_t);
+        default:
+            return va_arg(mArgs, unsigned);
         }
     }
 
     void signedInteger(const Conversion& c) {
         const int64_t value = signedArgument(c.size);
-        const uint64_t magnitude = value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
+        const uint64_t magnitude =
+            value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
         putDigits(c, sign(c, value < 0), magnitude, 10, c.precision);
     }
 
@@ -250,7 +311,8 @@ private:
         if (value != 0 || precision != 0)
             n = static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, value, base).ptr - digits);
         if (c.letter == 'X' || c.letter == 'p') upper(digits, n);
-        size_t zeros = precision > 0 && static_cast<size_t>(precision) > n ? static_cast<size_t>(precision) - n : 0;
+        size_t zeros =
+            precision > 0 && static_cast<size_t>(precision) > n ? static_cast<size_t>(precision) - n : 0;
         if (base == 8 && c.alternate && zeros == 0 && (n == 0 || digits[0] != '0')) zeros = 1;
         if (zeros == 0) return put(c, prefix, digits, n, c.zero && precision < 0);
         ZAV_String body('0', static_cast<unsigned>(zeros));
@@ -268,8 +330,8 @@ private:
     }
 
     void real(const Conversion& c) {
-        const double value =
-            c.size == Size::LongDouble ? static_cast<double>(va_arg(mArgs, long double)) : va_arg(mArgs, double);
+        const double value = c.size == Size::LongDouble ? static_cast<double>(va_arg(mArgs, long double))
+                                                        : va_arg(mArgs, double);
         if (c.letter != 'E') estimateNumber(c);
         const int precision = c.precision < 0 ? 6 : c.precision;
         const double magnitude = std::fabs(value);
@@ -326,9 +388,12 @@ private:
     void storeCount(const Conversion& c) {
         void* const to = va_arg(mArgs, void*);
         const int n = static_cast<int>(mText.Length());
-        if (c.size == Size::Short) *static_cast<short*>(to) = static_cast<short>(n);
-        else if (c.size == Size::Long) *static_cast<long*>(to) = n;
-        else *static_cast<int*>(to) = n;
+        if (c.size == Size::Short)
+            *static_cast<short*>(to) = static_cast<short>(n);
+        else if (c.size == Size::Long)
+            *static_cast<long*>(to) = n;
+        else
+            *static_cast<int*>(to) = n;
     }
 
     va_list mArgs;
@@ -336,7 +401,7 @@ private:
     uint64_t mEstimate = 0;
 };
 
-}  // namespace
+} // namespace
 
 ZAV_String& ZAV_String::Format(const char* fmt, ...) {
     va_list args;

@@ -36,8 +36,8 @@ unsigned formatNonFinite(char* out, double value) {
     return copyText(out, value < 0 ? "-inf" : "inf");
 }
 
-// floor(m * scale / 2^shift), rounded half to even; `oddBelow` says whether a quotient of 0 counts as odd. The
-// product has at most 83 bits and is kept in two words. m < 2^53, scale < 2^30, shift >= 53.
+// floor(m * scale / 2^shift), rounded half to even; `oddBelow` says whether a quotient of 0 counts as odd.
+// The product has at most 83 bits and is kept in two words. m < 2^53, scale < 2^30, shift >= 53.
 uint64_t scaledFraction(uint64_t m, uint32_t scale, int shift, bool oddBelow) {
     if (shift > 84) return 0;
     const uint64_t low = (m & 0xFFFFFFFFu) * scale;
@@ -115,7 +115,7 @@ int readExponent(const char* text, size_t length, size_t& i) {
     return negative ? -x : x;
 }
 
-}  // namespace
+} // namespace
 
 unsigned FormatInteger(char (&out)[kIntegerRoom], int32_t value) { return formatDecimal(out, value); }
 
@@ -154,7 +154,8 @@ unsigned FormatFixedForFile(char (&out)[kRealRoom], double value, int decimals) 
 unsigned FormatGeneral(char (&out)[kRealRoom], double value, int precision) {
     if (!std::isfinite(value)) return formatNonFinite(out, value);
     precision = (std::clamp)(precision, 1, kMostDecimals);
-    char* const end = std::to_chars(out, out + kRealRoom - 1, value, std::chars_format::general, precision).ptr;
+    char* const end =
+        std::to_chars(out, out + kRealRoom - 1, value, std::chars_format::general, precision).ptr;
     *end = '\0';
     return static_cast<unsigned>(end - out);
 }
@@ -189,4 +190,4 @@ double ParseReal(const char* text, size_t length, char decimalSeparator, size_t*
     return negative ? -value : value;
 }
 
-}  // namespace zav_number
+} // namespace zav_number

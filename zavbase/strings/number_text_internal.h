@@ -22,8 +22,8 @@ int32_t ParseInteger(const char* text, size_t length);
 
 /// Room for any double with up to 40 decimals, with terminator.
 constexpr size_t kRealRoom = 360;
-/// As "%.<decimals>f": every digit is exact, rounded half to even. `decimals` is 0 to 40. Infinities are "inf"
-/// and "-inf", what is not a number is "nan". Returns the length.
+/// As "%.<decimals>f": every digit is exact, rounded half to even. `decimals` is 0 to 40. Infinities are
+/// "inf" and "-inf", what is not a number is "nan". Returns the length.
 unsigned FormatFixed(char (&out)[kRealRoom], double value, int decimals = 6);
 /// The same for files that are read back: infinities as 1e999 and -1e999, not a number as 0.
 unsigned FormatFixedForFile(char (&out)[kRealRoom], double value, int decimals = 6);
@@ -33,10 +33,10 @@ unsigned FormatGeneral(char (&out)[kRealRoom], double value, int precision = 6);
 
 /// The double next to 10 to the power `exponent`: 0 below, infinity above the range of double.
 double PowerOfTen(int exponent);
-/// ZAV_atof on at most `length` characters, or up to a NUL; *used, if given, receives the characters that belong
-/// to the number.
+/// ZAV_atof on at most `length` characters, or up to a NUL; *used, if given, receives the characters that
+/// belong to the number.
 double ParseReal(const char* text, size_t length, char decimalSeparator, size_t* used = nullptr);
 
-}  // namespace zav_number
+} // namespace zav_number
 
 #endif

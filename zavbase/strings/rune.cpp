@@ -60,7 +60,8 @@ unsigned encode(char* s, unsigned r) {
     return 3;
 }
 
-// The readers of a source: End() at its NUL (Nul() then) or after the given number of units, Take() otherwise.
+// The readers of a source: End() at its NUL (Nul() then) or after the given number of units, Take()
+// otherwise.
 template <class Unit>
 class UnitSource {
 public:
@@ -98,8 +99,8 @@ private:
 };
 
 // The one loop behind the six conversions. `put` writes a rune at a position, returns the units written, or 0
-// when the rune has no place in the destination's encoding and "?" stands for it; `roomFor` is what a rune may
-// need.
+// when the rune has no place in the destination's encoding and "?" stands for it; `roomFor` is what a rune
+// may need.
 template <class Unit, class Source, class Put, class Count>
 int transcode(Unit* dst, unsigned dstSize, Source source, unsigned roomFor, Count* count, Put put) {
     unsigned n = 0;
@@ -157,7 +158,7 @@ int bytesOf(const char* s, unsigned runes) {
     return static_cast<int>(p - s);
 }
 
-}  // namespace
+} // namespace
 
 extern "C" {
 
@@ -238,8 +239,8 @@ int UnicodetoLatin1(char* dst, int dstSize, const Rune* src, unsigned srcLen, un
 
 int UTFfromUnicode(char* dst, int dstSize, const Rune* src, int srcLen, int* count) {
     if (src == nullptr || dstSize < 1) return emptyResult(dst, dstSize, count);
-    return transcode(dst, static_cast<unsigned>(dstSize), UnitSource(src, static_cast<unsigned>(srcLen)), 3, count,
-                     encode);
+    return transcode(dst, static_cast<unsigned>(dstSize), UnitSource(src, static_cast<unsigned>(srcLen)), 3,
+                     count, encode);
 }
 
 int UTFfromLatin1(char* dst, unsigned dstSize, const char* src, unsigned srcLen, unsigned* count) {
@@ -253,7 +254,7 @@ int UTFfromLatin1(char* dst, unsigned dstSize, const char* src, unsigned srcLen,
 
 int UnicodefromLatin1(Rune* dst, int dstSize, const char* src, int srcLen, unsigned* count) {
     if (src == nullptr || dstSize < 1) return emptyResult(dst, dstSize, count);
-    return transcode(dst, static_cast<unsigned>(dstSize), UnitSource(src, static_cast<unsigned>(srcLen)), 1, count,
-                     putRune);
+    return transcode(dst, static_cast<unsigned>(dstSize), UnitSource(src, static_cast<unsigned>(srcLen)), 1,
+                     count, putRune);
 }
 }

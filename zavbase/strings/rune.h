@@ -3,8 +3,8 @@
 
 #include <zavbase/foundation/export.h>
 
-/// A character code of the Basic Multilingual Plane; in UTF-8 it takes one to three bytes. Surrogate values are
-/// runes like any other.
+/// A character code of the Basic Multilingual Plane; in UTF-8 it takes one to three bytes. Surrogate values
+/// are runes like any other.
 typedef unsigned short Rune;
 
 /// Functions on UTF-8 text and its conversion to 16-bit runes and Latin-1. Texts are NUL-terminated unless a
@@ -40,16 +40,16 @@ ZAV_API int isutfstr(const char* s);
 ZAV_API int utfbytepos(const char* s, unsigned n);
 /// The bytes that the first `n` runes take, fewer when the text ends before; 0 for null.
 ZAV_API int utfnsize(const char* s, unsigned n);
-/// The number of the rune that starts at `byteOffset` (the end of the text counts as one); -1 when none starts
-/// there.
+/// The number of the rune that starts at `byteOffset` (the end of the text counts as one); -1 when none
+/// starts there.
 ZAV_API int utfrunepos(const char* s, unsigned byteOffset);
 
 /// The conversions write at most `dstSize` units. They stop at a NUL in the source, or after `srcLen` source
 /// units; a `srcLen` of 4294967295 (-1) leaves the end to the NUL. The result is 0; -2 when something was
 /// replaced by "?"; -1 when `dst` was too small, which then holds what went in, without terminator (a source
-/// that ends with its NUL needs room for it, too). Otherwise the result is terminated if there is room. *count,
-/// if given, receives the units written, without the terminator. A null `src` or a `dstSize` below 1 gives an
-/// empty result and 0.
+/// that ends with its NUL needs room for it, too). Otherwise the result is terminated if there is room.
+/// *count, if given, receives the units written, without the terminator. A null `src` or a `dstSize` below 1
+/// gives an empty result and 0.
 ZAV_API int UTFtoUnicode(Rune* dst, int dstSize, const char* src, unsigned srcLen, unsigned* count);
 /// Runes above 255 and 0x80 become "?".
 ZAV_API int UTFtoLatin1(char* dst, int dstSize, const char* src, unsigned srcLen, unsigned* count);

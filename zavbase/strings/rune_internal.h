@@ -12,6 +12,6 @@ size_t CountRunes(const char* s, size_t n);
 bool IsValid(const char* s);
 bool IsValid(const char* s, size_t n);
 
-}  // namespace zav_utf
+} // namespace zav_utf
 
 #endif

@@ -6,10 +6,10 @@
 #include <emmintrin.h>
 #endif
 
-// A byte that starts a sequence is never a continuation byte, so whether a sequence of two or three bytes starts
-// somewhere depends on these bytes alone and not on how the scan got there. That lets whole blocks be looked at
-// at once: the runes are the bytes less the continuation bytes that such sequences use up, and a text is valid
-// when every byte from 0xA0 up is either the start of a sequence or used up by one.
+// A byte that starts a sequence is never a continuation byte, so whether a sequence of two or three bytes
+// starts somewhere depends on these bytes alone and not on how the scan got there. That lets whole blocks be
+// looked at at once: the runes are the bytes less the continuation bytes that such sequences use up, and a
+// text is valid when every byte from 0xA0 up is either the start of a sequence or used up by one.
 namespace zav_utf {
 
 namespace {
@@ -59,7 +59,8 @@ struct Starts {
         const __m128i isE0 = _mm_cmpeq_epi8(v, _mm_set1_epi8(static_cast<char>(0xE0)));
         const __m128i overlong = _mm_andnot_si128(atLeast(next, 0xA0), isE0);
         two = _mm_and_si128(lead2, follows);
-        three = _mm_andnot_si128(overlong, _mm_and_si128(_mm_and_si128(lead3, follows), continuation(load(p + 2))));
+        three = _mm_andnot_si128(overlong,
+                                 _mm_and_si128(_mm_and_si128(lead3, follows), continuation(load(p + 2))));
     }
 };
 
@@ -74,7 +75,8 @@ size_t afterAscii(const Range& r, size_t i) {
     return i;
 }
 
-// Adds the bytes that sequences starting in whole blocks of the range use up, and moves `i` behind these blocks.
+// Adds the bytes that sequences starting in whole blocks of the range use up, and moves `i` behind these
+// blocks.
 size_t usedUpByBlocks(const Range& r, size_t& i) {
     size_t used = 0;
     const __m128i zero = _mm_setzero_si128();
@@ -92,14 +94,15 @@ size_t usedUpByBlocks(const Range& r, size_t& i) {
             counts = _mm_sub_epi8(counts, _mm_add_epi8(starts.two, _mm_add_epi8(starts.three, starts.three)));
         }
         const __m128i sums = _mm_sad_epu8(counts, zero);
-        used += static_cast<size_t>(_mm_cvtsi128_si32(sums)) + static_cast<size_t>(_mm_extract_epi16(sums, 4));
+        used +=
+            static_cast<size_t>(_mm_cvtsi128_si32(sums)) + static_cast<size_t>(_mm_extract_epi16(sums, 4));
     }
     return used;
 }
 
 // Whether the whole blocks from `i` on are valid; moves `i` to where the rest is to be looked at.
 bool validBlocks(const Range& r, size_t& i) {
-    unsigned carry = 0;  // bits 0 and 1: the next two bytes are used up
+    unsigned carry = 0; // bits 0 and 1: the next two bytes are used up
     while (i + kBlock + 2 <= r.n) {
         const __m128i v = load(r.p + i);
         if (mask(v) == 0) {
@@ -125,7 +128,7 @@ bool validBlocks(const Range&, size_t&) { return true; }
 
 #endif
 
-}  // namespace
+} // namespace
 
 size_t CountRunes(const char* s, size_t n) {
     const Range r{reinterpret_cast<const Byte*>(s), n};
@@ -151,4 +154,4 @@ size_t CountRunes(const char* s) { return CountRunes(s, std::strlen(s)); }
 
 bool IsValid(const char* s) { return IsValid(s, std::strlen(s)); }
 
-}  // namespace zav_utf
+} // namespace zav_utf

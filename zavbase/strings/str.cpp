@@ -13,9 +13,10 @@ char ZAV_Str::sEmpty[1] = {'\0'};
 
 namespace {
 
-// The characters a buffer really has room for stand in front of it. They may be more than mCapacity: appending
-// doubles the room while the visible capacity keeps growing by 16, so that a long run of appends copies each
-// byte a constant number of times. Four bytes keep the smallest buffer within a 32-byte block of the heap.
+// The characters a buffer really has room for stand in front of it. They may be more than mCapacity:
+// appending doubles the room while the visible capacity keeps growing by 16, so that a long run of appends
+// copies each byte a constant number of times. Four bytes keep the smallest buffer within a 32-byte block of
+// the heap.
 using Room = uint32_t;
 constexpr uint64_t kLargestRoom = 0xFFFFFFF0u;
 
@@ -50,7 +51,7 @@ unsigned skippedSpace(const char* text) {
     return n;
 }
 
-}  // namespace
+} // namespace
 
 ZAV_Str::ZAV_Str(unsigned int n) {
     allocBuffer(n);
@@ -112,7 +113,8 @@ bool ZAV_Str::holds(const char* p) const {
     return !std::less<>()(p, mData) && !std::less<>()(mData + mLength, p);
 }
 
-// Makes the buffer what allocBuffer(length) would give, keeping the text, mLength and, where it can, the buffer.
+// Makes the buffer what allocBuffer(length) would give, keeping the text, mLength and, where it can, the
+// buffer.
 void ZAV_Str::growTo(unsigned long long length) {
     const uint64_t capacity = capacityFor(length);
     const uint64_t room = mCapacity != 0 ? roomOf(mData) : 0;

@@ -11,8 +11,8 @@ class ZAV_SubStr;
 /// string owns alone. Copies duplicate the bytes. Programs normally use ZAV_String; classes that add text
 /// operations of their own derive from here.
 ///
-/// The empty state (default construction, Empty()) owns no buffer: mData points at one NUL byte that belongs to
-/// the library and all empty strings share, and mCapacity is 0. A buffer's mCapacity is a multiple of 16
+/// The empty state (default construction, Empty()) owns no buffer: mData points at one NUL byte that belongs
+/// to the library and all empty strings share, and mCapacity is 0. A buffer's mCapacity is a multiple of 16
 /// strictly above the length it was asked for.
 ///
 /// Nothing is checked and nothing fails, except that memory may run out. No locking: one thread at a time.
@@ -54,8 +54,8 @@ public:
     void TrimRight();
 
     /// The reads append to the text that is there; they stop when the stream is no longer good and keep what
-    /// they read. With `skipWhite` leading white space (line ends too) is dropped. A line ends at CR, LF or CR
-    /// LF, which is consumed and not stored.
+    /// they read. With `skipWhite` leading white space (line ends too) is dropped. A line ends at CR, LF or
+    /// CR LF, which is consumed and not stored.
     std::istream& ReadLine(std::istream& is, boolean_t skipWhite = B_FALSE);
     /// Up to a NUL.
     std::istream& ReadString(std::istream& is);
@@ -67,11 +67,11 @@ protected:
     void init();
     /// Frees a buffer that allocBuffer made; null and the shared empty buffer are left alone.
     static void safeDelete(char* data);
-    /// Takes a new buffer for `n` characters and sets mLength to `n`; the old buffer is the caller's to free, the
-    /// characters and the terminator are the caller's to write.
+    /// Takes a new buffer for `n` characters and sets mLength to `n`; the old buffer is the caller's to free,
+    /// the characters and the terminator are the caller's to write.
     void allocBuffer(unsigned int n);
-    /// Makes `dest` the `count` characters from `index` on, with room for `extra` more. What `dest` had is not
-    /// freed.
+    /// Makes `dest` the `count` characters from `index` on, with room for `extra` more. What `dest` had is
+    /// not freed.
     void allocCopy(ZAV_Str& dest, int count, int index, int extra) const;
     void assignCopy(unsigned int n, const char* p);
     /// Makes this `p1` followed by `p2`; `p1` may be the own buffer. The terminator is the caller's to write.
@@ -99,8 +99,8 @@ private:
 };
 
 /// A view of a range of characters inside a ZAV_Str. Reading it reads the owner; assigning to it splices the
-/// owner. It holds a bare pointer into the owner's buffer and is valid only while the owner lives and its buffer
-/// stays where it is (an assignment through this view itself keeps it valid).
+/// owner. It holds a bare pointer into the owner's buffer and is valid only while the owner lives and its
+/// buffer stays where it is (an assignment through this view itself keeps it valid).
 ///
 /// After an assignment that changed the length the view still spans its old count of characters from the same
 /// start.

@@ -4,16 +4,16 @@
 #include <zavbase/foundation/object.h>
 #include <zavbase/strings/utf_string.h>
 
-/// A text that goes to or comes from the operating system, such as a file name: held in the system's code page,
-/// with a UTF-8 form made on first request and dropped whenever the text is set.
+/// A text that goes to or comes from the operating system, such as a file name: held in the system's code
+/// page, with a UTF-8 form made on first request and dropped whenever the text is set.
 ///
 /// One converter serves all system strings; the program sets it up once with Initialize. Before that, text
 /// that needs converting fails (result -1, an empty text). The strings themselves are not locked.
 class ZAV_API ZAV_SystemString : public ZAV_Object {
     ZAV_DECLARE_CLASS(ZAV_SystemString)
 public:
-    /// Chooses the code page, see ZAV_TextEncodingConverter::Initialize: configured under `name`, or that of the
-    /// locale for null. Returns 0.
+    /// Chooses the code page, see ZAV_TextEncodingConverter::Initialize: configured under `name`, or that of
+    /// the locale for null. Returns 0.
     static int Initialize(const char* name);
     static void Cleanup();
 
@@ -28,8 +28,8 @@ public:
     ~ZAV_SystemString() override;
     ZAV_SystemString& operator=(const ZAV_SystemString& s);
 
-    /// Return 0, or -1 when the conversion failed: the text is then what could be converted, with "?" for what
-    /// the code page lacks.
+    /// Return 0, or -1 when the conversion failed: the text is then what could be converted, with "?" for
+    /// what the code page lacks.
     int Set(const ZAV_SystemString& s);
     int Set(const char* s);
     int Set(const ZAV_String& s);

@@ -8,7 +8,7 @@ namespace {
 
 unsigned lengthOf(const char* p) { return p ? static_cast<unsigned>(std::strlen(p)) : 0; }
 
-}  // namespace
+} // namespace
 
 ZAV_UTFString::ZAV_UTFString(const ZAV_UTFSubString& u) : ZAV_String(static_cast<const ZAV_SubStr&>(u)) {}
 
@@ -93,9 +93,11 @@ ZAV_UTFString sum(const First& first, unsigned n1, const Second& second, unsigne
     return s;
 }
 
-}  // namespace
+} // namespace
 
-ZAV_UTFString ZAV_UTFString::operator+(const ZAV_UTFString& u) const { return sum(*this, mLength, u, u.mLength); }
+ZAV_UTFString ZAV_UTFString::operator+(const ZAV_UTFString& u) const {
+    return sum(*this, mLength, u, u.mLength);
+}
 
 ZAV_UTFString ZAV_UTFString::operator+(const ZAV_UTFSubString& u) const {
     return sum(*this, mLength, u, u.Size());
@@ -174,7 +176,8 @@ void ZAV_UTFString::PrintOn(std::ostream& os) {
         Rune r;
         p += chartorune(&r, p);
         text += '[';
-        for (int shift = r > 0xFFF ? 12 : r > 0xFF ? 8 : 4; shift >= 0; shift -= 4) text += kDigits[r >> shift & 0xF];
+        for (int shift = r > 0xFFF ? 12 : r > 0xFF ? 8 : 4; shift >= 0; shift -= 4)
+            text += kDigits[r >> shift & 0xF];
         text += ']';
     }
     os << text.Ptr();
@@ -200,4 +203,6 @@ unsigned int ZAV_UTFSubString::Length() const {
     return static_cast<unsigned>(zav_utf::CountRunes(mStart, mLength));
 }
 
-int ZAV_UTFSubString::Position() const { return utfrunepos(mOwner->Ptr(), static_cast<unsigned>(mStart - mOwner->Ptr())); }
+int ZAV_UTFSubString::Position() const {
+    return utfrunepos(mOwner->Ptr(), static_cast<unsigned>(mStart - mOwner->Ptr()));
+}

@@ -9,11 +9,11 @@ class ZAV_UTFSubString;
 /// A byte string whose text is UTF-8 and whose Length(), sub-string positions and Find results count runes.
 /// It adds no data to ZAV_String.
 ///
-/// Text that comes in (const char*, ZAV_String, ZAV_SubString, streams, Format) is taken as it is when isutfstr
-/// accepts it; otherwise every one of its bytes with the top bit set becomes "#". So the text is always valid,
-/// unless it is changed through the byte operations inherited from ZAV_String: At, Find(char), FindOneOf,
-/// ReverseFind, FindAndReplace, ToLower and ToUpper work on bytes here too. Comparisons are the inherited ones;
-/// byte order is rune order.
+/// Text that comes in (const char*, ZAV_String, ZAV_SubString, streams, Format) is taken as it is when
+/// isutfstr accepts it; otherwise every one of its bytes with the top bit set becomes "#". So the text is
+/// always valid, unless it is changed through the byte operations inherited from ZAV_String: At, Find(char),
+/// FindOneOf, ReverseFind, FindAndReplace, ToLower and ToUpper work on bytes here too. Comparisons are the
+/// inherited ones; byte order is rune order.
 class ZAV_API ZAV_UTFString : public ZAV_String {
 public:
     ZAV_UTFString() {}
@@ -78,8 +78,8 @@ private:
     void clean(unsigned int from);
 };
 
-/// A view of a range of whole runes of a ZAV_UTFString, made by its operator(). See ZAV_SubStr for how long it
-/// lives. Size() gives its bytes.
+/// A view of a range of whole runes of a ZAV_UTFString, made by its operator(). See ZAV_SubStr for how long
+/// it lives. Size() gives its bytes.
 class ZAV_API ZAV_UTFSubString : public ZAV_SubString {
 public:
     /// Replace the range inside the owner; what is not valid UTF-8 is cleaned first.
