@@ -11,7 +11,6 @@
 #include <zavbase/os/file_lock.h>
 #include <zavbase/os/process.h>
 #include <zavbase/values/uval_text.h>
-#include <zavbase/values/uval_types.h>
 
 ZAV_DEFINE_CLASS(ZAV_ResourceLockPool, ZAV_Object)
 
@@ -37,7 +36,7 @@ uint32_t NumberField(ZAV_UValDict& entry, const char* key) {
 }
 
 void SetNumberField(ZAV_UValDict& entry, const char* key, uint32_t number) {
-    entry.SetUVal(key, new ZAV_UValLong(static_cast<int32_t>(number)));
+    entry.DefineUVal(key, UVAL_LONG)->SetLongValue(static_cast<int32_t>(number), 0);
 }
 
 /// The whole text of the file, old or new, is what another process sees at any moment. A link standing in the
@@ -93,7 +92,7 @@ struct ZAV_ResourceLockPool::Owner {
 
     void Store(ZAV_UValDict& entry) const {
         SetNumberField(entry, "ProcessId", mProcessId);
-        entry.SetUVal("FileName", new ZAV_UValString(mFileName));
+        entry.DefineUVal("FileName", UVAL_STRING)->SetStrValue(mFileName, 0);
         SetNumberField(entry, "CreationTimeLow", mTimeLow);
         SetNumberField(entry, "CreationTimeHigh", mTimeHigh);
     }
