@@ -21,7 +21,7 @@ Number Load(const unsigned char* bytes) {
 
 void StoreText(ZAV_UVal& value, ZAV_UValType type, const char* text, unsigned int length, long index) {
     if (type == UVAL_STRING) static_cast<ZAV_UValString&>(value).GetValuePtr(index)->Append(text, length);
-    else value.SetStrValue(ZAV_String(text, length), index);
+    else static_cast<ZAV_UValUTFString&>(value).GetValuePtr(index)->Append(text, length);
 }
 
 } // namespace

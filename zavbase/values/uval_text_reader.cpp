@@ -36,11 +36,10 @@ void StoreInteger(ZAV_UVal& value, ZAV_UValType type, int32_t number, long index
 }
 
 void StoreString(ZAV_UVal& value, ZAV_UValType type, const char* text, size_t length, long index) {
-    if (type == UVAL_STRING) {
-        static_cast<ZAV_UValString&>(value).GetValuePtr(index)->Append(text, static_cast<unsigned int>(length));
-        return;
-    }
-    value.SetStrValue(ZAV_String(text, static_cast<unsigned int>(length)), index);
+    unsigned int size = static_cast<unsigned int>(length);
+    if (type == UVAL_STRING) static_cast<ZAV_UValString&>(value).GetValuePtr(index)->Append(text, size);
+    else if (type == UVAL_UTFSTRING) static_cast<ZAV_UValUTFString&>(value).GetValuePtr(index)->Append(text, size);
+    else value.SetStrValue(ZAV_String(text, size), index);
 }
 
 // How many dictionaries a key used as a path puts around its value.
@@ -244,7 +243,7 @@ uint32_t Reader::StorePair(ZAV_UValDict& dict, const Item& key, Item& value) {
                                      ? static_cast<ZAV_UValString*>(key.mValue)->GetValue(0)
                                      : static_cast<ZAV_UValUTFString*>(key.mValue)->GetValue(0);
         text = name.Ptr();
-        length = name.Length();
+        length = name.Size();
     } else if (key.mKind != ITEM_NAME) {
         Fail(PAIR_ERROR);
     }
