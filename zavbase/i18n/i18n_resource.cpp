@@ -190,6 +190,6 @@ boolean_t ZAV_IsPlainLangCode(const ZAV_String& lang) {
     };
     if (!isAlphanumeric(code[0])) return B_FALSE;
     for (char c : code)
-        if (!isAlphanumeric(c) && !std::strchr("_-@.", c)) return B_FALSE;
+        if (!isAlphanumeric(c) && std::string_view("_-@.").find(c) == code.npos) return B_FALSE;
     return B_TRUE;
 }

@@ -1,0 +1,184 @@
+#include <zavbase/foundation/error.h>
+
+#include <zavbase/i18n/i18n_resource.h>
+#include <zavbase/strings/byte_string.h>
+#include <zavbase/values/dict_path.h>
+#include <zavbase/values/value_dict.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+#include <thread>
+
+#include "tests/support/trace_capture.h"
+
+namespace {
+
+class Counted : public ZAV_Exception {
+public:
+    Counted() { ++alive; }
+    ~Counted() override { --alive; }
+    static int alive;
+};
+int Counted::alive = 0;
+
+std::string Text(ZAV_Exception& e) {
+    std::ostringstream os;
+    os << e;
+    return os.str();
+}
+
+template <class Throw> ZAV_ErrorException* Caught(const Throw& action) {
+    try {
+        action();
+    } catch (ZAV_ErrorException* e) {
+        return e;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+TEST(Exception, DescribesItself) {
+    ZAV_Exception base;
+    ZAV_MemoryException memory;
+    ZAV_ErrorException error{ZAV_Error("ERR")};
+    ZAV_ExitException exit;
+    EXPECT_EQ("Base exception", Text(base));
+    EXPECT_EQ("Memory exception: ", Text(memory));
+    EXPECT_EQ("Error exception: ", Text(error));
+    EXPECT_EQ("Exit exception: ", Text(exit));
+    ZAV_String s("kept ");
+    EXPECT_EQ(&s, &exit.ToString(s));
+    EXPECT_STREQ("kept Exit exception: ", s.Ptr());
+
+    const char* const names[] = {"NoError",   "FileNotFound", "InvalidFile", "OpenRdError", "OpenWrError",
+                                 "OpenRdWrError", "ReadError",  "WriteError",  "SeekError",   "TellError",
+                                 "LockError", "Unknown",      "\v"};
+    for (unsigned short code = 0; code <= 12; ++code) {
+        ZAV_FileException file(code, 5);
+        EXPECT_EQ(std::string("File exception: ") + names[code], Text(file));
+    }
+}
+
+TEST(Exception, AScopeDeletesWhatItCaught) {
+    ZAV_TRY
+        throw new Counted;
+    ZAV_CATCH(ZAV_FileException, e)
+        ADD_FAILURE() << e;
+    ZAV_CATCH(ZAV_Exception, e)
+        EXPECT_EQ(1, Counted::alive);
+        EXPECT_EQ("Base exception", Text(*e));
+    ZAV_CATCH_END
+    EXPECT_EQ(0, Counted::alive);
+}
+
+TEST(Exception, AnInnerScopeMayPassItOn) {
+    int inner = 0;
+    ZAV_TRY
+        ZAV_TRY
+            throw new Counted;
+        ZAV_CATCH(Counted, e)
+            inner = e != nullptr;
+            ZAV_RETHROW;
+        ZAV_CATCH_END
+    ZAV_CATCH(ZAV_Exception, e)
+        EXPECT_EQ(1, Counted::alive) << e;
+        ZAV_TRY
+            throw new Counted;  // while another is being handled
+        ZAV_CATCH(Counted, second)
+            EXPECT_NE(e, second);
+        ZAV_CATCH_END
+        EXPECT_EQ(1, Counted::alive);
+    ZAV_CATCH_END
+    EXPECT_EQ(1, inner);
+    EXPECT_EQ(0, Counted::alive);
+}
+
+TEST(Exception, AnotherExceptionMayLeaveTheHandler) {
+    EXPECT_THROW(
+        {
+            ZAV_TRY
+                throw new Counted;
+            ZAV_CATCH(Counted, e)
+                throw std::string(e->ClassName());
+            ZAV_CATCH_END
+        },
+        std::string);
+    EXPECT_EQ(0, Counted::alive);
+    ZAV_ThrowLastCleanup();  // no scope is open: nothing happens
+}
+
+TEST(Exception, ScopesOfThreadsAreApart) {
+    ZAV_TRY
+        throw new Counted;
+    ZAV_CATCH(Counted, e)
+        std::thread([e] {
+            ZAV_TRY
+                throw new Counted;
+            ZAV_CATCH(Counted, own)
+                EXPECT_NE(e, own);
+            ZAV_CATCH_END
+        }).join();
+        EXPECT_EQ(1, Counted::alive);
+    ZAV_CATCH_END
+    EXPECT_EQ(0, Counted::alive);
+}
+
+TEST(Exception, TheMemoryExceptionSurvivesDelete) {
+    ZAV_Exception* first = nullptr;
+    for (int i = 0; i < 2; ++i) {
+        ZAV_TRY
+            ZAV_ThrowMemoryException();
+        ZAV_CATCH(ZAV_MemoryException, e)
+            if (i == 0) first = e;
+            EXPECT_EQ(first, e);
+        ZAV_CATCH_END
+    }
+    EXPECT_EQ("Memory exception: ", Text(*first));
+    // A copy is not deletable either, so the test must do it.
+    std::unique_ptr<ZAV_Exception> copy(new ZAV_MemoryException(*static_cast<ZAV_MemoryException*>(first)));
+    copy->Delete();
+    (new ZAV_Exception(static_cast<boolean_t>(5)))->Delete();  // any positive flag will do
+    std::unique_ptr<ZAV_Exception> negative(new ZAV_Exception(static_cast<boolean_t>(-1)));
+    negative->Delete();
+    EXPECT_EQ("Base exception", Text(*negative));
+}
+
+TEST(Exception, UnknownErrorNumbersBecomeHexadecimal) {
+    EXPECT_STREQ("0x2FFFABCD", GetErrorString(0x2FFFABCDu));
+    std::string known = GetErrorString(2);
+    EXPECT_NE("0x2", known);
+}
+
+TEST(Error, ParameterErrorIsTheDetailOfAnInternalOne) {
+    ZAV_UValDict defs;
+    ZAV_Base_GetI18nDefs(&defs, B_TRUE, B_TRUE);
+    ZAV_I18nDef2Dict(&defs, "ERR_BASE_INTERNAL", "Internal: <<detail>>");
+    ZAV_I18nResource resource;
+    resource.SetDefaultDefs(&defs);
+
+    for (const char* text : {static_cast<const char*>("dialog"), static_cast<const char*>(nullptr)}) {
+        TraceCapture capture;
+        ZAV_ErrorException* e = Caught([&] { ZAV_ThrowParamSpecError(ZAV_DictPath("a:b"), text); });
+        ASSERT_NE(nullptr, e);
+        EXPECT_EQ("Error exception: \n", capture.Text());
+        EXPECT_STREQ(text ? "Internal: Invalid parameter spec for dialog:a:b:" : "Internal: Invalid parameter spec for a:b:",
+                     e->mError.Format("", &resource, nullptr).Ptr());
+        e->Delete();
+    }
+}
+
+TEST(Error, AnIdentifierAssignedReplacesTheWholeError) {
+    ZAV_Error error("FIRST");
+    error.AddArg("<<x>>", "y", ZAV_I18N_STRING);
+    error = ZAV_UTFString("SECOND");
+    std::ostringstream os;
+    os << static_cast<ZAV_Object&>(error);
+    EXPECT_EQ("SECOND", os.str());
+
+    ZAV_ErrorException* e = Caught([&] { ZAV_ThrowErrorException(error); });
+    EXPECT_TRUE(e->mError == "SECOND");
+    e->Delete();
+}

@@ -1,0 +1,143 @@
+#include <zavbase/foundation/alloc_mem.h>
+#include <zavbase/foundation/new_handler.h>
+#include <zavbase/foundation/ref.h>
+
+#include <zavbase/collections/linked_list.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+namespace {
+
+class Body : public ZAV_RefCount {
+public:
+    Body() { ++alive; }
+    ~Body() override { --alive; }
+    ZAV_Ref mNext{nullptr};
+    static std::atomic<int> alive;
+};
+std::atomic<int> Body::alive{0};
+
+std::string Text(ZAV_Object& o) {
+    std::ostringstream os;
+    os << o;
+    return os.str();
+}
+
+} // namespace
+
+TEST(Ref, TheLastHandleDeletesTheBody) {
+    auto first = std::make_unique<ZAV_Ref>(new Body);
+    auto second = std::make_unique<ZAV_Ref>(*first);
+    ZAV_Ref third;
+    EXPECT_EQ("mRefCount=1", Text(third));
+    third = *second;
+    EXPECT_EQ("mRefCount=3", Text(third));
+    EXPECT_TRUE(first->IsRefEqual(third));
+    EXPECT_TRUE(first->IsRefEqual(third.GetBody()));
+    first.reset();
+    second.reset();
+    EXPECT_EQ(1, Body::alive);
+    third = third;
+    EXPECT_EQ(1, Body::alive);
+    third = new Body;
+    EXPECT_EQ(1, Body::alive);
+    third = ZAV_Ref();
+    EXPECT_EQ(0, Body::alive);
+}
+
+TEST(Ref, TheOldBodyMayBeAllThatHoldsTheNew) {
+    Body* head = new Body;
+    ZAV_Ref ref(head);
+    head->mNext = new Body;
+    ref = head->mNext;
+    EXPECT_EQ(1, Body::alive);
+    EXPECT_EQ("mRefCount=1", Text(ref));
+    ref = ZAV_Ref();
+    EXPECT_EQ(0, Body::alive);
+}
+
+TEST(Ref, AssignmentKeepsThePlaceInAList) {
+    ZAV_LinkedList list;
+    ZAV_Ref a, b, outside;
+    list.Add(&a);
+    list.Add(&b);
+    a = outside;
+    ZAV_Ref copy(a);
+    EXPECT_EQ(&b, a.NextLink());
+    EXPECT_EQ(nullptr, copy.NextLink());
+    list.Clear();
+}
+
+TEST(Ref, HandlesOfOneBodyOnManyThreads) {
+    std::vector<std::thread> threads;
+    {
+        ZAV_Ref shared(new Body);
+        for (int t = 0; t < 4; ++t)
+            threads.emplace_back([own = shared] {
+                for (int i = 0; i < 2000; ++i) ZAV_Ref copy(own);
+            });
+    }
+    for (std::thread& t : threads) t.join();
+    threads.clear();
+    EXPECT_EQ(0, Body::alive);
+}
+
+TEST(AllocMem, AlignsAndFillsTheWholeBlock) {
+    for (unsigned long mask : {0ul, 1ul, 15ul, 4095ul}) {
+        ZAV_AllocMemRef ref(100, mask);
+        uintptr_t address = reinterpret_cast<uintptr_t>(ref->GetPointer());
+        EXPECT_EQ(0u, address & mask);
+        ref->MemSet(0x5A);
+        for (int i = 0; i < 100; ++i) ASSERT_EQ(0x5A, static_cast<unsigned char*>(ref->GetPointer())[i]);
+        EXPECT_EQ(100u, ref->GetSize());
+    }
+}
+
+TEST(AllocMem, ASizeOfZeroKeepsTheBlock) {
+    ZAV_AllocMemRef ref(100, 15);
+    void* block = ref->GetPointer();
+    EXPECT_FALSE(ref->Allocate(0, 4));
+    EXPECT_FALSE(ref->Reallocate(0, 4));
+    EXPECT_EQ(block, ref->GetPointer());
+    EXPECT_TRUE(ref->Reallocate(200, 0));
+    EXPECT_EQ(200u, ref->GetSize());
+    EXPECT_TRUE(ref->Free());
+    EXPECT_TRUE(ref->Free());
+    EXPECT_FALSE(ref->IsAllocated());
+    EXPECT_EQ(nullptr, ref->GetPointer());
+    EXPECT_EQ(0u, ref->GetSize());
+    ref->MemSet(1);
+}
+
+TEST(AllocMem, ASizeThatWrapsIsAFailedAllocation) {
+    ZAV_AllocMemRef ref(0xFFFFFFF8ul, 15);
+    EXPECT_FALSE(ref->IsAllocated());
+    EXPECT_TRUE(ref->Allocate(8, 7));
+    EXPECT_FALSE(ref->Reallocate(0xFFFFFFFFul, 1));
+    EXPECT_FALSE(ref->IsAllocated());
+    EXPECT_EQ(0u, ref->GetSize());
+}
+
+// In a child process, since there is no way back.
+TEST(NewHandlerDeathTest, ThrowsAfterSetNewHandler) {
+    EXPECT_EXIT(
+        {
+            SetNewHandler();
+            bool thrown = false;
+            try {
+                std::get_new_handler()();
+            } catch (const dummyalloc& e) {
+                thrown = std::strcmp("Memory allocation failure", e.what()) == 0;
+            }
+            std::_Exit(thrown ? 7 : 1);
+        },
+        ::testing::ExitedWithCode(7), "");
+}

@@ -1,0 +1,137 @@
+#include <zavbase/foundation/startup.h>
+
+#include <zavbase/foundation/exception_internal.h>
+#include <zavbase/foundation/new_handler.h>
+#include <zavbase/foundation/trace_stream.h>
+#include <zavbase/os/console.h>
+#include <zavbase/os/module_entry.h>
+#include <zavbase/os/version.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "tests/support/trace_capture.h"
+
+namespace {
+
+zav_os::VersionRecord theAnswer;
+bool theAnswerIsGiven = true;
+std::vector<std::string> thePieces;
+
+void Answer(uint32_t platform, uint32_t major, uint32_t minor, uint32_t build) {
+    theAnswer = {148, major, minor, build, platform, "Service Pack 1"};
+}
+
+} // namespace
+
+namespace zav_os {
+
+bool QueryVersion(VersionRecord& record) {
+    EXPECT_EQ(148u, record.mSize);
+    if (theAnswerIsGiven) record = theAnswer;
+    return theAnswerIsGiven;
+}
+
+void TraceText(const char* text, size_t length) {
+    EXPECT_EQ(std::strlen(text), length);
+    thePieces.emplace_back(text);
+}
+bool TraceChannel(char*, size_t) { return false; }
+void FatalMessage(const char* text, const char* caption) { std::fprintf(stderr, "[%s] %s", caption, text); }
+void Terminate() { std::_Exit(0); }
+
+} // namespace zav_os
+
+// Comes first: the record is empty until somebody has told.
+TEST(Startup, AFailedQueryCountsAsWin32s) {
+    theAnswerIsGiven = false;
+    TraceCapture capture;
+    EXPECT_EQ(1, zav_os::OnModuleEvent(1));
+    EXPECT_EQ("failed to get OS version info\n", capture.Text());
+    EXPECT_TRUE(ZAV_Win32s());
+    theAnswerIsGiven = true;
+}
+
+TEST(Startup, TellsThePlatforms) {
+    struct {
+        uint32_t mPlatform, mMajor, mMinor, mBuild;
+        const char* mName;
+    } const rows[] = {
+        {0, 1, 30, 0, "Win32s"},
+        {1, 9, 9, 0x040003B6, "Win95"},  // on this family the build number tells
+        {1, 0, 0, 0x04090000, "Win95"},
+        {1, 0, 0, 0x040A07CE, "Win98"},
+        {1, 0, 0, 0x045A0BB8, "Win98"},
+        {2, 4, 0, 1381, "WinNT4"},
+        {2, 5, 0, 2195, "WinNT5"},
+        {2, 10, 0, 19045, "WinNT5"},
+        {2, 3, 51, 1057, "WinNT5"},  // none of the five; the line says the last
+        {3, 4, 0, 0, "WinNT5"},
+    };
+    for (const auto& row : rows) {
+        Answer(row.mPlatform, row.mMajor, row.mMinor, row.mBuild);
+        TraceCapture capture(0x10);
+        SetRuntimeOSVersion();
+        EXPECT_EQ(std::string("ZAV OS settings:      ") + row.mName, capture.Lines().back());
+        EXPECT_EQ(std::string(row.mName) == "Win32s", ZAV_Win32s() == B_TRUE);
+        EXPECT_EQ(std::string(row.mName) == "Win95", ZAV_Win95() == B_TRUE);
+        EXPECT_EQ(std::string(row.mName) == "Win98", ZAV_Win98() == B_TRUE);
+        EXPECT_EQ(std::string(row.mName) == "WinNT4", ZAV_WinNT4() == B_TRUE);
+        EXPECT_EQ(row.mPlatform == 2 && row.mMajor > 4, ZAV_WinNT5() == B_TRUE);
+    }
+}
+
+TEST(Startup, TracesTheRecord) {
+    Answer(1, 0, 0, 0x040A07CE);
+    TraceCapture capture(0x10);
+    SetRuntimeOSVersion();
+    EXPECT_EQ("OS version information\n"
+              "----------------------\n"
+              "Platform Id:          1\n"
+              "Major version number: 4\n"
+              "Minor version number: 10\n"
+              "Build number:         1998\n"
+              "CSD version:          Service Pack 1\n"
+              "ZAV OS settings:      Win98\n",
+              capture.Text());
+    capture.Clear();
+    EXPECT_EQ(1, zav_os::OnModuleEvent(0));
+    EXPECT_EQ(1, zav_os::OnModuleEvent(2));
+    EXPECT_EQ("", capture.Text());
+}
+
+TEST(TraceStream, SendsPiecesThatTheViewerCanTake) {
+    thePieces.clear();
+    dout << "x" << std::endl;
+    EXPECT_EQ((std::vector<std::string>{"x\n"}), thePieces);
+    thePieces.clear();
+    std::string text(600, 'y');
+    _trace(nullptr, text.data(), 600);
+    _trace(nullptr, "", 0);
+    ASSERT_EQ(3u, thePieces.size());
+    EXPECT_EQ(text, thePieces[0] + thePieces[1] + thePieces[2]);
+}
+
+TEST(ExceptionLinks, HangOnThePlaceThatAThreadNames) {
+    ZAV_EXCEPTION_LINK* head = nullptr;
+    ZAV_SetThreadLinkHead(&head);
+    {
+        ZAV_EXCEPTION_LINK outer;
+        ZAV_EXCEPTION_LINK inner;
+        EXPECT_EQ(&inner, head);
+        EXPECT_EQ(&outer, inner.mNext);
+    }
+    EXPECT_EQ(nullptr, head);
+    ZAV_SetThreadLinkHead(nullptr);
+    ZAV_EXCEPTION_LINK own;
+    EXPECT_EQ(nullptr, head);
+    EXPECT_EQ(&own, ZAV_CurrentLinkHead());
+}
+
+TEST(FatalDeathTest, TheDefaultPolicyTellsTheUserAndEndsTheProcess) {
+    EXPECT_EXIT(std::get_new_handler()(), ::testing::ExitedWithCode(0),
+                "\\[Fatal Error\\] Memory Allocation Error, program will abort!");
+}

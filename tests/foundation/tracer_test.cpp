@@ -1,0 +1,173 @@
+#include <zavbase/foundation/tracer.h>
+
+#include <zavbase/collections/ordered_cltn.h>
+#include <zavbase/foundation/trace_stream.h>
+#include <zavbase/values/uval_types.h>
+#include <zavbase/values/value_dict.h>
+
+#include <gtest/gtest.h>
+
+#include <locale>
+#include <thread>
+
+#include "tests/support/trace_capture.h"
+
+namespace {
+
+unsigned NamedSlots() {
+    ZAV_OrderedCltn names(16);
+    ZAV_Tracer::GetNameList(&names);
+    unsigned count = names.Size();
+    for (unsigned i = 0; i < count; ++i) EXPECT_EQ(0u, names[static_cast<int>(i)]->Size());  // never the name
+    names.ClearAndDestroy();
+    return count;
+}
+
+struct Tracing {
+    friend std::ostream& operator<<(std::ostream& os, const Tracing&) {
+        ZAV_BASE_TRACE(0x2, "inner");
+        return os << "outer";
+    }
+};
+
+struct Pieces {
+    static void Take(void* self, const char* text, int length) {
+        static_cast<Pieces*>(self)->mTexts.emplace_back(text, static_cast<size_t>(length));
+    }
+    std::string All() const {
+        std::string all;
+        for (const std::string& t : mTexts) all += t;
+        return all;
+    }
+    std::vector<std::string> mTexts;
+};
+
+} // namespace
+
+TEST(Tracer, OnlyTenCharactersOfANameCount) {
+    ZAV_Tracer* tracer = ZAV_Tracer::FindOrCreate("ABCDEFGHIJKLM");
+    EXPECT_EQ(tracer, ZAV_Tracer::FindOrCreate("ABCDEFGHIJ"));
+    EXPECT_STREQ("ABCDEFGHIJ", tracer->mName);
+    EXPECT_NE(tracer, ZAV_Tracer::FindOrCreate("ABCDEFGHI"));
+}
+
+TEST(Tracer, StatementsObeyStreamAndMask) {
+    TraceCapture capture(0x12);
+    int evaluated = 0;
+    ZAV_BASE_TRACE(0x1, "no" << ++evaluated);
+    ZAV_BASE_TRACE(0x10, "yes " << ++evaluated << ' ' << std::hex << 255);
+    ZAV_BASE_TRACE(0x2, Tracing() << " " << 255);
+    ZAV_Tracer::SetStreamP(tr_base_name, nullptr);
+    ZAV_BASE_TRACE(0x10, "silent" << ++evaluated);
+    EXPECT_EQ("yes 1 ff\ninner\nouter 255\n", capture.Text());
+    EXPECT_EQ(1, evaluated);
+}
+
+TEST(Tracer, LinesOfManyThreadsArriveWhole) {
+    TraceCapture capture(0x10);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([t] {
+            for (int i = 0; i < 200; ++i) ZAV_BASE_TRACE(0x10, "thread " << t << " says " << i << " in one piece");
+        });
+    for (std::thread& t : threads) t.join();
+    std::vector<int> next(4, 0);
+    for (const std::string& line : capture.Lines()) {
+        int t = -1, i = -1, end = -1;
+        std::sscanf(line.c_str(), "thread %d says %d in one piece%n", &t, &i, &end);
+        ASSERT_EQ(static_cast<int>(line.size()), end) << line;
+        EXPECT_EQ(next[static_cast<size_t>(t)]++, i);
+    }
+    EXPECT_EQ(std::vector<int>(4, 200), next);
+}
+
+TEST(Tracer, ConfiguredFromADictionary) {
+    ZAV_UValDict dict;
+    dict.DefineUVal("CFGTRACER", UVAL_LONG, 0, nullptr)->SetLongValue(0x11, 0);
+    dict.DefineUValDict("CFGDICT");
+    ZAV_Tracer::Initialize(dict);
+    std::ostream* stream;
+    long mask;
+    ZAV_Tracer::GetStreamP("CFGTRACER", &stream);
+    ZAV_Tracer::GetMask("CFGTRACER", &mask);
+    EXPECT_EQ(&dout, stream);
+    EXPECT_EQ(0x11, mask);
+    ZAV_Tracer::GetMask("CFGDICT", &mask);
+    EXPECT_EQ(0, mask);
+}
+
+// The table is the process's: this test leaves it full, and comes last.
+TEST(TracerZ, TableTakesThirtyNames) {
+    ZAV_Tracer::FindOrCreate(tr_base_name);
+    ZAV_Tracer* unnamed = ZAV_Tracer::FindOrCreate("");
+    unsigned before = NamedSlots();
+    long mask = 77;
+    EXPECT_EQ(0, ZAV_Tracer::GetMask("CLAIMED", &mask));
+    EXPECT_EQ(0, mask);
+    EXPECT_EQ(before + 1, NamedSlots());
+    EXPECT_STREQ("CLAIMED", unnamed->mName);  // the empty name had left the slot free
+    for (int i = 0; i < 30; ++i) ZAV_Tracer::FindOrCreate(("FILL" + std::to_string(i)).c_str());
+    EXPECT_EQ(30u, NamedSlots());
+
+    std::ostream* stream = &dout;
+    mask = 77;
+    EXPECT_EQ(nullptr, ZAV_Tracer::FindOrCreate("TOO MANY"));
+    EXPECT_EQ(-1, ZAV_Tracer::SetMask("TOO MANY", 1));
+    EXPECT_EQ(-1, ZAV_Tracer::SetStreamP("TOO MANY", &dout));
+    EXPECT_EQ(-1, ZAV_Tracer::GetMask("TOO MANY", &mask));
+    EXPECT_EQ(-1, ZAV_Tracer::GetStreamP("TOO MANY", &stream));
+    EXPECT_EQ(0, mask);
+    EXPECT_EQ(nullptr, stream);
+    ZAV_Tracer* cache = nullptr;
+    ZAV_TRACE(cache, "TOO MANY", 1, "nowhere");
+    EXPECT_EQ(nullptr, cache);
+}
+
+TEST(FuncStrmbuf, HandsOnEverythingInSmallPieces) {
+    for (size_t length : {0u, 1u, 254u, 255u, 256u, 510u, 511u, 5000u}) {
+        Pieces pieces;
+        ZAV_FuncStrmbuf buffer(Pieces::Take, &pieces);
+        std::ostream os(&buffer);
+        std::string text;
+        for (size_t i = 0; i < length; ++i) text += static_cast<char>('a' + i % 26);
+        os << text << std::flush;
+        EXPECT_EQ(text, pieces.All());
+        EXPECT_EQ((length + 254) / 255, pieces.mTexts.size());
+        for (const std::string& piece : pieces.mTexts) EXPECT_LE(piece.size(), 255u);
+        EXPECT_EQ(EOF, buffer.sgetc());
+    }
+}
+
+TEST(FuncStrmbuf, CopiesOwnTheirPendingText) {
+    Pieces first, second;
+    ZAV_FuncStrmbuf* original = new ZAV_FuncStrmbuf(Pieces::Take, &first);
+    original->sputn("pending", 7);
+    ZAV_FuncStrmbuf copy(*original), assigned(nullptr, nullptr);
+    assigned.sputn("dropped", 7);
+    assigned = copy;
+    copy.SetCallback(Pieces::Take, &second);
+    original->sputn("!", 1);
+    original->pubsync();
+    delete original;
+    copy.pubsync();
+    assigned.pubsync();
+    EXPECT_EQ((std::vector<std::string>{"pending!", "pending"}), first.mTexts);
+    EXPECT_EQ((std::vector<std::string>{"pending"}), second.mTexts);
+}
+
+TEST(FuncStrmbuf, ACallbackMayWriteToItsOwnStream) {
+    struct Echo {
+        static void Take(void* self, const char* text, int length) {
+            Echo& echo = *static_cast<Echo*>(self);
+            echo.mText.append(text, static_cast<size_t>(length));
+            if (echo.mText.size() < 3) echo.mStream << "+" ;
+        }
+        ZAV_FuncStrmbuf mBuffer{Take, this};
+        std::ostream mStream{&mBuffer};
+        std::string mText;
+    } echo;
+    echo.mStream << "a" << std::flush << "b" << std::flush;
+    EXPECT_EQ("a+b", echo.mText);
+}
+
+TEST(TraceStream, KeepsTheClassicLocale) { EXPECT_EQ(std::locale::classic(), dout.getloc()); }

@@ -1,0 +1,170 @@
+#include <zavbase/i18n/i18n_resource.h>
+
+#include <zavbase/foundation/error.h>
+#include <zavbase/values/uval_types.h>
+#include <zavbase/values/value_dict.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <thread>
+
+#include "tests/support/trace_capture.h"
+
+namespace {
+
+// Language files in the current folder, removed afterwards.
+class I18nResource : public ::testing::Test {
+protected:
+    void TearDown() override {
+        for (const std::string& name : mFiles) std::remove(name.c_str());
+    }
+    void Write(const std::string& lang, const std::string& text) {
+        mFiles.push_back("i18n_resource_test." + lang);
+        std::ofstream(mFiles.back(), std::ios::binary) << text;
+    }
+    static std::string Get(ZAV_I18nResource& resource, const char* id, const char* lang) {
+        ZAV_UTFString key(id);
+        return resource.GetResource(key, ZAV_String(lang)).Ptr();
+    }
+
+    ZAV_SystemString mBase{"i18n_resource_test"};
+    std::vector<std::string> mFiles;
+};
+
+} // namespace
+
+TEST_F(I18nResource, FallsBackFromLanguageToDefaultsToIdentifier) {
+    Write("nl", "<< /BOTH (nederlands) /NUMBER 5 zavlong /group << /IN (binnen) >> /UTF (\xE2\x82\xAC) zavutfstring "
+                "/BAD (caf\xE9) /LIST [ (eerste) (tweede) ] >>");
+    ZAV_UValDict defs;
+    for (const char* id : {"BOTH", "NUMBER", "DEFAULT", "group:DEEP"}) ZAV_I18nDef2Dict(&defs, id, "default");
+    ZAV_I18nResource resource(mBase);
+    EXPECT_EQ("BOTH", Get(resource, "BOTH", ""));
+    resource.SetDefaultDefs(&defs);
+
+    struct {
+        const char *mId, *mLang, *mText;
+    } const rows[] = {
+        {"BOTH", "nl", "nederlands"}, {"BOTH", "", "default"},        {"NUMBER", "nl", "default"},
+        {"DEFAULT", "nl", "default"}, {"group:IN", "nl", "binnen"},   {"group:DEEP", "nl", "default"},
+        {"group", "nl", "group"},     {"UTF", "nl", "\xE2\x82\xAC"},  {"BAD", "nl", "caf#"},
+        {"LIST", "nl", "eerste"},     {"NOWHERE", "nl", "NOWHERE"},   {"", "nl", ""},
+        {"BOTH:", "nl", "nederlands"}, {"BOTH:x", "nl", "BOTH:x"},    {"BOTH", "%$@#", "default"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(row.mText, Get(resource, row.mId, row.mLang)) << row.mId << row.mLang;
+
+    ZAV_UTFString unknown("NOWHERE");
+    EXPECT_EQ(&unknown, &resource.GetResource(unknown, "nl"));
+    ZAV_UTFString known("BOTH");
+    EXPECT_EQ(&resource.GetResource(known, "nl"), &resource.GetResource(known, "nl"));
+}
+
+TEST_F(I18nResource, ALongIdentifierIsCutAsItsKeyIs) {
+    std::string key(64, 'k');
+    ZAV_UValDict defs;
+    ZAV_I18nDef2Dict(&defs, (key + "tail").c_str(), "text");
+    ZAV_I18nResource resource;
+    resource.SetDefaultDefs(&defs);
+    for (const char* tail : {"", "tail", "other"}) EXPECT_EQ("text", Get(resource, (key + tail).c_str(), ""));
+}
+
+TEST_F(I18nResource, FollowsTheSeparatorInForce) {
+    ZAV_UValDict defs;
+    ZAV_I18nDef2Dict(&defs, "a/b", "one key");
+    ZAV_I18nResource resource;
+    resource.SetDefaultDefs(&defs);
+    EXPECT_EQ("one key", Get(resource, "a/b", ""));
+    ZAV_DictPath::SetSeparator('/');
+    EXPECT_EQ("a/b", Get(resource, "a/b", ""));
+    ZAV_DictPath::SetSeparator(':');
+}
+
+TEST_F(I18nResource, AFileThatFailsIsReportedOnceAndNotReadAgain) {
+    TraceCapture capture(0x1);
+    ZAV_I18nResource resource(mBase);
+    EXPECT_EQ("ID", Get(resource, "ID", "fr"));
+    EXPECT_EQ("Error reading I18n file 'i18n_resource_test.fr'", capture.Lines().back());
+    capture.Clear();
+    Write("fr", "<< /ID (texte) >>");
+    EXPECT_EQ("ID", Get(resource, "ID", "fr"));
+    EXPECT_EQ("", capture.Text());
+
+    for (const char* text : {"<< /ID (half >>", "<< /ID (a)", "5", "\x03\x10", "(a) (b)", ""}) {
+        Write("xx", text);
+        ZAV_I18nResource broken(mBase);
+        EXPECT_EQ("ID", Get(broken, "ID", "xx")) << text;
+        EXPECT_EQ("Error reading I18n file 'i18n_resource_test.xx'", capture.Lines().back()) << text;
+        capture.Clear();
+    }
+}
+
+TEST_F(I18nResource, CopiesShareWhatWasReadAndReadOnAlone) {
+    Write("nl", "<< /ID (nederlands) >>");
+    Write("de", "<< /ID (deutsch) >>");
+    ZAV_UTFString id("ID");
+    auto original = std::make_unique<ZAV_I18nResource>(mBase);
+    const ZAV_UTFString* text = &original->GetResource(id, "nl");
+    ZAV_UValDict defs;
+    ZAV_I18nDef2Dict(&defs, "DEF", "1");
+    original->SetDefaultDefs(&defs);
+
+    ZAV_I18nResource copy(*original), assigned;
+    Get(assigned, "x", "de");
+    assigned = copy;
+    assigned = *&assigned;
+    EXPECT_EQ(text, &copy.GetResource(id, "nl"));
+    ZAV_I18nDef2Dict(&defs, "DEF", "2");
+    original->SetDefaultDefs(&defs);
+    EXPECT_EQ("2", Get(copy, "DEF", ""));
+    const ZAV_UTFString* own = &original->GetResource(id, "de");
+    EXPECT_NE(own, &copy.GetResource(id, "de"));
+    original.reset();
+    EXPECT_EQ(text, &assigned.GetResource(id, "nl"));
+    EXPECT_STREQ("nederlands", text->Ptr());
+}
+
+TEST_F(I18nResource, AThousandLevelsAndManyReaders) {
+    std::string deep, close;
+    for (int i = 0; i < 1000; ++i) deep += "/d << ", close += " >>";
+    Write("nl", "<< " + deep + "/ID (diep)" + close + " /TOP (boven) >>");
+    ZAV_I18nResource resource(mBase);
+    std::string id;
+    for (int i = 0; i < 1000; ++i) id += "d:";
+    EXPECT_EQ("diep", Get(resource, (id + "ID").c_str(), "nl"));
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 100; ++i) EXPECT_EQ("boven", Get(resource, "TOP", "nl"));
+        });
+    for (std::thread& t : threads) t.join();
+}
+
+TEST_F(I18nResource, TellsPlainCodes) {
+    for (const char* code : {"en", "nl_BE", "sr@latin", "de_DE.UTF-8", "x"}) EXPECT_TRUE(ZAV_IsPlainLangCode(code)) << code;
+    for (const char* code : {"", "../x", "a/b", "a\\b", "a..b", ".en", "en.", "%$@#", "a b", "a:b", "caf\xC3\xA9"})
+        EXPECT_FALSE(ZAV_IsPlainLangCode(code)) << code;
+    EXPECT_FALSE(ZAV_IsPlainLangCode(ZAV_String("en\0x", 4)));
+    EXPECT_FALSE(ZAV_IsPlainLangCode(ZAV_String('a', 65)));
+}
+
+TEST_F(I18nResource, TheLibrarysOwnMessages) {
+    struct {
+        int mParams, mBase;
+        unsigned mCount;
+    } const rows[] = {{0, 0, 0}, {1, 0, 2}, {0, 1, 13}, {1, 1, 15}, {2, 1, 13}, {-1, 7, 0}};
+    for (const auto& row : rows) {
+        ZAV_UValDict dict;
+        ZAV_Base_GetI18nDefsEntry(&dict, static_cast<boolean_t>(row.mParams), static_cast<boolean_t>(row.mBase));
+        EXPECT_EQ(row.mCount, dict.GetSize());
+    }
+    ZAV_Base_GetI18nDefs(nullptr, B_TRUE, B_TRUE);
+    ZAV_I18nDef2Dict(nullptr, "ID", "text");
+    ZAV_UValDict dict;
+    ZAV_Base_GetI18nDefs(&dict, B_TRUE, B_TRUE);
+    EXPECT_STREQ(ERR_BASE_PARAMETER_SPEC, dict.GetKey(0));
+    EXPECT_STREQ(ERR_BASE_FILETYPE_UVALBIN, dict.GetKey(14));
+    EXPECT_STREQ("Error invalid <<filetype>> file : <<filename>>", dict.GetUVal(ERR_BASE_FILEINVALID)->GetCStringValue(0));
+}
