@@ -62,7 +62,8 @@ TEST(TypedValue, RealsAreTruncatedThenNarrowed) {
         EXPECT_EQ(row.result, v->GetLongValue(0)) << row.type << " " << row.value;
         auto real = Make(UVAL_DOUBLE);
         real->SetDoubleValue(row.value, 0);
-        if (row.type == UVAL_LONG) EXPECT_EQ(row.result, real->GetLongValue(0)) << row.value;
+        if (row.type != UVAL_LONG) continue;
+        EXPECT_EQ(row.result, real->GetLongValue(0)) << row.value;
     }
 }
 
@@ -195,7 +196,8 @@ TEST(TypedValue, NegativeAndImpossibleDimensionsMakeScalars) {
     EXPECT_EQ(0, v.GetDimension());
     EXPECT_EQ(-5, v.GetNrItemsToPrint());
     EXPECT_EQ("(Short)0", Print(v));
-    if (sizeof(void*) == 4) EXPECT_EQ(0, ZAV_UValDouble(0x7FFFFFFF).GetDimension());
+    if (sizeof(void*) > 4) return;
+    EXPECT_EQ(0, ZAV_UValDouble(0x7FFFFFFF).GetDimension());
 }
 
 TEST(TypedValue, Print) {

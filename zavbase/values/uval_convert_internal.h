@@ -22,7 +22,7 @@ inline To ZAV_ConvertNumber(From value) {
     else if constexpr (std::is_floating_point_v<From>)
         return static_cast<To>(static_cast<Narrow>(ZAV_TruncateReal(value)));
     else if constexpr (std::is_same_v<From, char>)
-        return static_cast<To>(static_cast<signed char>(value));
+        return ZAV_ConvertNumber<To>(static_cast<signed char>(value));
     else if constexpr (std::is_floating_point_v<To>)
         return static_cast<To>(
             static_cast<std::conditional_t<std::is_signed_v<From>, int32_t, uint32_t>>(value));
