@@ -14,13 +14,17 @@ namespace zav_os {
 
 namespace {
 
+constexpr uint32_t kEnded = 1;
+constexpr uint32_t kAwaited = 2;  ///< not ended, and threads may sleep on the word
+
 /// What a handle points to; owned by the handle and by the thread.
 struct Thread {
     void (*entry)(void*);
     void* argument;
     pthread_t thread;
     std::atomic<uint32_t> id{0};
-    std::atomic<uint32_t> ended{0};
+    std::atomic<uint32_t> state{0};
+    std::atomic<bool> joined{false};  ///< one of the waiters joins; the others wait for the state
     std::atomic<int> owners{2};
     jmp_buf end;
 };
@@ -41,11 +45,12 @@ void* Main(void* argument) noexcept {
     // Ending a thread from inside is a jump to here, which passes destructors and handlers by.
     if (_setjmp(self->end) == 0) self->entry(self->argument);
     AbandonWriteLocks();
-    self->ended.store(1, std::memory_order_release);
-    FutexWake(&self->ended, INT_MAX);
+    if (self->state.exchange(kEnded, std::memory_order_acq_rel) == kAwaited) FutexWake(&self->state, INT_MAX);
     Drop(self);
     return nullptr;
 }
+
+bool HasEnded(const Thread& thread) { return thread.state.load(std::memory_order_acquire) == kEnded; }
 
 /// The kernel's identifier of a thread just created. It is known before the thread has run, but the only call
 /// that tells it is the one for the thread's clock, whose number holds it, inverted, above three bits.
@@ -100,17 +105,25 @@ Wait ThreadWait(uintptr_t handle, uint32_t milliseconds) {
         errno = EINVAL;
         return Wait::Failed;
     }
+    if (milliseconds == kForever && !thread->joined.exchange(true)) {
+        pthread_join(thread->thread, nullptr);
+        return Wait::Done;
+    }
     const timespec end = milliseconds == kForever ? timespec() : Deadline(milliseconds);
-    while (thread->ended.load(std::memory_order_acquire) == 0)
-        if (!FutexWait(&thread->ended, 0, milliseconds == kForever ? nullptr : &end)) return Wait::TimedOut;
+    for (uint32_t state = 0; !HasEnded(*thread); state = 0) {
+        thread->state.compare_exchange_strong(state, kAwaited);
+        if (state == kEnded) break;
+        if (!FutexWait(&thread->state, kAwaited, milliseconds == kForever ? nullptr : &end)) return Wait::TimedOut;
+    }
     return Wait::Done;
 }
 
 void ThreadClose(uintptr_t handle) {
     Thread* thread = Of(handle);
     if (!thread) return;
-    const bool ended = thread->ended.load(std::memory_order_acquire) != 0;
-    if (!ended || pthread_join(thread->thread, nullptr) != 0) pthread_detach(thread->thread);
+    // It can be joined no more when a thread closes its own handle while it runs down.
+    if (!thread->joined && (!HasEnded(*thread) || pthread_join(thread->thread, nullptr) != 0))
+        pthread_detach(thread->thread);
     Drop(thread);
 }
 
@@ -126,14 +139,14 @@ bool IsCurrentThread(uintptr_t handle, uint32_t) { return self && self == Of(han
 uint32_t SetThreadPriority(uintptr_t handle, int priority) {
     const Thread* thread = Of(handle);
     if (!thread) return EINVAL;
-    if (thread->ended.load(std::memory_order_acquire)) return ESRCH;  // its identifier may be another's now
+    if (HasEnded(*thread)) return ESRCH;  // its identifier may be another's now
     return setpriority(PRIO_PROCESS, IdOf(*thread), -priority) == 0 ? 0 : static_cast<uint32_t>(errno);
 }
 
 uint32_t GetThreadPriority(uintptr_t handle, int& priority) {
     const Thread* thread = Of(handle);
     if (!thread) return EINVAL;
-    if (thread->ended.load(std::memory_order_acquire)) return ESRCH;
+    if (HasEnded(*thread)) return ESRCH;
     errno = 0;
     priority = -getpriority(PRIO_PROCESS, IdOf(*thread));
     return static_cast<uint32_t>(errno);
