@@ -81,7 +81,7 @@ protected:
     void Cleanup();
     long GetNextId();
     long Protected_AddTimer(unsigned long ms, ZAV_EvHandlerBody* handler, long priority);
-    ZAV_EventTimer* Protected_RemoveTimer(long id);  ///< gives it to the caller, who deletes it; null if unknown
+    void Protected_RemoveTimer(long id);
     void WakeUp();
 
     ZAV_LinkedList mTimers;  ///< its one link is the store, which holds the timers by due time
@@ -93,11 +93,12 @@ protected:
     ZAV_MutexSignaller mWakeUp;
 
 private:
+    friend class ZAV_EvDispatcher;
+
     ZAV_TimerStore& Store();
     bool FireOne();
-    void QueueTimer(ZAV_EventTimer* timer);
-    unsigned SeenChanges();
-    void SleepUnlessChanged(unsigned seenChanges);
+    unsigned long SleepTime();
+    void SleepUnlessChanged(unsigned long ms, unsigned seenChanges);
     void DestroyTimers();
 };
 

@@ -1,0 +1,197 @@
+#include "text_support.h"
+
+#include <functional>
+
+#include <gtest/gtest.h>
+
+#include <zavbase/values/bin_pack.h>
+
+#include "../support/file_support.h"
+
+namespace {
+
+typedef std::string Bytes;
+
+template <class Operation>
+bool PackerRefuses(Operation operation) {
+    try {
+        operation();
+    } catch (ZAV_BinPackException* e) {
+        std::ostringstream text;
+        text << *e;
+        EXPECT_EQ(text.str(), "Binary Packing Error");
+        e->Delete();
+        return true;
+    }
+    return false;
+}
+
+// All that the packer puts, through a buffer of `room` bytes.
+template <class Packer>
+Bytes PutAll(Packer& packer, size_t room) {
+    Bytes all;
+    std::vector<unsigned char> buffer(room);
+    for (bool more = true; more;) {
+        unsigned char* cursor = buffer.data();
+        more = packer.Put(&cursor, buffer.data() + room) != 0;
+        all.append(reinterpret_cast<char*>(buffer.data()), static_cast<size_t>(cursor - buffer.data()));
+        EXPECT_TRUE(!more || cursor == buffer.data() + room);
+    }
+    return all;
+}
+
+// Offers the bytes in pieces; returns how many were taken, and in `more` the last answer.
+template <class Packer>
+size_t GetAll(Packer& packer, const Bytes& bytes, size_t piece, int* more) {
+    const unsigned char* start = reinterpret_cast<const unsigned char*>(bytes.data());
+    const unsigned char* cursor = start;
+    for (size_t end = 0; *more && end < bytes.size();) {
+        end = (std::min)(end + piece, bytes.size());
+        *more = packer.Get(&cursor, start + end);
+    }
+    return static_cast<size_t>(cursor - start);
+}
+
+Bytes GoldenDict() { return FileText(ZAVBASE_TEST_DATA "/values.bin").substr(24); }
+
+TEST(BinPack, AtomsHaveACountUnlessItIsOne) {
+    uint16_t numbers[] = {1, 0x1234, 3};
+    ZAV_BinPackAtom one(BINPACK_16, 1, numbers + 1), none(BINPACK_NONE, 0, nullptr);
+    EXPECT_EQ(PutAll(one, 1), Bytes("\x03\x34\x12"));
+    EXPECT_EQ(PutAll(none, 2), Bytes("\x10\0\0\0\0", 5));
+    for (size_t room = 1; room < 13; ++room) {
+        ZAV_BinPackAtom three(BINPACK_16, 3, numbers);
+        const Bytes wire("\x13\0\0\0\x03\x01\0\x34\x12\x03\0", 11);
+        ASSERT_EQ(PutAll(three, room), wire) << room;
+        uint16_t read[3] = {};
+        ZAV_BinPackAtom back(BINPACK_16, 3, read);
+        int more = 1;
+        EXPECT_EQ(GetAll(back, wire + "more", room, &more), wire.size());
+        EXPECT_EQ(more, 0);
+        EXPECT_EQ(0, memcmp(read, numbers, sizeof read));
+    }
+    EXPECT_TRUE(PackerRefuses([] { ZAV_BinPackAtom(8, 1, nullptr); }));
+    EXPECT_TRUE(PackerRefuses([] { ZAV_BinPackAtom(BINPACK_64, 0xFFFFFFFFul + (sizeof(long) > 4), nullptr); }));
+    uint16_t untouched = 7;
+    ZAV_BinPackAtom expecting(BINPACK_16, 1, &untouched);
+    int more = 1;
+    EXPECT_TRUE(PackerRefuses([&] { GetAll(expecting, Bytes("\x04\1\1\1\1", 5), 5, &more); }));
+    EXPECT_EQ(untouched, 7);
+}
+
+TEST(BinPack, ADictionaryIsTheSameHoweverItIsCut) {
+    const Bytes golden = GoldenDict();
+    for (size_t piece : {1, 2, 3, 5, 7, 13, 64, 127, 128, 129, 512, 100000}) {
+        ZAV_UValDict dict(16);
+        ZAV_BinPackUValDict reader(dict);
+        int more = 1;
+        ASSERT_EQ(GetAll(reader, golden + "rest", piece, &more), golden.size()) << piece;
+        ASSERT_EQ(more, 0) << piece;
+        ZAV_BinPackUValDict writer(dict);
+        ASSERT_EQ(PutAll(writer, piece), golden) << piece;
+    }
+}
+
+TEST(BinPack, ReadsEveryTypeAsItWas) {
+    ZAV_UValDict dict(16);
+    ZAV_BinPackUValDict reader(dict);
+    int more = 1;
+    GetAll(reader, GoldenDict(), 100000, &more);
+    EXPECT_EQ(dict.GetSize(), 18u);
+    const struct { const char *mKey, *mPrinted; } rows[] = {
+        {"char", "(Char)-56"}, {"uchars", "(UChar#2) {0,255,}"}, {"short", "(Short)-2"}, {"ushorts", "(UShort#1) {65535,}"},
+        {"long", "(Long)-2147483648"}, {"ulong", "(ULong)4294967295"}, {"float", "(Float)0.1"},
+        {"doubles", "(Double#3) {0.1,-1e+300,0,}"}, {"strings", "(String#2) {,x,}"}, {"utf", "(UTFString)[e9]"},
+        {"ptr", "(Ptr)0"}, {"", "(Long)1"}, {"a:b", "(Long)2"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(Printed(*dict.AssocAt(row.mKey)->Value()), row.mPrinted) << row.mKey;
+    EXPECT_EQ(static_cast<ZAV_UValString*>(dict.GetUVal("string"))->GetValue(0), ZAV_String("a\0\xe9", 3u));
+    EXPECT_EQ(dict.GetUVal("ptrs")->GetDimension(), 2);
+    EXPECT_EQ(dict.AssocAt("none")->Value(), nullptr);
+    EXPECT_EQ(dict.AssocAt(std::string(64, 'k').c_str())->Value()->GetLongValue(0), 3);
+    EXPECT_EQ(dict.GetUVal("sub:longs")->GetLongValue(199), 199);
+}
+
+TEST(BinPack, RefusesWhatDoesNotFitBeforeItWrites) {
+    ZAV_UValDict large(16), text(16), pointers(16);
+    std::string key;
+    for (int i = 0; i < 65535; ++i) large.SetEntry(std::to_string(i).c_str(), nullptr);
+    text.DefineUVal("in:s", UVAL_STRING, 2)->SetStrValue(ZAV_String('x' + ZAV_String("y")), 0);
+    text.GetUVal("in:s")->SetStrValue(ZAV_String('x', 65534u), 1);
+    pointers.DefineUVal("p", UVAL_PTR, static_cast<long>(ZAV_BINPACK_MAX_POINTERS));
+    ZAV_BinPackUValDict fits1(large), fits2(text), fits3(pointers);
+    EXPECT_EQ(PutAll(fits1, 1000).substr(0, 3), "\x03\xff\xff");
+    PutAll(fits2, 1000);
+    PutAll(fits3, 1000);
+    large.SetEntry("more", nullptr);
+    text.GetUVal("in:s")->SetStrValue(ZAV_String('x', 65535u), 1);
+    pointers.DefineUVal("q", UVAL_PTR, 1);
+    for (ZAV_UValDict* dict : {&large, &text, &pointers}) {
+        unsigned char buffer[512], *cursor = buffer;
+        ZAV_BinPackUValDict packer(*dict);
+        EXPECT_TRUE(PackerRefuses([&] { packer.Put(&cursor, buffer + sizeof buffer); }));
+        EXPECT_EQ(cursor, buffer);
+    }
+}
+
+// What no Put writes, and claims that would take much memory if they were believed.
+TEST(BinPack, RefusesWrongBytes) {
+    const Bytes entry("\3\1\0" "\3\2\0\x12\0\0\0\2k\0", 13);
+    const Bytes values[] = {
+        Bytes("\3\x0d\0", 3),                                    // no such type
+        Bytes("\3\x10\1", 3),
+        Bytes("\4\6\0\0\0", 5),                                  // another kind
+        Bytes("\x13\0\0\0\1\6\0", 7),                            // a count of one written out
+        Bytes("\3\6\0\4\xff\xff\xff\xff", 8),                    // a negative dimension
+        Bytes("\3\6\0\4\2\0\0\0\x14\0\0\0\3", 13),               // another count than the dimension
+        Bytes("\3\6\0\4\1\0\0\0\x14\0\0\0\1\1\0\0\0", 17),
+        Bytes("\3\x0c\0\4\1\0\x10\0", 8),                        // too many pointers
+        Bytes("\3\x0a\0\4\0\0\0\0\3\0\0", 11),                   // a text without room for its NUL
+        Bytes("\3\x0a\0\4\0\0\0\0\3\2\0\x12\0\0\0\2xx", 18),     // a text without NUL
+    };
+    for (const Bytes& value : values) {
+        for (size_t piece : {1, 1000}) {
+            ZAV_UValDict dict(16);
+            ZAV_BinPackUValDict reader(dict);
+            int more = 1;
+            EXPECT_TRUE(PackerRefuses([&] { GetAll(reader, entry + value, piece, &more); })) << testing::PrintToString(value);
+        }
+    }
+    const Bytes keys[] = {Bytes("\3\1\0\3\0\0", 6), Bytes("\3\1\0\3\x42\0", 6), Bytes("\3\1\0\3\3\0\x12\0\0\0\3a\0\0", 14),
+                          Bytes("\3\1\0\3\2\0\x12\0\0\0\2ab", 13),
+                          Bytes("\3\2\0" "\3\2\0\x12\0\0\0\2k\0\3\0\0" "\3\2\0\x12\0\0\0\2k\0\3\0\0", 29)};
+    for (const Bytes& key : keys) {
+        ZAV_UValDict dict(16);
+        ZAV_BinPackUValDict reader(dict);
+        int more = 1;
+        EXPECT_TRUE(PackerRefuses([&] { GetAll(reader, key, 1000, &more); })) << testing::PrintToString(key);
+    }
+    // Two thousand million elements, of which none has come: more input is wanted, no memory taken.
+    for (const char* type : {"\3\x09\0\4\xff\xff\xff\x7f\x17\x7f\xff\xff\xff", "\3\x0a\0\4\xff\xff\xff\x7f\3\1\0\2\0"}) {
+        ZAV_UValDict dict(16);
+        ZAV_BinPackUValDict reader(dict);
+        int more = 1;
+        GetAll(reader, entry + Bytes(type, 13), 1000, &more);
+        EXPECT_NE(more, 0);
+        EXPECT_EQ(dict.GetSize(), 0u);
+    }
+}
+
+TEST(BinPack, PacksAMillionLevelsAndReadsToTheLimit) {
+    ZAV_UValDict deep(16), read(16);
+    std::string path;
+    for (int i = 0; i < 1000000; ++i) path += "a:";
+    deep.SetUVal((path + "a").c_str(), new ZAV_UValLong);
+    ZAV_BinPackUValDict writer(deep), reader(read), limited(read);
+    Bytes bytes = PutAll(writer, 65536);
+    int more = 1;
+    EXPECT_TRUE(PackerRefuses([&] { GetAll(limited, bytes, 65536, &more); }));
+    read.Clear();
+    ZAV_SetUValNestingLimit(0);
+    ZAV_BinPackUValDict unlimited(read);
+    EXPECT_EQ(GetAll(unlimited, bytes, 65536, &more), bytes.size());
+    ZAV_SetUValNestingLimit(10000);
+    EXPECT_EQ(more, 0);
+}
+
+} // namespace

@@ -1,0 +1,48 @@
+#ifndef ZAVBASE_TESTS_VALUES_TEXT_SUPPORT_H
+#define ZAVBASE_TESTS_VALUES_TEXT_SUPPORT_H
+
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include <zavbase/foundation/exception.h>
+#include <zavbase/values/uval_text.h>
+#include <zavbase/values/uval_types.h>
+#include <zavbase/values/value_dict.h>
+
+typedef std::unique_ptr<ZAV_UVal> UValOwner;
+
+/// Runs `operation` and returns the code of the file exception that it throws, 0 when it throws none.
+template <class Operation>
+int FileCodeOf(Operation operation) {
+    try {
+        operation();
+    } catch (ZAV_FileException* e) {
+        int code = e->mCode;
+        e->Delete();
+        return code;
+    }
+    return 0;
+}
+
+/// The value in `text`; null when the reader throws, which must then be code 2.
+inline UValOwner ReadValue(const std::string& text) {
+    std::istringstream is(text);
+    ZAV_UVal* value = nullptr;
+    if (FileCodeOf([&] { ZAV_ReadUValTxt(is, value); }) != 0) return nullptr;
+    return UValOwner(value);
+}
+
+inline std::string Written(ZAV_UVal& value) {
+    std::ostringstream os;
+    ZAV_WriteUValTxt(os, &value, 0);
+    return os.str();
+}
+
+inline std::string Printed(ZAV_UVal& value) {
+    std::ostringstream os;
+    value.PrintOn(os);
+    return os.str();
+}
+
+#endif
