@@ -1,0 +1,163 @@
+// The protocol of collectable objects: keys, numbers, texts and streams.
+#include <zavbase/collections/assoc.h>
+#include <zavbase/collections/clt_string.h>
+#include <zavbase/collections/nil.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "tests/support/probe.h"
+
+namespace {
+
+template <class T>
+std::string Printed(T&& o) {
+    std::ostringstream os;
+    os << o;
+    return os.str();
+}
+
+struct Plain : ZAV_CltObject {};
+
+} // namespace
+
+TEST(CltObject, IsNotEvenEqualToItself) {
+    Plain o;
+    EXPECT_FALSE(o.IsEqual(&o));
+    EXPECT_TRUE(o.IsSame(&o));
+    EXPECT_EQ(0, o.Compare(&o));
+    EXPECT_TRUE(o.IsSpecies(&ZAV_CltObject::classZAV_CltObject));
+}
+
+TEST(Nil, IsOneObjectEqualToItselfOnly) {
+    Plain o;
+    EXPECT_EQ(GetNilObj(), GetNilObj());
+    EXPECT_TRUE(GetNilObj()->IsEqual(GetNilObj()));
+    EXPECT_FALSE(GetNilObj()->IsEqual(&o));
+    EXPECT_EQ(0u, GetNilObj()->Hash());
+    EXPECT_EQ("NIL", Printed(GetNilObj()));
+}
+
+// By hand: the length, XOR little-endian words of 4, the rest as a shorter word.
+TEST(CltString, Hash) {
+    const struct {
+        const char* text;
+        unsigned int hash;
+    } rows[] = {
+        {"", 0},
+        {"c", 1 ^ 0x63u},
+        {"\xff", 1 ^ 0xFFu},
+        {"AB", 2 ^ 0x4241u},
+        {"ABC", 3 ^ 0x434241u},
+        {"ABCD", 4 ^ 0x44434241u},
+        {"ABCDE", 5 ^ 0x44434241u ^ 0x45u},
+        {"ABCDEFGHIJ", 10 ^ 0x44434241u ^ 0x48474645u ^ 0x4A49u},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.hash, ZAV_CltString(row.text).Hash()) << row.text;
+        if (row.text[0] >= 0) {
+            EXPECT_EQ(row.hash, ZAV_CltUTFString(row.text).Hash()) << row.text;
+        }
+    }
+}
+
+TEST(CltString, EqualityIsOfBytesAndOrderOfText) {
+    ZAV_CltString a(ZAV_String("x\0a", 3)), b(ZAV_String("x\0b", 3)), x("x"), y("y");
+    EXPECT_FALSE(a.IsEqual(&b));
+    EXPECT_EQ(0, a.Compare(static_cast<ZAV_CltObject*>(&b)));
+    EXPECT_FALSE(a.IsEqual(&x));
+    EXPECT_LT(x.Compare(static_cast<ZAV_CltObject*>(&y)), 0);
+    EXPECT_TRUE(ZAV_CltString("").IsEqual(std::make_unique<ZAV_CltString>(ZAV_String()).get()));
+    // The nil object stands beside texts in arrays with empty slots.
+    EXPECT_FALSE(x.IsEqual(GetNilObj()));
+    EXPECT_EQ(0, x.Compare(GetNilObj()));
+    EXPECT_EQ(0, ZAV_Integer(-7).Compare(GetNilObj()));
+}
+
+TEST(CltString, BothBasesSeeTheSameObject) {
+    ZAV_CltString s("abc");
+    s = "defg";
+    s += "h";
+    ZAV_CltObject* o = &s;
+    ZAV_String* text = &s;
+    EXPECT_EQ(5u, o->Size());
+    EXPECT_EQ(5u, s.Size());
+    EXPECT_EQ("defgh", Printed(o));
+    EXPECT_EQ("defgh", Printed(*text));
+    EXPECT_EQ("defgh", Printed(s));
+    EXPECT_EQ("defgh", Printed(static_cast<const ZAV_CltString&>(s)));
+    EXPECT_TRUE(s == "defgh");
+    std::unique_ptr<ZAV_CltObject> copy(s.ShallowCopy());
+    s = "changed";
+    EXPECT_STREQ("defgh", ZAV_CltString::Castdown(copy.get())->Ptr());
+    EXPECT_TRUE(copy->IsMemberOf(&ZAV_CltString::classZAV_CltString));
+
+    ZAV_CltUTFString utf("a\xE2\x82\xAC");
+    EXPECT_EQ(4u, static_cast<ZAV_CltObject&>(utf).Size());
+    EXPECT_EQ(2u, utf.Length());
+    EXPECT_EQ("a[20ac]", Printed(utf));
+}
+
+TEST(LookupKey, PassesTheQuestionToTheOther) {
+    ZAV_CltString one("one"), same("one"), two("two");
+    ZAV_Assoc a(&one, nullptr), b(&same, nullptr);
+    ZAV_LookupKey c(&two);
+    EXPECT_TRUE(a.IsEqual(&b));
+    EXPECT_TRUE(a.IsEqual(&same));
+    EXPECT_FALSE(a.IsEqual(&c));
+    EXPECT_EQ(one.Hash(), a.Hash());
+    // Two holders: the sense of the first. A bare key: its own sense.
+    EXPECT_LT(a.Compare(&c), 0);
+    EXPECT_GT(c.Compare(&a), 0);
+    EXPECT_GT(a.Compare(&two), 0);
+    EXPECT_EQ(&two, c.Key(&one));
+    EXPECT_TRUE(c.IsEqual(&a));
+}
+
+TEST(LookupKey, ValuesOfTheFamily) {
+    ZAV_CltString key("key"), first("first"), second("second");
+    ZAV_Assoc a(&key, &first);
+    EXPECT_EQ(&first, a.Value(&second));
+    EXPECT_EQ("key=>second", Printed(a));
+
+    ZAV_LookupKey bare(&key);
+    EXPECT_EQ(nullptr, bare.Value(&first));
+    EXPECT_EQ(nullptr, bare.Value());
+    EXPECT_EQ("key=>", Printed(bare));
+
+    ZAV_AssocInt n(&key, 5);
+    ZAV_Integer seven(7), five(5);
+    EXPECT_TRUE(five.IsEqual(n.Value()));
+    EXPECT_EQ(n.Value(), n.Value(&seven));
+    EXPECT_NE(&seven, n.Value());
+    EXPECT_EQ("key=>7", Printed(n));
+    EXPECT_EQ(n.Value(), n.Value(nullptr));
+    std::unique_ptr<ZAV_CltObject> copy(n.ShallowCopy());
+    n.Value(&five);
+    EXPECT_EQ("key=>7", Printed(copy.get()));
+
+    std::istringstream in;
+    ZAV_AssocIs is(&key, nullptr);
+    ZAV_IStream holder(&in);
+    is.Value(&holder);
+    EXPECT_EQ(&in, ZAV_IStream::Castdown(is.Value())->Stream());
+    std::ostringstream hex, out;
+    hex << "key=>" << std::hex << reinterpret_cast<uintptr_t>(&out) << std::dec << 10;
+    out << ZAV_AssocOs(&key, &out) << 10;
+    EXPECT_EQ(hex.str(), out.str());
+}
+
+TEST(Integer, Wraps) {
+    ZAV_Integer low(-2147483647L - 1), high(2147483647L), seven(7);
+    EXPECT_EQ(-2, ZAV_Integer(5).Compare(&seven));
+    EXPECT_EQ(1, low.Compare(&high));
+    EXPECT_EQ(-1, high.Compare(&low));
+    EXPECT_EQ(0x80000000u, low.Hash());
+    EXPECT_EQ(-2147483647L - 1, seven.Value(-2147483647L - 1));
+    ZAV_CltString text("5");
+    EXPECT_FALSE(ZAV_Integer(5).IsEqual(&text));
+    std::ostringstream os;
+    os << std::hex << high;
+    EXPECT_EQ("2147483647", os.str());
+}

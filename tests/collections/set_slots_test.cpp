@@ -1,0 +1,296 @@
+// The slots of a hashed table, step by step against a literal model: probing down from the slot of the hash,
+// and backward shifting on removal. What the library does to be faster must not show.
+#include <zavbase/collections/assoc.h>
+#include <zavbase/collections/clt_string.h>
+#include <zavbase/collections/dictionary.h>
+#include <zavbase/collections/iterator.h>
+#include <zavbase/collections/nil.h>
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <random>
+
+#include "tests/support/probe.h"
+
+namespace {
+
+/// The table as it is defined, without any help.
+class TableModel {
+public:
+    explicit TableModel(uint32_t capacity) { Resize(capacity); }
+
+    ZAV_CltObject* Add(ZAV_CltObject* o) {
+        const uint32_t i = Find(o);
+        if (mSlots[i]) return mSlots[i];
+        mSlots[i] = o;
+        if (++mCount > mSlots.size() / 2) Rehash(mSlots.size() < 4 ? 2 : static_cast<uint32_t>(mSlots.size()));
+        return o;
+    }
+
+    ZAV_CltObject* Remove(ZAV_CltObject* o) {
+        uint32_t i = Find(o), hole = i;
+        ZAV_CltObject* removed = mSlots[i];
+        mSlots[hole] = nullptr;
+        for (;;) {
+            i = (i - 1) & Mask();
+            if (!mSlots[i]) break;
+            const uint32_t r = Home(mSlots[i]->Hash());
+            if ((i <= r && r < hole) || (r < hole && hole < i) || (hole < i && i <= r)) continue;
+            mSlots[hole] = mSlots[i];
+            mSlots[hole = i] = nullptr;
+        }
+        --mCount;
+        return removed;
+    }
+
+    void ReSize(uint32_t n) {
+        if (n > mCount) Rehash(n);
+    }
+
+    ZAV_CltObject* Get(ZAV_CltObject* o) const { return mSlots[Find(o)]; }
+    const std::vector<ZAV_CltObject*>& Slots() const { return mSlots; }
+    uint32_t Count() const { return mCount; }
+
+private:
+    uint32_t Mask() const { return static_cast<uint32_t>(mSlots.size()) - 1; }
+
+    uint32_t Home(uint32_t hash) const {
+        return mNbits == 0 ? 0 : static_cast<uint32_t>(uint64_t{hash} * 0x9E3779B9u % (uint64_t{1} << 32) >> (32 - mNbits));
+    }
+
+    uint32_t Find(ZAV_CltObject* o) const {
+        uint32_t i = Home(o->Hash());
+        while (mSlots[i] && !mSlots[i]->IsEqual(o)) i = (i - 1) & Mask();
+        return i;
+    }
+
+    void Resize(uint32_t capacity) {
+        uint32_t bits = 0;
+        while (capacity >> bits) ++bits;
+        mNbits = bits + (capacity & (capacity - 1) ? 1 : 0);
+        mSlots.assign(size_t{1} << mNbits, nullptr);
+        mCount = 0;
+    }
+
+    void Rehash(uint32_t capacity) {
+        std::vector<ZAV_CltObject*> old = mSlots;
+        Resize(capacity);
+        for (ZAV_CltObject* o : old)
+            if (o) Add(o);
+    }
+
+    std::vector<ZAV_CltObject*> mSlots;
+    uint32_t mNbits = 0;
+    uint32_t mCount = 0;
+};
+
+void ExpectSameSlots(const ZAV_Set& set, const TableModel& model) {
+    ASSERT_EQ(model.Slots().size(), set.Capacity() * 2u + (model.Slots().size() == 1));
+    ZAV_Iterator it(&set);
+    for (size_t i = 0; i < model.Slots().size(); ++i) {
+        ZAV_CltObject* o = model.Slots()[i];
+        ASSERT_EQ(o ? o : GetNilObj(), set.At(static_cast<int>(i))) << "slot " << i;
+        if (o) {
+            ASSERT_EQ(o, ++it);
+        }
+    }
+    ASSERT_EQ(nullptr, ++it);
+    ASSERT_EQ(model.Count(), set.Size());
+}
+
+typedef std::deque<std::unique_ptr<ZAV_CltObject>> Objects;
+
+/// Makes the i-th key of a kind. Every kind is used with twice as many keys as its tables hold, each in two
+/// equal objects.
+struct Kind {
+    const char* name;
+    int keys;
+    std::function<ZAV_CltObject*(int i, Objects& parts)> make;
+};
+
+ZAV_CltObject* Keep(Objects& parts, ZAV_CltObject* o) {
+    parts.emplace_back(o);
+    return o;
+}
+
+// Groups of 4 in any order have one hash. `i` picks the groups.
+std::string SameHash(int i) {
+    std::string a = "aaaa", b = "bbbb";
+    for (int k = 0; k < 4; ++k) {
+        a[k] = static_cast<char>('a' + (i >> (4 * k) & 15));
+        b[k] = static_cast<char>(a[k] ^ 0x10);
+    }
+    return a + b;
+}
+
+const Kind kinds[] = {
+    {"host objects", 1500, [](int i, Objects&) { return new Probe(i, static_cast<unsigned>(i % 97)); }},
+    {"decimal texts", 6000, [](int i, Objects&) { return new ZAV_CltString(std::to_string(i * 7919).c_str()); }},
+    {"texts of one hash", 9000, [](int i, Objects&) { return new ZAV_CltString(SameHash(i).c_str()); }},
+    {"utf texts", 1500,
+     [](int i, Objects&) { return new ZAV_CltUTFString(("\xC3\xA4" + std::to_string(i)).c_str()); }},
+    {"numbers", 3000, [](int i, Objects&) { return new ZAV_Integer(i % 2 ? i : i * 65536L); }},
+    {"associations", 6000,
+     [](int i, Objects& parts) {
+         return new ZAV_Assoc(Keep(parts, new ZAV_CltString(std::to_string(i).c_str())), nullptr);
+     }},
+    // A bare number does not call itself equal to an association with that number; the other way it does.
+    {"numbers, bare and held", 2000,
+     [](int i, Objects& parts) -> ZAV_CltObject* {
+         if (i % 3) return new ZAV_Integer(i / 3);
+         return new ZAV_Assoc(Keep(parts, new ZAV_Integer(i / 3)), nullptr);
+     }},
+    {"numbers with a late host object", 1500,
+     [](int i, Objects&) -> ZAV_CltObject* {
+         if (i != 1234) return new ZAV_Integer(i);
+         return new Probe(i, 77u);
+     }},
+};
+
+class SetSlots : public testing::TestWithParam<Kind> {};
+
+} // namespace
+
+TEST_P(SetSlots, FollowTheModel) {
+    const Kind& kind = GetParam();
+    Objects parts, keys;
+    for (int copy = 0; copy < 2; ++copy)
+        for (int i = 0; i < kind.keys; ++i) keys.emplace_back(kind.make(i, parts));
+    std::mt19937 random(4711);
+    auto any = [&] { return keys[random() % keys.size()].get(); };
+
+    std::unique_ptr<ZAV_Set> set(new ZAV_Set(2));
+    TableModel model(2);
+    const int steps = kind.keys * 2;
+    for (int step = 0; step < steps; ++step) {
+        ZAV_CltObject* o = any();
+        // A growing phase, a balanced one, and one that empties the table.
+        const unsigned adds = step < steps / 2 ? 8 : step < steps * 3 / 4 ? 5 : 2;
+        if (random() % 10 < adds) {
+            ASSERT_EQ(model.Add(o), set->Add(o));
+        } else if (model.Get(o)) {
+            ASSERT_EQ(model.Remove(o), set->Remove(o));
+        }
+        ZAV_CltObject* sought = any();
+        ZAV_CltObject* found = model.Get(sought);
+        ASSERT_EQ(found ? found : GetNilObj(), set->FindObjectWithKey(sought));
+        ASSERT_EQ(found ? 1u : 0u, set->OccurrencesOf(sought));
+        if (step % (steps / 8) == 3) {
+            const uint32_t n = static_cast<uint32_t>(random()) % (model.Count() * 3 + 1);
+            model.ReSize(n);
+            set->ReSize(n);
+        }
+        if (step % (steps / 8) == 5) set.reset(new ZAV_Set(*set));
+        if (step % (steps / 8) == 7) {
+            ZAV_Set other(7);
+            other.Add(o);
+            other = *set;
+            other.ReSize(model.Count() + 1);
+            model.ReSize(model.Count() + 1);
+            *set = other;
+        }
+        if (step % (steps / 32) == 0) {
+            ASSERT_NO_FATAL_FAILURE(ExpectSameSlots(*set, model)) << "step " << step;
+        }
+    }
+    ASSERT_NO_FATAL_FAILURE(ExpectSameSlots(*set, model));
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, SetSlots, testing::ValuesIn(kinds), [](const auto& info) {
+    std::string name = info.param.name;
+    for (char& c : name)
+        if (!isalpha(static_cast<unsigned char>(c))) c = '_';
+    return name;
+});
+
+TEST(SetSlots, SmallestTablesGrow) {
+    for (unsigned capacity = 0; capacity < 6; ++capacity) {
+        SCOPED_TRACE(capacity);
+        Objects keys;
+        ZAV_Set set(capacity);
+        TableModel model(capacity);
+        for (int i = 0; i < 20; ++i) {
+            keys.emplace_back(new Probe(i));
+            Probe absent(-1 - i);
+            EXPECT_EQ(model.Add(keys.back().get()), set.Add(keys.back().get()));
+            EXPECT_EQ(GetNilObj(), set.FindObjectWithKey(&absent));
+            ASSERT_NO_FATAL_FAILURE(ExpectSameSlots(set, model));
+        }
+    }
+}
+
+TEST(SetSlots, SizesOfTables) {
+    const unsigned rows[][2] = {{0, 0}, {1, 1}, {2, 2}, {3, 4}, {5, 8}, {15, 16}, {16, 16}, {17, 32}, {1024, 1024}};
+    for (const auto& row : rows) EXPECT_EQ(row[1], ZAV_Set(row[0]).Capacity()) << row[0];
+}
+
+namespace {
+
+/// A host's set that finds its elements by walking up from the first slot.
+class FirstFit : public ZAV_Set {
+public:
+    FirstFit() : ZAV_Set(16) {}
+
+protected:
+    int FindIndexOf(const ZAV_CltObject* o) const override {
+        int i = 0;
+        while (At(i) != GetNilObj() && !At(i)->IsEqual(o)) ++i;
+        return i;
+    }
+};
+
+} // namespace
+
+TEST(SetSlots, AHostsOwnRuleIsObeyed) {
+    Objects keys;
+    FirstFit set;
+    for (int i = 0; i < 1000; ++i) {
+        keys.emplace_back(new ZAV_CltString(std::to_string(i).c_str()));
+        ASSERT_EQ(keys.back().get(), set.Add(keys.back().get()));
+    }
+    for (int i = 0; i < 1000; ++i) {
+        ZAV_CltString again(std::to_string(i).c_str());
+        ASSERT_EQ(keys[static_cast<size_t>(i)].get(), set.FindObjectWithKey(&again));
+        ASSERT_EQ(keys[static_cast<size_t>(i)].get(), set.Add(&again));
+    }
+    EXPECT_EQ(1000u, set.Size());
+}
+
+TEST(SetSlots, ASlotStoredToByHandCounts) {
+    Objects keys;
+    ZAV_Set set(16);
+    for (int i = 0; i < 700; ++i) set.Add(Keep(keys, new ZAV_CltString(std::to_string(i).c_str())));
+    ZAV_CltString twin("123"), gone("456");
+    for (int i = 0; i < static_cast<int>(set.Capacity() * 2); ++i) {
+        ZAV_CltObject*& slot = set.At(i);
+        if (slot != GetNilObj() && slot->IsEqual(&twin)) slot = &twin;
+    }
+    EXPECT_EQ(&twin, set.FindObjectWithKey(&twin));
+    EXPECT_EQ(keys[456].get(), set.Remove(&gone));
+    EXPECT_EQ(&twin, set.Remove(keys[123].get()));
+    EXPECT_FALSE(set.Includes(&twin));
+    EXPECT_EQ(698u, set.Size());
+}
+
+TEST(SetSlots, RemovingWhatIsNotThereDropsTheCount) {
+    for (int n : {3, 800}) {
+        Objects keys;
+        ZAV_Set set(16);
+        for (int i = 0; i < n; ++i) set.Add(Keep(keys, new ZAV_Integer(i)));
+        ZAV_Integer absent(-1);
+        EXPECT_EQ(GetNilObj(), set.Remove(&absent));
+        set.RemoveAndDestroy(&absent);
+        EXPECT_EQ(static_cast<unsigned>(n) - 2, set.Size());
+        ZAV_Iterator it(&set);
+        int walked = 0;
+        while (++it) ++walked;
+        EXPECT_EQ(n, walked);
+    }
+    ZAV_Set empty(16);
+    Probe absent(1);
+    empty.Remove(&absent);
+    EXPECT_EQ(4294967295u, empty.Size());
+}
