@@ -24,7 +24,19 @@ union Table {
     ZAV_Tracer slots[kSlots];
 };
 constinit Table theTable;
-constinit std::mutex theTableLock;
+
+// A mutex is not built by the compiler everywhere; a flag is.
+constinit std::atomic_flag theTableInUse;
+class TableLock {
+public:
+    TableLock() {
+        while (theTableInUse.test_and_set(std::memory_order_acquire)) theTableInUse.wait(true);
+    }
+    ~TableLock() {
+        theTableInUse.clear(std::memory_order_release);
+        theTableInUse.notify_one();
+    }
+};
 
 // Lines are written under this lock. It is taken again by a thread whose sink writes trace lines itself.
 std::recursive_mutex& LineLock() {
@@ -51,7 +63,7 @@ ZAV_Tracer::~ZAV_Tracer() {
 }
 
 ZAV_Tracer* ZAV_Tracer::FindOrCreate(const char* name) {
-    std::lock_guard<std::mutex> lock(theTableLock);
+    TableLock lock;
     ZAV_Tracer* free = nullptr;
     for (ZAV_Tracer& slot : theTable.slots) {
         if (slot.mName[0]) {

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <ostream>
+#include <string_view>
 #include <vector>
 
 ZAV_DEFINE_CLASS(ZAV_I18nMsg, ZAV_Object)
@@ -84,21 +86,39 @@ void ZAV_I18nMsg::PrintOn(std::ostream& os) {
 /// What all messages of one formatting have in common, and the walks over a message's arguments.
 struct ZAV_I18nMsgFormatter {
     ZAV_I18nMsgFormatter(const char* lang, ZAV_I18nResource* resources, ZAV_I18nResource* baseResources)
-        : mLang(lang), mResources(resources), mBaseResources(baseResources) {}
+        : mLang(lang), mLangLength(lang ? static_cast<unsigned>(std::strlen(lang)) : 0), mResources(resources),
+          mBaseResources(baseResources) {}
 
-    static const ZAV_I18nMsgArg* FirstArg(const ZAV_I18nMsg& msg) {
-        return msg.mArgs ? AsArg(static_cast<ZAV_Link*>(msg.mArgs->First())) : nullptr;
-    }
-    static const ZAV_I18nMsgArg* NextArg(const ZAV_I18nMsgArg* arg) { return AsArg(arg->NextLink()); }
+    /// A message's arguments, for a range-based loop.
+    class Args {
+    public:
+        class Position {
+        public:
+            explicit Position(const ZAV_Link* link) : mLink(link) {}
+            const ZAV_I18nMsgArg& operator*() const { return static_cast<const ZAV_I18nMsgArg&>(*mLink); }
+            void operator++() { mLink = mLink->NextLink(); }
+            bool operator!=(const Position& other) const { return mLink != other.mLink; }
+
+        private:
+            const ZAV_Link* mLink;
+        };
+        explicit Args(const ZAV_I18nMsg& msg) : mList(msg.mArgs), mEnd(ZAV_Link::GetNilLink()) {}
+        Position begin() const { return Position(mList ? static_cast<ZAV_Link*>(mList->First()) : mEnd); }
+        Position end() const { return Position(mEnd); }
+
+    private:
+        const ZAV_I18nMsgArgList* mList;
+        const ZAV_Link* mEnd;
+    };
 
     ZAV_UTFString Format(const ZAV_I18nMsg& msg) const;
     ZAV_UTFString FormatOnce(const ZAV_I18nMsg& msg) const;
 
     /// Calls visit(message) for each sub-error below `msg`, depth first.
     template <class Visit> static void VisitSubErrors(const ZAV_I18nMsg& msg, const Visit& visit) {
-        for (const ZAV_I18nMsgArg* arg = FirstArg(msg); arg; arg = NextArg(arg)) {
-            if (arg->GetType() == ZAV_I18N_SUBERROR) visit(arg->GetMsg());
-            VisitSubErrors(arg->GetMsg(), visit);
+        for (const ZAV_I18nMsgArg& arg : Args(msg)) {
+            if (arg.GetType() == ZAV_I18N_SUBERROR) visit(arg.GetMsg());
+            VisitSubErrors(arg.GetMsg(), visit);
         }
     }
 
@@ -109,59 +129,94 @@ private:
         unsigned End() const { return mStart + mArg->GetTag().Size(); }
     };
 
-    static const ZAV_I18nMsgArg* AsArg(ZAV_Link* link) {
-        return link->IsListEnd() ? nullptr : static_cast<const ZAV_I18nMsgArg*>(link);
-    }
     static bool IsMessage(const ZAV_I18nMsgArg& arg) {
         return arg.GetType() == ZAV_I18N_TAG || arg.GetType() == ZAV_I18N_SUBERROR;
     }
     static void Claim(std::vector<Place>& places, const char* text, const ZAV_I18nMsgArg& arg);
-    const ZAV_UTFString& Lookup(const ZAV_UTFString& id, ZAV_UTFString& key) const;
+    const ZAV_UTFString& Lookup(const ZAV_UTFString& id, std::optional<ZAV_UTFString>& key) const;
 
-    ZAV_String mLang;
+    const char* mLang;
+    unsigned mLangLength;
     ZAV_I18nResource* mResources;
     ZAV_I18nResource* mBaseResources;
 };
 
 // `key` is where a text lives that is in no resource.
-const ZAV_UTFString& ZAV_I18nMsgFormatter::Lookup(const ZAV_UTFString& id, ZAV_UTFString& key) const {
-    if (std::strncmp(id.Ptr(), "+++", 3) == 0) {
-        key = ZAV_UTFString(id.Ptr() + 3);
-        return mBaseResources ? mBaseResources->GetResource(key, mLang) : key;
+const ZAV_UTFString& ZAV_I18nMsgFormatter::Lookup(const ZAV_UTFString& id,
+                                                  std::optional<ZAV_UTFString>& key) const {
+    if (std::string_view(id.Ptr(), id.Size()).starts_with("+++")) {
+        key.emplace(id.Ptr() + 3);
+        return mBaseResources ? mBaseResources->Lookup(*key, mLang, mLangLength) : *key;
     }
-    return mResources ? mResources->GetResource(id, mLang) : id;
+    return mResources ? mResources->Lookup(id, mLang, mLangLength) : id;
 }
 
 namespace {
 
-unsigned RoomFor(const ZAV_UTFString& text, const ZAV_I18nMsg& msg) {
-    unsigned room = text.Size();
-    for (const ZAV_I18nMsgArg* arg = ZAV_I18nMsgFormatter::FirstArg(msg); arg;
-         arg = ZAV_I18nMsgFormatter::NextArg(arg))
-        room += arg->ValueSize();
-    return room;
-}
+// A text under change. Most messages fit into the room on the stack, and only the result takes memory.
+class WorkText {
+public:
+    explicit WorkText(const ZAV_UTFString& text)
+        : mData(mOnStack), mLength(0), mTextLength(0), mRoom(sizeof mOnStack) {
+        Splice(0, 0, text);
+    }
+    ~WorkText() {
+        if (mData != mOnStack) delete[] mData;
+    }
 
-void ReplaceFirst(ZAV_String& text, const ZAV_UTFString& tag, const ZAV_UTFString& value) {
-    int at = text.Find(tag.Ptr());
-    if (at >= 0) text(static_cast<unsigned>(at), tag.Size()) = value;
-}
+    bool Find(const ZAV_UTFString& tag, unsigned& at) const {
+        size_t found = std::string_view(mData, mTextLength).find({tag.Ptr(), tag.Size()});
+        at = static_cast<unsigned>(found);
+        return found != std::string_view::npos;
+    }
+
+    void Splice(unsigned at, unsigned length, const ZAV_UTFString& with) {
+        MakeRoom(mLength - length + with.Size());
+        std::memmove(mData + at + with.Size(), mData + at + length, mLength - at - length);
+        std::memcpy(mData + at, with.Ptr(), with.Size());
+        mLength = mLength - length + with.Size();
+        unsigned textLength = static_cast<unsigned>(std::strlen(with.Ptr()));
+        mTextLength = textLength < with.Size() ? at + textLength : mTextLength - length + textLength;
+    }
+
+    const char* Ptr() const { return mData; }
+    unsigned Size() const { return mLength; }
+
+private:
+    void MakeRoom(unsigned length) {
+        if (length <= mRoom) return;
+        char* data = new char[length + length / 2];
+        std::memcpy(data, mData, mLength);
+        if (mData != mOnStack) delete[] mData;
+        mData = data;
+        mRoom = length + length / 2;
+    }
+
+    char* mData;
+    unsigned mLength;
+    unsigned mTextLength;  // up to the first NUL: tags are not looked for behind it
+    unsigned mRoom;
+    char mOnStack[500];
+};
 
 } // namespace
 
-// The room is taken at once, so that the replacements happen in place.
 ZAV_UTFString ZAV_I18nMsgFormatter::Format(const ZAV_I18nMsg& msg) const {
-    ZAV_UTFString key;
+    std::optional<ZAV_UTFString> key;
     const ZAV_UTFString& found = Lookup(msg.mId, key);
-    ZAV_UTFString text(RoomFor(found, msg));
-    text += found;
-    for (const ZAV_I18nMsgArg* arg = FirstArg(msg); arg; arg = NextArg(arg)) {
-        if (IsMessage(*arg)) {
-            if (text.Find(arg->GetTag().Ptr()) >= 0) ReplaceFirst(text, arg->GetTag(), Format(arg->GetMsg()));
-        } else {
-            ReplaceFirst(text, arg->GetTag(), arg->GetMsg().mId);
-        }
+    WorkText work(found);
+    for (const ZAV_I18nMsgArg& arg : Args(msg)) {
+        const ZAV_I18nMsg& value = arg.GetMsg();
+        unsigned at;
+        if (!work.Find(arg.GetTag(), at)) continue;
+        if (IsMessage(arg))
+            work.Splice(at, arg.GetTag().Size(), Format(value));
+        else
+            work.Splice(at, arg.GetTag().Size(), value.mId);
     }
+    // Put together from valid texts, it needs no cleaning: the byte string's append will do.
+    ZAV_UTFString text(work.Size());
+    text.ZAV_String::Append(work.Ptr(), work.Size());
     return text;
 }
 
@@ -178,17 +233,21 @@ void ZAV_I18nMsgFormatter::Claim(std::vector<Place>& places, const char* text, c
 }
 
 ZAV_UTFString ZAV_I18nMsgFormatter::FormatOnce(const ZAV_I18nMsg& msg) const {
-    ZAV_UTFString key;
+    std::optional<ZAV_UTFString> key;
     const ZAV_UTFString& found = Lookup(msg.mId, key);
     std::vector<Place> places;
-    for (const ZAV_I18nMsgArg* arg = FirstArg(msg); arg; arg = NextArg(arg)) Claim(places, found.Ptr(), *arg);
+    for (const ZAV_I18nMsgArg& arg : Args(msg)) Claim(places, found.Ptr(), arg);
     std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) { return a.mStart < b.mStart; });
 
-    ZAV_String text(RoomFor(found, msg));
+    ZAV_String text;
     unsigned at = 0;
     for (const Place& place : places) {
         text.Append(found.Ptr() + at, place.mStart - at);
-        text += IsMessage(*place.mArg) ? FormatOnce(place.mArg->GetMsg()) : place.mArg->GetMsg().mId;
+        const ZAV_I18nMsg& value = place.mArg->GetMsg();
+        if (IsMessage(*place.mArg))
+            text += FormatOnce(value);
+        else
+            text += value.mId;
         at = place.End();
     }
     text.Append(found.Ptr() + at, found.Size() - at);

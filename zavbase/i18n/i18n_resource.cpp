@@ -169,11 +169,16 @@ void ZAV_I18nResource::SetDefaultDefs(ZAV_Object* defs) {
 }
 
 const ZAV_UTFString& ZAV_I18nResource::GetResource(const ZAV_UTFString& id, const ZAV_String& lang) {
-    if (!lang.IsEmpty()) {
-        Texts* texts = Held(mDicts, lang.Ptr(), lang.Size());
+    return Lookup(id, lang.Ptr(), lang.Size());
+}
+
+const ZAV_UTFString& ZAV_I18nResource::Lookup(const ZAV_UTFString& id, const char* lang, unsigned length) {
+    if (length > 0) {
+        Texts* texts = Held(mDicts, lang, length);
         if (!texts) {
-            texts = ReadLanguage(mResourceFile, lang);
-            mDicts.AddAssoc(new ZAV_CltString(lang), texts);
+            ZAV_String name(lang, length);
+            texts = ReadLanguage(mResourceFile, name);
+            mDicts.AddAssoc(new ZAV_CltString(name), texts);
         }
         if (const ZAV_UTFString* text = texts->Find(id)) return *text;
     }

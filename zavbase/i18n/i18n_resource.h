@@ -44,6 +44,9 @@ public:
     const ZAV_UTFString& GetResource(const ZAV_UTFString& id, const ZAV_String& lang);
 
 private:
+    friend struct ZAV_I18nMsgFormatter;
+    const ZAV_UTFString& Lookup(const ZAV_UTFString& id, const char* lang, unsigned length);
+
     ZAV_SystemString mResourceFile;
     ZAV_DictAutoDel mDicts;  ///< language code to dictionary
 };
