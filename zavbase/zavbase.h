@@ -45,6 +45,7 @@
 #include <zavbase/i18n/i18n_resource.h>
 #include <zavbase/platform/file.h>
 #include <zavbase/platform/geometry.h>
+#include <zavbase/platform/numeric.h>
 #include <zavbase/platform/shared_lib.h>
 #include <zavbase/platform/static_dll.h>
 #include <zavbase/strings/byte_string.h>

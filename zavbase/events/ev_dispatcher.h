@@ -95,6 +95,7 @@ private:
     ZAV_EvPort& Port() const;
     void TraceEvent(const char* text, ZAV_Event* event, ZAV_EvHandlerBody* handler);
     void DispatchBatch();
+    int HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler);
     void PollListeners();
     bool HasHandlers();
     bool EndOrSleep();

@@ -66,7 +66,7 @@ public:
     unsigned long Advance(unsigned long now);
 
 private:
-    boolean_t Arm(unsigned long ms);
+    boolean_t Arm();
 
     ZAV_EvHandlerBody* mHandler;
     zav_ulong32 mPeriod;

@@ -81,7 +81,7 @@ protected:
     void Cleanup();
     long GetNextId();
     long Protected_AddTimer(unsigned long ms, ZAV_EvHandlerBody* handler, long priority);
-    void Protected_RemoveTimer(long id);
+    ZAV_EventTimer* Protected_RemoveTimer(long id);  ///< gives it to the caller, who deletes it; null if unknown
     void WakeUp();
 
     ZAV_LinkedList mTimers;  ///< its one link is the store, which holds the timers by due time
@@ -93,12 +93,11 @@ protected:
     ZAV_MutexSignaller mWakeUp;
 
 private:
-    friend class ZAV_EvDispatcher;
-
     ZAV_TimerStore& Store();
     bool FireOne();
-    unsigned long SleepTime();
-    void SleepUnlessChanged(unsigned long ms, unsigned seenChanges);
+    void QueueTimer(ZAV_EventTimer* timer);
+    unsigned SeenChanges();
+    void SleepUnlessChanged(unsigned seenChanges);
     void DestroyTimers();
 };
 

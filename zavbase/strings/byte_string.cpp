@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include <zavbase/strings/number_text_internal.h>
+#include <zavbase/strings/utf_string.h>
 
 namespace {
 
@@ -83,6 +84,20 @@ ZAV_String& ZAV_String::appendGrown(char c) { return Append(&c, 1); }
 ZAV_String ZAV_String::operator+(const ZAV_Str& s) const { return sum(mData, mLength, s.Ptr(), s.Size()); }
 
 ZAV_String ZAV_String::operator+(const ZAV_SubStr& s) const { return sum(mData, mLength, s.Ptr(), s.Size()); }
+
+ZAV_String ZAV_String::operator+(const ZAV_String& s) const { return *this + static_cast<const ZAV_Str&>(s); }
+
+ZAV_String ZAV_String::operator+(const ZAV_UTFString& u) const {
+    return *this + static_cast<const ZAV_Str&>(u);
+}
+
+ZAV_String ZAV_String::operator+(const ZAV_SubString& s) const {
+    return *this + static_cast<const ZAV_SubStr&>(s);
+}
+
+ZAV_String ZAV_String::operator+(const ZAV_UTFSubString& u) const {
+    return *this + static_cast<const ZAV_SubStr&>(u);
+}
 
 ZAV_String ZAV_String::operator+(const char* p) const { return sum(mData, mLength, p, lengthOf(p)); }
 

@@ -9,6 +9,8 @@
 #include <zavbase/strings/str.h>
 
 class ZAV_SubString;
+class ZAV_UTFString;
+class ZAV_UTFSubString;
 
 /// Lets the compiler check the arguments of a printf-style member.
 #if defined(__clang__)
@@ -61,8 +63,14 @@ public:
     /// Appends `n` bytes.
     ZAV_String& Append(const char* p, unsigned int n);
 
+    /// Each kind of operand has its own form: taking one as its base would be no better a match than taking
+    /// this string as a const char*.
     ZAV_String operator+(const ZAV_Str& s) const;
+    ZAV_String operator+(const ZAV_String& s) const;
+    ZAV_String operator+(const ZAV_UTFString& u) const;
     ZAV_String operator+(const ZAV_SubStr& s) const;
+    ZAV_String operator+(const ZAV_SubString& s) const;
+    ZAV_String operator+(const ZAV_UTFSubString& u) const;
     ZAV_String operator+(const char* p) const;
     ZAV_String operator+(char c) const;
 

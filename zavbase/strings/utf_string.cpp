@@ -109,6 +109,12 @@ ZAV_UTFString ZAV_UTFString::operator+(const ZAV_Str& s) const { return sum(*thi
 
 ZAV_UTFString ZAV_UTFString::operator+(const ZAV_SubStr& s) const { return sum(*this, mLength, s, s.Size()); }
 
+ZAV_UTFString ZAV_UTFString::operator+(const ZAV_String& s) const { return sum(*this, mLength, s, s.Size()); }
+
+ZAV_UTFString ZAV_UTFString::operator+(const ZAV_SubString& s) const {
+    return sum(*this, mLength, s, s.Size());
+}
+
 ZAV_UTFString ZAV_UTFString::operator+(char c) const { return sum(*this, mLength, c, 1); }
 
 ZAV_UTFString operator+(const char* p, const ZAV_UTFString& u) { return sum(p, lengthOf(p), u, u.Size()); }

@@ -4,8 +4,6 @@
 #include <zavbase/strings/byte_string.h>
 #include <zavbase/strings/rune.h>
 
-class ZAV_UTFSubString;
-
 /// A byte string whose text is UTF-8 and whose Length(), sub-string positions and Find results count runes.
 /// It adds no data to ZAV_String.
 ///
@@ -52,7 +50,9 @@ public:
     ZAV_UTFString operator+(const ZAV_UTFSubString& u) const;
     ZAV_UTFString operator+(const char* p) const;
     ZAV_UTFString operator+(const ZAV_Str& s) const;
+    ZAV_UTFString operator+(const ZAV_String& s) const;
     ZAV_UTFString operator+(const ZAV_SubStr& s) const;
+    ZAV_UTFString operator+(const ZAV_SubString& s) const;
     ZAV_UTFString operator+(char c) const;
 
     /// Runes, up to the first NUL; Size() gives the bytes.

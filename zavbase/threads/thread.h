@@ -48,10 +48,11 @@ public:
     ~ZAV_Thread() override;
 
     /// Starts the thread, with a stack of `stackSize` bytes or, for 0, the system's default. 22 when it is
-    /// running. A stopped object can be started again. Running() may still be false just after this.
+    /// running or about to. A stopped object can be started again. Running() may still be false just after this.
     ZAV_ThreadError BeginThread(ZAV_ThreadCleanup cleanup, unsigned int stackSize);
     /// Asks the thread to stop: Running() becomes false. On the thread itself it does not return: the thread
     /// ends at once, without destroying the objects on its stack.
+    /// A thread that has not come to its body yet will find it false there.
     virtual ZAV_ThreadError StopThread();
     /// Waits until the thread has ended. Any number of threads may wait. On the thread itself 36. In every
     /// case the thread is no longer registered afterwards (CurrentThread does not find it).
@@ -77,6 +78,7 @@ public:
     /// A name for people, at most 63 characters; longer ones are cut.
     virtual char* GetInfoString();
     virtual void SetInfoString(char* text);
+    void SetInfoString(const char* text) { SetInfoString(const_cast<char*>(text)); }
     /// Copies the name of the thread registered under an identifier (null: the calling thread) to `out`, which
     /// has room for 64 characters; an empty name if there is none.
     static void GetInfoStringFromID(void* id, char* out);
@@ -103,11 +105,10 @@ private:
     virtual void run() = 0;
     virtual void cleanup();
 
-    struct Run;
-    boolean_t caller_is_self() const;
+    ZAV_ThreadError Start(unsigned int stackSize);
+    void Register();
     void Unregister();
-    bool Begin(Run& run);
-    void EndStart();
+    boolean_t caller_is_self() const;
     static void create(void* run);
     static void precreate(void* run);
     static ZAV_Thread* get_thread_object(void* id);

@@ -12,48 +12,43 @@ ZAV_DEFINE_CLASS(ZAV_AssocUVal, ZAV_CltObject)
 
 namespace {
 
-const char* BytesOfEntry(const ZAV_CltObject* o, uint32_t* length)
-{
+const char* BytesOfEntry(const ZAV_CltObject* o, uint32_t* length) {
     const ZAV_AssocUVal* entry = static_cast<const ZAV_AssocUVal*>(o);
     *length = entry->KeyLength();
     return entry->ZAV_AssocUVal::Key();
 }
 
-/// Hash() misses the last bytes of a key, so that numbered keys collide; this lets sets find them all the same.
+/// Hash() misses the last bytes of a key, so that numbered keys collide; this lets sets find them all the
+/// same.
 [[maybe_unused]] const bool isRegistered =
     (zav_strong::RegisterKeyClass(typeid(ZAV_AssocUVal), &BytesOfEntry), true);
 
-}  // namespace
+} // namespace
 
-ZAV_AssocUVal::ZAV_AssocUVal(const char* key, ZAV_UVal* value) : mValue(value), mPrev(nullptr), mNext(nullptr)
-{
+ZAV_AssocUVal::ZAV_AssocUVal(const char* key, ZAV_UVal* value)
+    : mValue(value), mPrev(nullptr), mNext(nullptr) {
     Key(key);
 }
 
 ZAV_AssocUVal::ZAV_AssocUVal(const char* key, unsigned int length, ZAV_UVal* value)
-    : mValue(value), mPrev(nullptr), mNext(nullptr)
-{
+    : mValue(value), mPrev(nullptr), mNext(nullptr) {
     SetKey(key, length);
 }
 
 ZAV_AssocUVal::ZAV_AssocUVal(const ZAV_AssocUVal& other)
-    : ZAV_CltObject(other), mValue(other.mValue), mPrev(nullptr), mNext(nullptr)
-{
+    : ZAV_CltObject(other), mValue(other.mValue), mPrev(nullptr), mNext(nullptr) {
     SetKey(other.mKey, other.mKeyLength);
 }
 
 ZAV_AssocUVal::~ZAV_AssocUVal() = default;
 
-ZAV_AssocUVal& ZAV_AssocUVal::operator=(const ZAV_AssocUVal& other)
-{
-    if (this != &other)
-        SetKey(other.mKey, other.mKeyLength);
+ZAV_AssocUVal& ZAV_AssocUVal::operator=(const ZAV_AssocUVal& other) {
+    if (this != &other) SetKey(other.mKey, other.mKeyLength);
     mValue = other.mValue;
     return *this;
 }
 
-void ZAV_AssocUVal::PrintOn(std::ostream& os)
-{
+void ZAV_AssocUVal::PrintOn(std::ostream& os) {
     os << mKey << " => ";
     if (mValue)
         mValue->PrintOn(os);
@@ -61,21 +56,17 @@ void ZAV_AssocUVal::PrintOn(std::ostream& os)
         os << "<NULL>";
 }
 
-boolean_t ZAV_AssocUVal::IsEqual(const ZAV_CltObject* o)
-{
-    if (!o || !o->IsMemberOf(GetRuntimeClass()))
-        return B_FALSE;
+boolean_t ZAV_AssocUVal::IsEqual(const ZAV_CltObject* o) {
+    if (!o || !o->IsMemberOf(GetRuntimeClass())) return B_FALSE;
     const ZAV_AssocUVal* other = static_cast<const ZAV_AssocUVal*>(o);
     return ZAV_Bool(mKeyLength == other->mKeyLength && std::memcmp(mKey, other->mKey, mKeyLength) == 0);
 }
 
-int ZAV_AssocUVal::Compare(const ZAV_CltObject* o) const
-{
+int ZAV_AssocUVal::Compare(const ZAV_CltObject* o) const {
     return std::strcmp(mKey, static_cast<const ZAV_AssocUVal*>(o)->mKey);
 }
 
-unsigned int ZAV_AssocUVal::Hash() const
-{
+unsigned int ZAV_AssocUVal::Hash() const {
     uint32_t hash = mKeyLength;
     for (uint32_t i = 0; i + 4 <= mKeyLength; i += 4) {
         uint32_t word;
@@ -89,26 +80,22 @@ ZAV_CltObject* ZAV_AssocUVal::ShallowCopy() const { return new (std::nothrow) ZA
 
 const char* ZAV_AssocUVal::Key() const { return mKey; }
 
-const char* ZAV_AssocUVal::Key(const char* key)
-{
+const char* ZAV_AssocUVal::Key(const char* key) {
     SetKey(key, kMaxKeyLength);
     return mKey;
 }
 
 ZAV_UVal* ZAV_AssocUVal::Value() const { return mValue; }
 
-ZAV_UVal* ZAV_AssocUVal::Value(ZAV_UVal* value)
-{
+ZAV_UVal* ZAV_AssocUVal::Value(ZAV_UVal* value) {
     std::swap(mValue, value);
     return value;
 }
 
 /// Takes at most `length` bytes, up to a NUL. `key` may lie inside the entry's own key.
-void ZAV_AssocUVal::SetKey(const char* key, unsigned int length)
-{
+void ZAV_AssocUVal::SetKey(const char* key, unsigned int length) {
     length = key ? (std::min)(length, static_cast<unsigned int>(kMaxKeyLength)) : 0;
     mKeyLength = static_cast<uint32_t>(strnlen(key ? key : "", length));
-    if (mKeyLength > 0)
-        std::memmove(mKey, key, mKeyLength);
+    if (mKeyLength > 0) std::memmove(mKey, key, mKeyLength);
     mKey[mKeyLength] = '\0';
 }

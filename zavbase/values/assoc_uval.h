@@ -32,8 +32,8 @@ public:
     boolean_t IsEqual(const ZAV_CltObject* o) override;
     /// strcmp of the keys; `o` must be an entry.
     int Compare(const ZAV_CltObject* o) const override;
-    /// The key length XOR-ed with each whole little-endian 4-byte word of the key. The last length % 4 bytes do
-    /// not count, so that keys which differ only there have the same hash.
+    /// The key length XOR-ed with each whole little-endian 4-byte word of the key. The last length % 4 bytes
+    /// do not count, so that keys which differ only there have the same hash.
     unsigned int Hash() const override;
 
     /// A new entry, in no dictionary, with the same key and the same value pointer.

@@ -21,24 +21,19 @@ struct VarName {
     ZAV_DictPath Path() const { return ZAV_DictPath(mParts[0]) + mParts[1] + mParts[2]; }
 
     /// Takes the parts one after the other, each within the dictionary that the one before led to.
-    ZAV_UVal* FindIn(ZAV_UValDict* dict) const
-    {
+    ZAV_UVal* FindIn(ZAV_UValDict* dict) const {
         ZAV_UVal* found = nullptr;
         for (const char* part : mParts) {
-            if (!part || !*part)
-                continue;
-            if (found && found->GetType() != UVAL_DICT)
-                return nullptr;
+            if (!part || !*part) continue;
+            if (found && found->GetType() != UVAL_DICT) return nullptr;
             found = (found ? static_cast<ZAV_UValDict*>(found) : dict)->GetUVal(part);
-            if (!found)
-                return nullptr;
+            if (!found) return nullptr;
         }
         return found;
     }
 };
 
-ZAV_UVal* Lookup(const VarName& name, ZAV_UValFamily family)
-{
+ZAV_UVal* Lookup(const VarName& name, ZAV_UValFamily family) {
     if (!theConfig) {
         ZAV_BASE_TRACE(0x02, "Configuration variables have not been initialised yet !!");
         return nullptr;
@@ -54,27 +49,22 @@ ZAV_UVal* Lookup(const VarName& name, ZAV_UValFamily family)
 }
 
 template <class T, class Stored>
-T Number(const VarName& name, T deflt, Stored (ZAV_UVal::*get)(long))
-{
+T Number(const VarName& name, T deflt, Stored (ZAV_UVal::*get)(long)) {
     ZAV_UVal* value = Lookup(name, UVAL_FAMILY_NUMBER);
     return value ? static_cast<T>((value->*get)(0)) : deflt;
 }
 
 /// The string variable, if it has an element `index`.
-ZAV_UVal* TextAt(const VarName& name, long index)
-{
+ZAV_UVal* TextAt(const VarName& name, long index) {
     ZAV_UVal* value = Lookup(name, UVAL_FAMILY_STRING);
-    if (!value)
-        return nullptr;
+    if (!value) return nullptr;
     const long count = value->GetDimension() < 1 ? 1 : value->GetDimension();
     return index >= 0 && index < count ? value : nullptr;
 }
 
 template <class Text>
-void PutText(ZAV_UVal* value, long index, const char* deflt, Text* out)
-{
-    if (!out)
-        return;
+void PutText(ZAV_UVal* value, long index, const char* deflt, Text* out) {
+    if (!out) return;
     if (!value) {
         *out = deflt;
         return;
@@ -85,25 +75,20 @@ void PutText(ZAV_UVal* value, long index, const char* deflt, Text* out)
 }
 
 template <class Deflt>
-void PutSystemText(const VarName& name, const Deflt& deflt, ZAV_SystemString* out)
-{
+void PutSystemText(const VarName& name, const Deflt& deflt, ZAV_SystemString* out) {
     ZAV_UVal* value = Lookup(name, kAnyFamily);
-    if (!out)
-        return;
+    if (!out) return;
     if (!value)
         out->Set(deflt);
     else if (value->GetFamily() == UVAL_FAMILY_STRING)
         value->GetSystemStringValue(out, 0);
 }
 
-}  // namespace
+} // namespace
 
-void ZAV_ConfigInit(const ZAV_SystemString& file)
-{
-    if (!theConfig)
-        theConfig = new (std::nothrow) ZAV_UValDict(16);
-    if (!theConfig)
-        ZAV_ThrowMemoryException();
+void ZAV_ConfigInit(const ZAV_SystemString& file) {
+    if (!theConfig) theConfig = new (std::nothrow) ZAV_UValDict(16);
+    if (!theConfig) ZAV_ThrowMemoryException();
     try {
         ZAV_UValDict read(16);
         read.ReadFile(file);
@@ -115,27 +100,26 @@ void ZAV_ConfigInit(const ZAV_SystemString& file)
     ZAV_BASE_TRACE(0x08, *theConfig);
 }
 
-void ZAV_ConfigInit(const ZAV_UValDict& dict)
-{
+void ZAV_ConfigInit(const ZAV_UValDict& dict) {
     // Copied first: the dictionary may be the configuration, or in it.
     ZAV_UValDict* copy = const_cast<ZAV_UValDict&>(dict).DeepCopy();
     delete theConfig;
     theConfig = copy;
 }
 
-void ZAV_ConfigCleanup()
-{
+void ZAV_ConfigCleanup() {
     delete theConfig;
     theConfig = nullptr;
 }
 
 ZAV_UValDict* ZAV_ConfigGet() { return theConfig; }
 
-ZAV_UVal* ZAV_ConfigGet(const char* a, const char* b, const char* c) { return Lookup({{a, b, c}}, kAnyFamily); }
+ZAV_UVal* ZAV_ConfigGet(const char* a, const char* b, const char* c) {
+    return Lookup({{a, b, c}}, kAnyFamily);
+}
 
 #define ZAV_DEFINE_NUMBER(TYPE, GETTER)                                                                      \
-    TYPE ZAV_ConfigGet(const char* a, const char* b, const char* c, TYPE deflt)                              \
-    {                                                                                                        \
+    TYPE ZAV_ConfigGet(const char* a, const char* b, const char* c, TYPE deflt) {                            \
         return Number({{a, b, c}}, deflt, &ZAV_UVal::GETTER);                                                \
     }
 ZAV_DEFINE_NUMBER(long, GetLongValue)
@@ -148,78 +132,66 @@ ZAV_DEFINE_NUMBER(long long, GetLongValue)
 ZAV_DEFINE_NUMBER(unsigned long long, GetULongValue)
 #undef ZAV_DEFINE_NUMBER
 
-boolean_t ZAV_ConfigGet(const char* a, const char* b, const char* c, boolean_t deflt)
-{
+boolean_t ZAV_ConfigGet(const char* a, const char* b, const char* c, boolean_t deflt) {
     return ZAV_Bool(ZAV_ConfigGet(a, b, c, static_cast<long>(deflt)) != 0);
 }
 
-const char* ZAV_ConfigGet(const char* a, const char* b, const char* c, const char* deflt)
-{
+const char* ZAV_ConfigGet(const char* a, const char* b, const char* c, const char* deflt) {
     return ZAV_ConfigGetAt(a, b, c, 0, deflt);
 }
 
-const char* ZAV_ConfigGet(const char* a, const char* b, const char* c, std::nullptr_t)
-{
+const char* ZAV_ConfigGet(const char* a, const char* b, const char* c, std::nullptr_t) {
     return ZAV_ConfigGetAt(a, b, c, 0, nullptr);
 }
 
-void ZAV_ConfigGet(const char* a, const char* b, const char* c, const char* deflt, ZAV_String* out)
-{
+void ZAV_ConfigGet(const char* a, const char* b, const char* c, const char* deflt, ZAV_String* out) {
     PutText(TextAt({{a, b, c}}, 0), 0, deflt, out);
 }
 
-void ZAV_ConfigGet(const char* a, const char* b, const char* c, const char* deflt, ZAV_UTFString* out)
-{
+void ZAV_ConfigGet(const char* a, const char* b, const char* c, const char* deflt, ZAV_UTFString* out) {
     PutText(TextAt({{a, b, c}}, 0), 0, deflt, out);
 }
 
-void ZAV_ConfigGet(const char* a, const char* b, const char* c, const ZAV_String& deflt, ZAV_SystemString* out)
-{
+void ZAV_ConfigGet(const char* a, const char* b, const char* c, const ZAV_String& deflt,
+                   ZAV_SystemString* out) {
     PutSystemText({{a, b, c}}, deflt, out);
 }
 
 void ZAV_ConfigGet(const char* a, const char* b, const char* c, const ZAV_UTFString& deflt,
-                   ZAV_SystemString* out)
-{
+                   ZAV_SystemString* out) {
     PutSystemText({{a, b, c}}, deflt, out);
 }
 
-void ZAV_ConfigGet(const char* a, const char* b, const char* c, const char* deflt, ZAV_SystemString* out)
-{
+void ZAV_ConfigGet(const char* a, const char* b, const char* c, const char* deflt, ZAV_SystemString* out) {
     PutSystemText({{a, b, c}}, ZAV_String(deflt), out);
 }
 
-long ZAV_ConfigGetDimension(const char* a, const char* b, const char* c)
-{
+long ZAV_ConfigGetDimension(const char* a, const char* b, const char* c) {
     const ZAV_UVal* value = Lookup({{a, b, c}}, UVAL_FAMILY_STRING);
-    if (!value)
-        return 0;
+    if (!value) return 0;
     return value->GetDimension() < 1 ? 1 : value->GetDimension();
 }
 
-const char* ZAV_ConfigGetAt(const char* a, const char* b, const char* c, long i, const char* deflt)
-{
+const char* ZAV_ConfigGetAt(const char* a, const char* b, const char* c, long i, const char* deflt) {
     ZAV_UVal* value = TextAt({{a, b, c}}, i);
     return value ? value->GetCStringValue(i) : deflt;
 }
 
-void ZAV_ConfigGetAt(const char* a, const char* b, const char* c, long i, const char* deflt, ZAV_String* out)
-{
+void ZAV_ConfigGetAt(const char* a, const char* b, const char* c, long i, const char* deflt,
+                     ZAV_String* out) {
     PutText(TextAt({{a, b, c}}, i), i, deflt, out);
 }
 
-void ZAV_ConfigGetAt(const char* a, const char* b, const char* c, long i, const char* deflt, ZAV_UTFString* out)
-{
+void ZAV_ConfigGetAt(const char* a, const char* b, const char* c, long i, const char* deflt,
+                     ZAV_UTFString* out) {
     PutText(TextAt({{a, b, c}}, i), i, deflt, out);
 }
 
-boolean_t ZAV_IsConfigured(const char* a, const char* b, const char* c, const char* value)
-{
+boolean_t ZAV_IsConfigured(const char* a, const char* b, const char* c, const char* value) {
     ZAV_UVal* texts = Lookup({{a, b, c}}, UVAL_FAMILY_STRING);
     ZAV_String wanted(value);
     wanted.ToUpper();
     for (long i = 0; texts && (i == 0 || i < texts->GetDimension()); ++i)
-        if (ZAV_String(texts->GetCStringValue(i)).ToUpper() == wanted)
-            return B_TRUE;
+        if (ZAV_String(texts->GetCStringValue(i)).ToUpper() == wanted) return B_TRUE;
     return B_FALSE;
 }

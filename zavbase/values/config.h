@@ -17,13 +17,13 @@ class ZAV_UValDict;
 ///     ZAV_ConfigInit("instrument.cfg");
 ///     long port = ZAV_ConfigGet("HOST", "NETWORK", "PORT", 4711);
 ///
-/// A reader gives its default when the variable is missing (traced at level 0x10), is of another family (0x01)
-/// or when there is no configuration (0x02). Texts that are returned, and values, belong to the configuration
-/// and live until it changes. Not locked: set it up at start-up, then any thread may read.
+/// A reader gives its default when the variable is missing (traced at level 0x10), is of another family
+/// (0x01) or when there is no configuration (0x02). Texts that are returned, and values, belong to the
+/// configuration and live until it changes. Not locked: set it up at start-up, then any thread may read.
 
-/// Reads a text or binary file and merges it into the configuration, which is created when there is none. When
-/// reading fails, a line is traced (level 0x04), the configuration keeps what it had (nothing, if it was just
-/// created), and the exception goes on. After success level 0x08 shows the whole configuration.
+/// Reads a text or binary file and merges it into the configuration, which is created when there is none.
+/// When reading fails, a line is traced (level 0x04), the configuration keeps what it had (nothing, if it was
+/// just created), and the exception goes on. After success level 0x08 shows the whole configuration.
 ZAV_API void ZAV_ConfigInit(const ZAV_SystemString& file);
 /// Replaces the configuration by a copy of `dict`, which may be (part of) the configuration itself.
 ZAV_API void ZAV_ConfigInit(const ZAV_UValDict& dict);

@@ -6,40 +6,32 @@
 constinit char ZAV_DictPath::sSeparator = ':';
 
 namespace {
-unsigned int TextLength(const char* text)
-{
-    return text ? static_cast<unsigned int>(std::strlen(text)) : 0;
-}
-}  // namespace
+unsigned int TextLength(const char* text) { return text ? static_cast<unsigned int>(std::strlen(text)) : 0; }
+} // namespace
 
 ZAV_DictPath::ZAV_DictPath() : mFirstKey(nullptr), mEnd(nullptr), mSize(0) { CountAll(); }
 
-ZAV_DictPath::ZAV_DictPath(const char* text) : mPath(TextLength(text) + 1), mSize(0)
-{
+ZAV_DictPath::ZAV_DictPath(const char* text) : mPath(TextLength(text) + 1), mSize(0) {
     AddKeys(text, TextLength(text));
 }
 
 ZAV_DictPath::ZAV_DictPath(const ZAV_String& text) : ZAV_DictPath(text.Ptr()) {}
 
 ZAV_DictPath::ZAV_DictPath(const ZAV_DictPath& other)
-    : ZAV_Object(other), mPath(other.mFirstKey, other.CountedLength()), mSize(other.mSize)
-{
+    : ZAV_Object(other), mPath(other.mFirstKey, other.CountedLength()), mSize(other.mSize) {
     CountAll();
 }
 
 ZAV_DictPath::ZAV_DictPath(const ZAV_DictPath& base, const char* text)
-    : mPath(base.CountedLength() + TextLength(text) + 1), mSize(base.mSize)
-{
+    : mPath(base.CountedLength() + TextLength(text) + 1), mSize(base.mSize) {
     mPath.Append(base.mFirstKey, base.CountedLength());
     AddKeys(text, TextLength(text));
 }
 
 ZAV_DictPath::~ZAV_DictPath() = default;
 
-ZAV_DictPath& ZAV_DictPath::operator=(const ZAV_DictPath& other)
-{
-    if (this == &other)
-        return *this;
+ZAV_DictPath& ZAV_DictPath::operator=(const ZAV_DictPath& other) {
+    if (this == &other) return *this;
     mPath = ZAV_String(other.mFirstKey, other.CountedLength());
     mSize = other.mSize;
     CountAll();
@@ -52,53 +44,42 @@ ZAV_DictPath& ZAV_DictPath::operator=(const ZAV_String& text) { return *this = Z
 ZAV_DictPath& ZAV_DictPath::operator+=(const char* text) { return *this = ZAV_DictPath(*this, text); }
 ZAV_DictPath ZAV_DictPath::operator+(const char* text) const { return ZAV_DictPath(*this, text); }
 
-ZAV_DictPath& ZAV_DictPath::operator--()
-{
-    if (mSize == 0)
-        return *this;
+ZAV_DictPath& ZAV_DictPath::operator--() {
+    if (mSize == 0) return *this;
     --mSize;
     --mEnd;
-    while (mEnd > mFirstKey && mEnd[-1] != '\0')
-        --mEnd;
+    while (mEnd > mFirstKey && mEnd[-1] != '\0') --mEnd;
     return *this;
 }
 
 ZAV_DictPath& ZAV_DictPath::operator--(int) { return --*this; }
 
-boolean_t ZAV_DictPath::operator==(const ZAV_DictPath& other) const
-{
+boolean_t ZAV_DictPath::operator==(const ZAV_DictPath& other) const {
     return ZAV_Bool(mSize == other.mSize && CountedLength() == other.CountedLength() &&
                     std::memcmp(mFirstKey, other.mFirstKey, CountedLength()) == 0);
 }
 
-const char* ZAV_DictPath::NextKey(const char* previous) const
-{
-    if (!previous)
-        return mFirstKey;
-    if (previous >= mEnd)
-        return nullptr;
+const char* ZAV_DictPath::NextKey(const char* previous) const {
+    if (!previous) return mFirstKey;
+    if (previous >= mEnd) return nullptr;
     const char* next = previous + std::strlen(previous) + 1;
     return next < mEnd ? next : mPath.Ptr() + mPath.Length();
 }
 
-ZAV_DictPath::operator ZAV_String() const
-{
+ZAV_DictPath::operator ZAV_String() const {
     ZAV_String text(mFirstKey, CountedLength());
     for (unsigned int i = 0; i < text.Length(); ++i)
-        if (text.At(i) == '\0')
-            text.At(i) = sSeparator;
+        if (text.At(i) == '\0') text.At(i) = sSeparator;
     return text;
 }
 
 void ZAV_DictPath::PrintOn(std::ostream& os) { os << static_cast<ZAV_String>(*this).Ptr(); }
 
-void ZAV_DictPath::AddKeys(const char* text, unsigned int length)
-{
+void ZAV_DictPath::AddKeys(const char* text, unsigned int length) {
     if (length > 0) {
         const unsigned int start = mPath.Length();
         mPath.Append(text, length);
-        if (text[length - 1] != sSeparator)
-            mPath += sSeparator;
+        if (text[length - 1] != sSeparator) mPath += sSeparator;
         for (unsigned int i = start; i < mPath.Length(); ++i) {
             if (mPath.At(i) == sSeparator) {
                 mPath.At(i) = '\0';
@@ -110,13 +91,11 @@ void ZAV_DictPath::AddKeys(const char* text, unsigned int length)
 }
 
 /// Every key of the text counts; to be called whenever the text has changed or moved.
-void ZAV_DictPath::CountAll()
-{
+void ZAV_DictPath::CountAll() {
     mFirstKey = mPath.Ptr();
     mEnd = mFirstKey + mPath.Length();
 }
 
-std::ostream& operator<<(std::ostream& os, const ZAV_DictPath& path)
-{
+std::ostream& operator<<(std::ostream& os, const ZAV_DictPath& path) {
     return os << static_cast<ZAV_String>(path).Ptr();
 }

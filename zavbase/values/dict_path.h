@@ -30,7 +30,8 @@ public:
     ZAV_DictPath& operator--();
     ZAV_DictPath& operator--(int);
 
-    /// The same keys, counted and byte for byte. (The forms for text keep a comparison with text unambiguous.)
+    /// The same keys, counted and byte for byte. (The forms for text keep a comparison with text
+    /// unambiguous.)
     boolean_t operator==(const ZAV_DictPath& other) const;
     boolean_t operator==(const char* text) const { return *this == ZAV_DictPath(text); }
     boolean_t operator==(const ZAV_String& text) const { return *this == ZAV_DictPath(text); }
@@ -60,9 +61,9 @@ private:
 
     static char sSeparator;
 
-    ZAV_String mPath;  // the keys, each ended by a NUL
+    ZAV_String mPath; // the keys, each ended by a NUL
     const char* mFirstKey;
-    const char* mEnd;  // behind the NUL of the last counted key
+    const char* mEnd; // behind the NUL of the last counted key
     int32_t mSize;
 };
 

@@ -33,14 +33,14 @@ enum ZAV_UValFamily : int {
 };
 
 /// A universal value: a scalar or a one-dimensional array of one element type (uval_types.h), or a dictionary
-/// of named values (value_dict.h). Every value is read and written through the same accessors, so that a caller
-/// can ask any number for a double without knowing how it is stored.
+/// of named values (value_dict.h). Every value is read and written through the same accessors, so that a
+/// caller can ask any number for a double without knowing how it is stored.
 ///
 /// Type, family and dimension are fixed at construction. No accessor throws or reports: an accessor that does
 /// not suit the type does nothing and returns 0 or null, and an index outside the array (or any index of a
 /// scalar) reaches the value's inline scalar. Integers have at most 32 bits: wider arguments keep the low 32,
-/// results are extended from 32. Numbers convert as the machine does, without range check: integers keep their
-/// low bits, a real is truncated toward zero (0 beyond 64 bits) and then narrowed.
+/// results are extended from 32. Numbers convert as the machine does, without range check: integers keep
+/// their low bits, a real is truncated toward zero (0 beyond 64 bits) and then narrowed.
 ///
 /// Values are not locked: an object belongs to one thread at a time; several may read it while none writes.
 class ZAV_API ZAV_UVal : public ZAV_CltObject {
@@ -91,7 +91,8 @@ public:
     /// The element's text, valid until the element changes; null for a value that is not a string.
     virtual const char* GetCStringValue(long index);
     /// Puts a string element into `out`, converted to the system's code page where it is UTF-8. Returns the
-    /// result of that conversion (0, or -1 when a character had no equal); -1 for a value that is not a string.
+    /// result of that conversion (0, or -1 when a character had no equal); -1 for a value that is not a
+    /// string.
     virtual int GetSystemStringValue(ZAV_SystemString* out, long index);
 
 protected:

@@ -13,8 +13,8 @@
 ///    (4 bytes for a long: zav_long32). Without one the value allocates them: numbers are undefined at first,
 ///    strings empty. If that allocation fails, the value is a scalar.
 ///
-/// Copying copies the elements, unless the buffer is the caller's. Assignment does not: afterwards both values
-/// have the same elements, which live until the last of them is gone.
+/// Copying copies the elements, unless the buffer is the caller's. Assignment does not: afterwards both
+/// values have the same elements, which live until the last of them is gone.
 
 /// The storage of all of them; Element is the element type, Arg how one is passed.
 template <class Element, class Arg>
@@ -25,10 +25,7 @@ public:
     /// The typed accessors. An index outside the array means the inline scalar, here too.
     Arg GetValue(long index) const { return *const_cast<ZAV_UValArray*>(this)->GetValuePtr(index); }
     void SetValue(Arg value, long index) { *GetValuePtr(index) = static_cast<const Element&>(value); }
-    Element* GetValuePtr(long index)
-    {
-        return index >= 0 && index < mDimension ? &mData[index] : &mValue;
-    }
+    Element* GetValuePtr(long index) { return index >= 0 && index < mDimension ? &mData[index] : &mValue; }
 
     void PrintOn(std::ostream& os) override;
 
@@ -112,7 +109,8 @@ class ZAV_API ZAV_UValUShort : public ZAV_UValNumber<unsigned short, unsigned sh
 class ZAV_API ZAV_UValLong : public ZAV_UValNumber<zav_long32, long> {
     ZAV_UVAL_MEMBERS(ZAV_UValLong)
 };
-/// Its text form is signed: 4294967295 becomes "-1", which reads back to the same bits. PrintOn shows it unsigned.
+/// Its text form is signed: 4294967295 becomes "-1", which reads back to the same bits. PrintOn shows it
+/// unsigned.
 class ZAV_API ZAV_UValULong : public ZAV_UValNumber<zav_ulong32, unsigned long> {
     ZAV_UVAL_MEMBERS(ZAV_UValULong)
 };

@@ -32,47 +32,37 @@ struct KeyCursor {
 };
 thread_local constinit KeyCursor theKeyCursor{nullptr, 0, 0, nullptr};
 
-char UpperCase(char c)
-{
-    return std::islower(static_cast<unsigned char>(c)) ? static_cast<char>(c - 32) : c;
-}
+char UpperCase(char c) { return std::islower(static_cast<unsigned char>(c)) ? static_cast<char>(c - 32) : c; }
 
-bool EqualIgnoringCase(const char* a, const char* b, unsigned int length)
-{
+bool EqualIgnoringCase(const char* a, const char* b, unsigned int length) {
     return std::equal(a, a + length, b, [](char x, char y) { return UpperCase(x) == UpperCase(y); });
 }
 
-unsigned int KeyLength(const char* key)
-{
+unsigned int KeyLength(const char* key) {
     return key ? static_cast<unsigned int>(strnlen(key, ZAV_AssocUVal::kMaxKeyLength)) : 0;
 }
 
 /// A dictionary of the library's own class. One of a host's class copies itself.
-bool IsPlainDict(const ZAV_UVal* value)
-{
+bool IsPlainDict(const ZAV_UVal* value) {
     return ZAV_IsDict(value) && value->IsMemberOf(&ZAV_UValDict::classZAV_UValDict);
 }
 
-}  // namespace
+} // namespace
 
 ZAV_UValDict::ZAV_UValDict(unsigned int capacity)
     : ZAV_UVal(UVAL_DICT, UVAL_FAMILY_DICT), mSet(capacity), mFirst(nullptr), mLast(nullptr),
-      mCaseInsensitive(B_FALSE)
-{
+      mCaseInsensitive(B_FALSE) {
     mNrItemsToPrint = 0;
 }
 
-ZAV_UValDict::ZAV_UValDict(const ZAV_UValDict& other) : ZAV_UValDict(other.mSet.Capacity())
-{
+ZAV_UValDict::ZAV_UValDict(const ZAV_UValDict& other) : ZAV_UValDict(other.mSet.Capacity()) {
     CopyEntriesOf(other);
 }
 
 ZAV_UValDict::~ZAV_UValDict() { Clear(); }
 
-ZAV_UValDict& ZAV_UValDict::operator=(const ZAV_UValDict& other)
-{
-    if (this == &other)
-        return *this;
+ZAV_UValDict& ZAV_UValDict::operator=(const ZAV_UValDict& other) {
+    if (this == &other) return *this;
     ZAV_UValDict copy(other);
     ZAV_AssocUVal* old = TakeAll();
     AdoptAll(copy.TakeAll());
@@ -84,8 +74,7 @@ ZAV_UValDict& ZAV_UValDict::operator=(const ZAV_UValDict& other)
 ZAV_UValDict* ZAV_UValDict::DeepCopy() { return new (std::nothrow) ZAV_UValDict(*this); }
 
 /// Copies the entries into this empty dictionary, level by level, for the tree may be deeper than the stack.
-void ZAV_UValDict::CopyEntriesOf(const ZAV_UValDict& other)
-{
+void ZAV_UValDict::CopyEntriesOf(const ZAV_UValDict& other) {
     std::vector<std::pair<const ZAV_UValDict*, ZAV_UValDict*>> levels{{&other, this}};
     while (!levels.empty()) {
         const auto [from, to] = levels.back();
@@ -105,30 +94,25 @@ void ZAV_UValDict::CopyEntriesOf(const ZAV_UValDict& other)
     }
 }
 
-ZAV_AssocUVal* ZAV_UValDict::FindUValPath(KeyWalk keys, bool create, ZAV_UValDict** owner)
-{
+ZAV_AssocUVal* ZAV_UValDict::FindUValPath(KeyWalk keys, bool create, ZAV_UValDict** owner) {
     ZAV_UValDict* dict = this;
     while (keys.Next()) {
         ZAV_AssocUVal* entry = dict->AssocAt(keys.mKey, keys.mLength);
         if (!entry) {
-            if (!create)
-                return nullptr;
+            if (!create) return nullptr;
             entry = dict->AddEntry(keys.mKey, keys.mLength, keys.AtLast() ? nullptr : new ZAV_UValDict(16));
         }
         if (keys.AtLast()) {
-            if (owner)
-                *owner = dict;
+            if (owner) *owner = dict;
             return entry;
         }
-        if (!ZAV_IsDict(entry->mValue))
-            return nullptr;
+        if (!ZAV_IsDict(entry->mValue)) return nullptr;
         dict = static_cast<ZAV_UValDict*>(entry->mValue);
     }
     return nullptr;
 }
 
-ZAV_UVal* ZAV_UValDict::ValueAt(KeyWalk keys) const
-{
+ZAV_UVal* ZAV_UValDict::ValueAt(KeyWalk keys) const {
     const ZAV_AssocUVal* entry = const_cast<ZAV_UValDict*>(this)->FindUValPath(keys, false);
     return entry ? entry->mValue : nullptr;
 }
@@ -137,150 +121,120 @@ ZAV_UVal* ZAV_UValDict::GetUVal(const ZAV_DictPath& path) const { return ValueAt
 ZAV_UVal* ZAV_UValDict::GetUVal(const char* path) const { return ValueAt(KeyWalk(path)); }
 ZAV_UVal* ZAV_UValDict::GetUVal(const ZAV_String& path) const { return ValueAt(KeyWalk(path.Ptr())); }
 
-ZAV_UVal* ZAV_UValDict::StoreAt(KeyWalk keys, ZAV_UVal* uval)
-{
+ZAV_UVal* ZAV_UValDict::StoreAt(KeyWalk keys, ZAV_UVal* uval) {
     ZAV_AssocUVal* entry = FindUValPath(keys, true);
-    if (entry)
-        return Replace(entry, uval);
+    if (entry) return Replace(entry, uval);
     ZAV_BASE_TRACE(0x10, "SetUVal: uVal about to be deleted to avoid memory leaks (you shouldn't come here)");
     delete uval;
     return nullptr;
 }
 
-ZAV_UVal* ZAV_UValDict::SetUVal(const ZAV_DictPath& path, ZAV_UVal* uval)
-{
+ZAV_UVal* ZAV_UValDict::SetUVal(const ZAV_DictPath& path, ZAV_UVal* uval) {
     return StoreAt(KeyWalk(path), uval);
 }
 ZAV_UVal* ZAV_UValDict::SetUVal(const char* path, ZAV_UVal* uval) { return StoreAt(KeyWalk(path), uval); }
-ZAV_UVal* ZAV_UValDict::SetUVal(const ZAV_String& path, ZAV_UVal* uval)
-{
+ZAV_UVal* ZAV_UValDict::SetUVal(const ZAV_String& path, ZAV_UVal* uval) {
     return StoreAt(KeyWalk(path.Ptr()), uval);
 }
 
-ZAV_UVal* ZAV_UValDict::Replace(ZAV_AssocUVal* entry, ZAV_UVal* uval)
-{
+ZAV_UVal* ZAV_UValDict::Replace(ZAV_AssocUVal* entry, ZAV_UVal* uval) {
     ZAV_UVal* old = entry->mValue;
     entry->mValue = uval;
-    if (old != uval)
-        delete old;
+    if (old != uval) delete old;
     return uval;
 }
 
-ZAV_UVal* ZAV_UValDict::DefineUVal(const ZAV_DictPath& path, ZAV_UValType type, long dimension, void* buffer)
-{
-    if (type == UVAL_DICT)
-        return DefineUValDict(path);
+ZAV_UVal* ZAV_UValDict::DefineUVal(const ZAV_DictPath& path, ZAV_UValType type, long dimension,
+                                   void* buffer) {
+    if (type == UVAL_DICT) return DefineUValDict(path);
     ZAV_UVal* uval = ZAV_NewUVal(type, dimension, buffer);
     return uval ? SetUVal(path, uval) : nullptr;
 }
 
-ZAV_UValDict* ZAV_UValDict::DefineUValDict(const ZAV_DictPath& path)
-{
+ZAV_UValDict* ZAV_UValDict::DefineUValDict(const ZAV_DictPath& path) {
     ZAV_AssocUVal* entry = FindUValPath(KeyWalk(path), true);
-    if (!entry)
-        return nullptr;
-    if (!entry->mValue)
-        entry->mValue = new ZAV_UValDict(16);
+    if (!entry) return nullptr;
+    if (!entry->mValue) entry->mValue = new ZAV_UValDict(16);
     return ZAV_IsDict(entry->mValue) ? static_cast<ZAV_UValDict*>(entry->mValue) : nullptr;
 }
 
-void ZAV_UValDict::RemoveUVal(const ZAV_DictPath& path)
-{
+void ZAV_UValDict::RemoveUVal(const ZAV_DictPath& path) {
     ZAV_UValDict* owner = nullptr;
     ZAV_AssocUVal* entry = FindUValPath(KeyWalk(path), false, &owner);
-    if (!entry)
-        return;
+    if (!entry) return;
     owner->Unlink(entry);
     DestroyEntries(entry);
 }
 
-ZAV_UValType ZAV_UValDict::GetUValType(const ZAV_DictPath& path) const
-{
+ZAV_UValType ZAV_UValDict::GetUValType(const ZAV_DictPath& path) const {
     const ZAV_UVal* value = GetUVal(path);
     return value ? value->GetType() : static_cast<ZAV_UValType>(0);
 }
 
-long ZAV_UValDict::GetUValDimension(const ZAV_DictPath& path) const
-{
+long ZAV_UValDict::GetUValDimension(const ZAV_DictPath& path) const {
     const ZAV_UVal* value = GetUVal(path);
     return value ? value->GetDimension() : -1;
 }
 
-const char* ZAV_UValDict::GetKey(int i) const
-{
+const char* ZAV_UValDict::GetKey(int i) const {
     const int size = static_cast<int>(GetSize());
-    if (i < 0 || i >= size)
-        return nullptr;
+    if (i < 0 || i >= size) return nullptr;
     KeyCursor& cursor = theKeyCursor;
     const std::size_t removals = theRemovals.load(std::memory_order_relaxed);
     if (cursor.mDict != this || cursor.mRemovals != removals || i < cursor.mIndex / 2)
         cursor = {this, removals, 0, mFirst};
-    if (size - 1 - i < std::abs(i - cursor.mIndex))
-        cursor = {this, removals, size - 1, mLast};
-    for (; cursor.mIndex < i; ++cursor.mIndex)
-        cursor.mEntry = cursor.mEntry->mNext;
-    for (; cursor.mIndex > i; --cursor.mIndex)
-        cursor.mEntry = cursor.mEntry->mPrev;
+    if (size - 1 - i < std::abs(i - cursor.mIndex)) cursor = {this, removals, size - 1, mLast};
+    for (; cursor.mIndex < i; ++cursor.mIndex) cursor.mEntry = cursor.mEntry->mNext;
+    for (; cursor.mIndex > i; --cursor.mIndex) cursor.mEntry = cursor.mEntry->mPrev;
     return cursor.mEntry->mKey;
 }
 
-ZAV_AssocUVal* ZAV_UValDict::GetNextAssoc(const ZAV_AssocUVal* entry) const
-{
+ZAV_AssocUVal* ZAV_UValDict::GetNextAssoc(const ZAV_AssocUVal* entry) const {
     return entry ? entry->mNext : mFirst;
 }
 
 ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key) const { return AssocAt(key, KeyLength(key)); }
 
-ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key, unsigned int length) const
-{
+ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key, unsigned int length) const {
     const ZAV_AssocUVal probe(key, length, nullptr);
     ZAV_CltObject* found = mSet.FindObjectWithKey(&probe);
-    if (found != GetNilObj())
-        return static_cast<ZAV_AssocUVal*>(found);
+    if (found != GetNilObj()) return static_cast<ZAV_AssocUVal*>(found);
     return mCaseInsensitive ? FindIgnoringCase(probe.mKey, probe.mKeyLength) : nullptr;
 }
 
-ZAV_AssocUVal* ZAV_UValDict::FindIgnoringCase(const char* key, unsigned int length) const
-{
+ZAV_AssocUVal* ZAV_UValDict::FindIgnoringCase(const char* key, unsigned int length) const {
     ZAV_Iterator it(&mSet);
     while (ZAV_CltObject* o = ++it) {
         ZAV_AssocUVal* entry = static_cast<ZAV_AssocUVal*>(o);
-        if (entry->mKeyLength == length && EqualIgnoringCase(entry->mKey, key, length))
-            return entry;
+        if (entry->mKeyLength == length && EqualIgnoringCase(entry->mKey, key, length)) return entry;
     }
     return nullptr;
 }
 
-ZAV_UVal* ZAV_UValDict::SetEntry(const char* key, ZAV_UVal* uval)
-{
+ZAV_UVal* ZAV_UValDict::SetEntry(const char* key, ZAV_UVal* uval) {
     return SetEntry(key, KeyLength(key), uval);
 }
 
-ZAV_UVal* ZAV_UValDict::SetEntry(const char* key, unsigned int length, ZAV_UVal* uval)
-{
+ZAV_UVal* ZAV_UValDict::SetEntry(const char* key, unsigned int length, ZAV_UVal* uval) {
     ZAV_AssocUVal* entry = AssocAt(key, length);
     return entry ? Replace(entry, uval) : AddEntry(key, length, uval)->mValue;
 }
 
-void ZAV_UValDict::RemoveEntry(const char* key)
-{
+void ZAV_UValDict::RemoveEntry(const char* key) {
     ZAV_AssocUVal* entry = AssocAt(key);
-    if (!entry)
-        return;
+    if (!entry) return;
     Unlink(entry);
     DestroyEntries(entry);
 }
 
-ZAV_AssocUVal* ZAV_UValDict::AddEntry(const char* key, unsigned int length, ZAV_UVal* uval)
-{
+ZAV_AssocUVal* ZAV_UValDict::AddEntry(const char* key, unsigned int length, ZAV_UVal* uval) {
     ZAV_AssocUVal* entry = new ZAV_AssocUVal(key, length, uval);
     Adopt(entry);
     return entry;
 }
 
 /// Puts an entry whose key is not yet there into the table and at the end of the list.
-void ZAV_UValDict::Adopt(ZAV_AssocUVal* entry)
-{
+void ZAV_UValDict::Adopt(ZAV_AssocUVal* entry) {
     mSet.Add(entry);
     entry->mPrev = mLast;
     entry->mNext = nullptr;
@@ -288,8 +242,7 @@ void ZAV_UValDict::Adopt(ZAV_AssocUVal* entry)
     mLast = entry;
 }
 
-void ZAV_UValDict::AdoptAll(ZAV_AssocUVal* chain)
-{
+void ZAV_UValDict::AdoptAll(ZAV_AssocUVal* chain) {
     while (chain) {
         ZAV_AssocUVal* entry = chain;
         chain = entry->mNext;
@@ -298,8 +251,7 @@ void ZAV_UValDict::AdoptAll(ZAV_AssocUVal* chain)
 }
 
 /// Takes an entry out; it is then a chain of one.
-void ZAV_UValDict::Unlink(ZAV_AssocUVal* entry)
-{
+void ZAV_UValDict::Unlink(ZAV_AssocUVal* entry) {
     theRemovals.fetch_add(1, std::memory_order_relaxed);
     mSet.Remove(entry);
     (entry->mPrev ? entry->mPrev->mNext : mFirst) = entry->mNext;
@@ -308,8 +260,7 @@ void ZAV_UValDict::Unlink(ZAV_AssocUVal* entry)
 }
 
 /// Takes all entries out, as a chain in their order.
-ZAV_AssocUVal* ZAV_UValDict::TakeAll()
-{
+ZAV_AssocUVal* ZAV_UValDict::TakeAll() {
     ZAV_AssocUVal* chain = mFirst;
     if (chain) {
         theRemovals.fetch_add(1, std::memory_order_relaxed);
@@ -321,8 +272,7 @@ ZAV_AssocUVal* ZAV_UValDict::TakeAll()
 
 /// Deletes the entries of a chain and their values. The entries of a dictionary are put in front of the chain
 /// before it is deleted, so that depth costs neither stack nor memory.
-void ZAV_UValDict::DestroyEntries(ZAV_AssocUVal* chain)
-{
+void ZAV_UValDict::DestroyEntries(ZAV_AssocUVal* chain) {
     while (chain) {
         ZAV_AssocUVal* entry = chain;
         chain = entry->mNext;
@@ -340,8 +290,7 @@ void ZAV_UValDict::DestroyEntries(ZAV_AssocUVal* chain)
 
 void ZAV_UValDict::Clear() { DestroyEntries(TakeAll()); }
 
-void ZAV_UValDict::PrintDict(std::ostream& os, const char* prefix)
-{
+void ZAV_UValDict::PrintDict(std::ostream& os, const char* prefix) {
     static const char level[] = "    |";
     std::string indent = std::string(prefix ? prefix : "") + level;
     std::vector<const ZAV_AssocUVal*> parents;

@@ -42,9 +42,9 @@ public:
     ZAV_UVal* GetUVal(const ZAV_DictPath& path) const;
     ZAV_UVal* GetUVal(const char* path) const;
     ZAV_UVal* GetUVal(const ZAV_String& path) const;
-    /// Stores `uval` at the path, creating dictionaries on the way; what was there is deleted. Returns `uval`.
-    /// When the path is empty or leads through a value that is no dictionary, `uval` is deleted, a line is
-    /// traced (level 0x10), and null is returned.
+    /// Stores `uval` at the path, creating dictionaries on the way; what was there is deleted. Returns
+    /// `uval`. When the path is empty or leads through a value that is no dictionary, `uval` is deleted, a
+    /// line is traced (level 0x10), and null is returned.
     ZAV_UVal* SetUVal(const ZAV_DictPath& path, ZAV_UVal* uval);
     ZAV_UVal* SetUVal(const char* path, ZAV_UVal* uval);
     ZAV_UVal* SetUVal(const ZAV_String& path, ZAV_UVal* uval);

@@ -13,10 +13,8 @@ struct ZAV_UValDict::KeyWalk {
     explicit KeyWalk(const char* text)
         : mAt(text ? text : ""), mEnd(mAt + std::strlen(mAt)), mSeparator(ZAV_DictPath::GetSeparator()) {}
 
-    bool Next()
-    {
-        if (mAt >= mEnd)
-            return false;
+    bool Next() {
+        if (mAt >= mEnd) return false;
         const void* stop = std::memchr(mAt, mSeparator, static_cast<std::size_t>(mEnd - mAt));
         const char* end = stop ? static_cast<const char*>(stop) : mEnd;
         mKey = mAt;

@@ -7,11 +7,10 @@
 #include <zavbase/values/value_dict_internal.h>
 
 namespace {
-ZAV_UValDict* AsDict(ZAV_UVal* value)
-{
+ZAV_UValDict* AsDict(ZAV_UVal* value) {
     return ZAV_IsDict(value) ? static_cast<ZAV_UValDict*>(value) : nullptr;
 }
-}  // namespace
+} // namespace
 
 /// One pair of dictionaries that are being merged, with the next entry to look at. Entries that arrive behind
 /// mLast while the merging goes on were not there at the call.
@@ -19,8 +18,7 @@ struct ZAV_UValDict::MergeLevel {
     MergeLevel(ZAV_UValDict& from, ZAV_UValDict& to)
         : mFrom(&from), mTo(&to), mNext(from.mFirst), mLast(from.mLast) {}
 
-    ZAV_AssocUVal* Take()
-    {
+    ZAV_AssocUVal* Take() {
         ZAV_AssocUVal* entry = mNext;
         mNext = !entry || entry == mLast ? nullptr : entry->mNext;
         return entry;
@@ -34,8 +32,7 @@ struct ZAV_UValDict::MergeLevel {
 
 /// Moves what `from` holds into `to`, which does not lie inside `from`. `from` may lie inside `to` and be
 /// replaced on the way: what is replaced is deleted only at the end, hung on the entries that were moved.
-void ZAV_UValDict::Merge(ZAV_UValDict& from, ZAV_UValDict& to)
-{
+void ZAV_UValDict::Merge(ZAV_UValDict& from, ZAV_UValDict& to) {
     if (!to.mFirst) {
         from.MoveAllInto(to);
         return;
@@ -49,8 +46,7 @@ void ZAV_UValDict::Merge(ZAV_UValDict& from, ZAV_UValDict& to)
             levels.pop_back();
             continue;
         }
-        if (!entry->mValue)
-            continue;
+        if (!entry->mValue) continue;
         ZAV_AssocUVal* there = level.mTo->AssocAt(entry->mKey, entry->mKeyLength);
         if (there && AsDict(entry->mValue) && AsDict(there->mValue)) {
             levels.emplace_back(*AsDict(entry->mValue), *AsDict(there->mValue));
@@ -69,8 +65,7 @@ void ZAV_UValDict::Merge(ZAV_UValDict& from, ZAV_UValDict& to)
 }
 
 /// Merging into an empty dictionary: no lookups, and the table is emptied at once.
-void ZAV_UValDict::MoveAllInto(ZAV_UValDict& empty)
-{
+void ZAV_UValDict::MoveAllInto(ZAV_UValDict& empty) {
     ZAV_AssocUVal* chain = TakeAll();
     while (chain) {
         ZAV_AssocUVal* entry = chain;
@@ -80,54 +75,42 @@ void ZAV_UValDict::MoveAllInto(ZAV_UValDict& empty)
 }
 
 /// Whether `sought` is this dictionary or lies inside it.
-bool ZAV_UValDict::Holds(const ZAV_UValDict* sought) const
-{
+bool ZAV_UValDict::Holds(const ZAV_UValDict* sought) const {
     std::vector<const ZAV_UValDict*> dicts{this};
     while (!dicts.empty()) {
         const ZAV_UValDict* dict = dicts.back();
-        if (dict == sought)
-            return true;
+        if (dict == sought) return true;
         dicts.pop_back();
         for (const ZAV_AssocUVal* e = dict->mFirst; e; e = e->mNext)
-            if (const ZAV_UValDict* inner = AsDict(e->mValue))
-                dicts.push_back(inner);
+            if (const ZAV_UValDict* inner = AsDict(e->mValue)) dicts.push_back(inner);
     }
     return false;
 }
 
-ZAV_UVal* ZAV_UValDict::CopyUValTo(const ZAV_DictPath& path, ZAV_UValDict* dest) const
-{
+ZAV_UVal* ZAV_UValDict::CopyUValTo(const ZAV_DictPath& path, ZAV_UValDict* dest) const {
     ZAV_UVal* value = GetUVal(path);
-    if (!value || !dest || dest == this)
-        return value;
+    if (!value || !dest || dest == this) return value;
     std::unique_ptr<ZAV_UVal> copy(value->DeepCopy());
     ZAV_UVal* there = dest->GetUVal(path);
-    if (!AsDict(copy.get()) || !AsDict(there))
-        return dest->SetUVal(path, copy.release());
+    if (!AsDict(copy.get()) || !AsDict(there)) return dest->SetUVal(path, copy.release());
     Merge(*AsDict(copy.get()), *AsDict(there));
     return there;
 }
 
-void ZAV_UValDict::CopyTo(ZAV_UValDict* dest) const
-{
-    if (!dest || dest == this)
-        return;
+void ZAV_UValDict::CopyTo(ZAV_UValDict* dest) const {
+    if (!dest || dest == this) return;
     ZAV_UValDict copy(*this);
     Merge(copy, *dest);
 }
 
-ZAV_UVal* ZAV_UValDict::MoveUValTo(const ZAV_DictPath& path, ZAV_UValDict* dest)
-{
+ZAV_UVal* ZAV_UValDict::MoveUValTo(const ZAV_DictPath& path, ZAV_UValDict* dest) {
     ZAV_UValDict* owner = nullptr;
     ZAV_AssocUVal* entry = FindUValPath(KeyWalk(path), false, &owner);
     ZAV_UVal* value = entry ? entry->mValue : nullptr;
-    if (!value || !dest || dest == this)
-        return value;
-    if (AsDict(value) && AsDict(value)->Holds(dest))
-        return CopyUValTo(path, dest);
+    if (!value || !dest || dest == this) return value;
+    if (AsDict(value) && AsDict(value)->Holds(dest)) return CopyUValTo(path, dest);
     ZAV_AssocUVal* there = dest->FindUValPath(KeyWalk(path), true);
-    if (!there)
-        return nullptr;
+    if (!there) return nullptr;
     if (AsDict(value) && AsDict(there->mValue)) {
         ZAV_UVal* merged = there->mValue;
         Merge(*AsDict(value), *AsDict(merged));
@@ -139,13 +122,10 @@ ZAV_UVal* ZAV_UValDict::MoveUValTo(const ZAV_DictPath& path, ZAV_UValDict* dest)
     return value;
 }
 
-void ZAV_UValDict::MoveTo(ZAV_UValDict* dest)
-{
-    if (!dest || dest == this)
-        return;
+void ZAV_UValDict::MoveTo(ZAV_UValDict* dest) {
+    if (!dest || dest == this) return;
     ZAV_AssocUVal* holder = mFirst;
-    while (holder && !(AsDict(holder->mValue) && AsDict(holder->mValue)->Holds(dest)))
-        holder = holder->mNext;
+    while (holder && !(AsDict(holder->mValue) && AsDict(holder->mValue)->Holds(dest))) holder = holder->mNext;
     if (!holder) {
         Merge(*this, *dest);
         return;

@@ -1,0 +1,103 @@
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include <zavbase/strings/utf_string.h>
+
+namespace {
+
+// The expected texts are those of C99; they are the same on every platform.
+template <class... Args>
+std::string made(const char* format, Args... args) {
+    ZAV_String s;
+    s.Format(format, args...);
+    return std::string(s.Ptr(), s.Length());
+}
+
+#pragma GCC diagnostic ignored "-Wformat-security"
+
+TEST(Format, Integers) {
+    EXPECT_EQ(made("%d|%5d|%-5d|%05d|%+d|% d", -7, -7, -7, -7, 7, 7), "-7|   -7|-7   |-0007|+7| 7");
+    EXPECT_EQ(made("%i %u", INT32_MIN, UINT32_MAX), "-2147483648 4294967295");
+    EXPECT_EQ(made("%x %X %#x %#X %#o %o %#x", 255, 255, 255, 255, 8, 8, 0), "ff FF 0xff 0XFF 010 10 0");
+    EXPECT_EQ(made("%.3d|%8.3d|%08.3d|%.0d|%#.0o|%#.3o", 5, 5, 5, 0, 0, 8), "005|     005|     005||0|010");
+    EXPECT_EQ(made("%ld %lu %lld %llu", -1L, 4294967295UL, INT64_MIN, UINT64_MAX),
+              "-1 4294967295 -9223372036854775808 18446744073709551615");
+    EXPECT_EQ(
+        made("%hd %hhd %hu %hhu %zu %td %jd", 70000, 300, 70000, 300, size_t{9}, ptrdiff_t{-9}, intmax_t{9}),
+        "4464 44 4464 44 9 -9 9");
+    EXPECT_EQ(made("%I64d %I32d %Nd %Fd", int64_t{1} << 40, 5, 6, 7), "1099511627776 5 6 7");
+    EXPECT_EQ(made("%*d|%-*d|%*d|%.*d|%.*d", 4, 1, 4, 2, -4, 3, 3, 4, -1, 5), "   1|2   |3   |004|5");
+    EXPECT_EQ(made("%p", reinterpret_cast<void*>(0xBEEF)), std::string(2 * sizeof(void*) - 4, '0') + "BEEF");
+}
+
+TEST(Format, Reals) {
+    EXPECT_EQ(made("%f|%.0f|%#.0f|%10.2f|%-10.2f|%+010.2f", 2.5, 2.5, 2.5, -2.555, 2.5, 2.5),
+              "2.500000|2|2.|     -2.56|2.50      |+000002.50");
+    EXPECT_EQ(made("%e|%.0e|%#.0e|%E|%.3e", 12345.678, 12345.678, 12345.678, 1e-300, 1e10),
+              "1.234568e+04|1e+04|1.e+04|1.000000E-300|1.000e+10");
+    EXPECT_EQ(made("%g|%g|%g|%G|%.3g|%.0g|%g", 100000.0, 1e6, 1e-5, 1e-5, 1234.0, 1234.0, 0.0),
+              "100000|1e+06|1e-05|1E-05|1.23e+03|1e+03|0");
+    EXPECT_EQ(made("%#g|%#g|%#.3g|%#.1g|%#g", 1.0, 1e10, 1.0, 100.0, 0.0),
+              "1.00000|1.00000e+10|1.00|1.e+02|0.00000");
+    EXPECT_EQ(made("%.20f|%.25g", 0.1, 0.1), "0.10000000000000000555|0.1000000000000000055511151");
+    const double inf = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(made("%f|%5g|%05f|%F|%e|%f", inf, -inf, inf, -inf, std::nan(""), -0.0),
+              "inf| -inf|  inf|-INF|nan|-0.000000");
+    EXPECT_EQ(made("%Lf %lf", 1.5L, 1.5), "1.500000 1.500000");
+    const std::string largest = made("%f", 1e308);
+    EXPECT_EQ(largest.size(), 309u + 7);
+    EXPECT_EQ(largest.substr(0, 30), "100000000000000001097906362944");
+    EXPECT_EQ(made("%.400f", 1.0), "1." + std::string(400, '0'));
+}
+
+TEST(Format, TextsAndTheRest) {
+    const char* const null = nullptr;
+    EXPECT_EQ(made("%s|%5s|%-5s|%.2s|%5.1s|%s", "abc", "abc", "abc", "abc", "abc", null),
+              "abc|  abc|abc  |ab|    a|(null)");
+    const char unterminated[] = {'a', 'b', 'c'};
+    EXPECT_EQ(made("%.3s|%.0s", unterminated, unterminated), "abc|");
+    EXPECT_EQ(made("%c%3c%-3c|%C%lc", 'a', 'b', 'c', L'd', 0x20AC), "a  bc  |d?");
+    EXPECT_EQ(made("%ls|%S|%.1ls|%hs", L"wide", L"\u20AC", L"wide", "thin"), "wide|?|w|thin");
+    int count = -1;
+    EXPECT_EQ(made("100%%%n!", &count), "100%!");
+    EXPECT_EQ(count, 4);
+    EXPECT_EQ(made("%y%"), "%y%") << "what is no conversion stays as it is";
+    EXPECT_EQ(made("a%cb", 0), "a") << "the length is that of the text up to its NUL";
+    EXPECT_EQ(made(nullptr), "");
+}
+
+TEST(Format, ReservesItsEstimate) {
+    ZAV_String s;
+    EXPECT_EQ(s.Format("%d", 1).Capacity(), 47u);
+    EXPECT_EQ(s.Format("abc").Capacity(), 15u) << "the old length counts, not the old buffer";
+    EXPECT_EQ(s.Format("%40d%%", 1).Capacity(), 47u);
+    EXPECT_EQ(s.Format("%E", 1.0).Capacity(), 47u) << "at least the length of the last text";
+    EXPECT_EQ(ZAV_String().Format("%E", 1.0).Capacity(), 15u) << "12 characters in a reservation of 0";
+    EXPECT_EQ(ZAV_String().Format("%f", 1e300).Length(), 308u);
+    EXPECT_EQ(ZAV_String().Format("%#x%c%30s", 1, 'a', "b").Capacity(), 79u);
+}
+
+TEST(Format, ArgumentsMayPointIntoTheString) {
+    ZAV_String s("self");
+    s.Format("%s-%s", s.Ptr(), s.Ptr() + 2);
+    EXPECT_STREQ(s, "self-lf");
+    s = "%s";
+    s.Format(s, s.Ptr());
+    EXPECT_STREQ(s, "%s");
+    EXPECT_STREQ(ZAV_UTFString().Format("%s%d", "caf\xE9", 1), "caf#1");
+}
+
+TEST(Format, IgnoresTheLocale) {
+    const std::string old = std::setlocale(LC_ALL, nullptr);
+    for (const char* name : {"de_DE.UTF-8", "de_DE", "German_Germany.1252"})
+        if (std::setlocale(LC_ALL, name)) break;
+    EXPECT_EQ(made("%.1f %g", 1.5, 2.5), "1.5 2.5");
+    EXPECT_EQ(ZAV_atof("1.5", '.'), 1.5);
+    std::setlocale(LC_ALL, old.c_str());
+}
+
+} // namespace

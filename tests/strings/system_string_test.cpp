@@ -1,0 +1,167 @@
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstring>
+#include <sstream>
+#include <string>
+
+#include <zavbase/foundation/tracer.h>
+#include <zavbase/strings/system_string.h>
+#include <zavbase/strings/text_encoding.h>
+#include <zavbase/values/config.h>
+#include <zavbase/values/uval_types.h>
+#include <zavbase/values/value_dict.h>
+
+namespace {
+
+const char kEuro[] = "\xE2\x82\xAC";
+
+// The lines of the tracer BASE at level 1, and the code pages configured by name.
+class TextEncoding : public testing::Test {
+protected:
+    void SetUp() override {
+        ZAV_Tracer::SetStreamP("BASE", &mTrace);
+        ZAV_Tracer::SetMask("BASE", 1);
+        ZAV_UValDict dict;
+        for (const long page : {1251L, 1252L, 850L, 932L, 28605L, 65001L, 99999L}) {
+            ZAV_UVal* const number = new ZAV_UValLong;
+            number->SetLongValue(page, 0);
+            dict.SetUVal(("ZAV:TEXTENCODING:" + std::to_string(page)).c_str(), number);
+        }
+        ZAV_ConfigInit(dict);
+    }
+    void TearDown() override {
+        ZAV_ConfigCleanup();
+        ZAV_Tracer::SetMask("BASE", 0);
+        ZAV_Tracer::SetStreamP("BASE", nullptr);
+    }
+    std::string trace() {
+        const std::string lines = mTrace.str();
+        mTrace.str("");
+        return lines;
+    }
+    ZAV_TextEncodingConverter page(const char* name) {
+        ZAV_TextEncodingConverter converter;
+        EXPECT_EQ(converter.Initialize(name), 0);
+        return converter;
+    }
+
+    std::ostringstream mTrace;
+};
+
+TEST_F(TextEncoding, CodePagesConvertBothWays) {
+    const struct {
+        const char *page, *text, *utf;
+    } rows[] = {{"1252", "\x80\xE9\x41", "\xE2\x82\xAC\xC3\xA9\x41"},
+                {"1252", "\x81", "\xC2\x81"}, // left free by the code page
+                {"850", "\x82\xC4", "\xC3\xA9\xE2\x94\x80"},
+                {"1251", "\xCF\xF0", "\xD0\x9F\xD1\x80"},
+                {"28605", "\xA4", "\xE2\x82\xAC"},
+                {"932", "\x83\x41\x5C", "\xE3\x82\xA2\x5C"},
+                {"65001", "\xC3\xA9", "\xC3\xA9"}};
+    for (const auto& row : rows) {
+        ZAV_TextEncodingConverter converter = page(row.page);
+        char out[32];
+        EXPECT_EQ(converter.Text2Utf(row.text, out, sizeof out), 0) << row.page;
+        EXPECT_STREQ(out, row.utf) << row.page;
+        EXPECT_EQ(converter.Utf2Text(row.utf, out, sizeof out), 0) << row.page;
+        EXPECT_STREQ(out, row.text) << row.page;
+    }
+    EXPECT_EQ(trace(), "");
+}
+
+TEST_F(TextEncoding, WhatTheCodePageLacksIsReplacedAndReported) {
+    const unsigned short ucs[] = {'a', 0x20AC, 0x4E00, 0xD800, 0};
+    const struct {
+        const char *page, *text;
+    } rows[] = {{"1252", "a\x80??"}, {"850", "a???"}, {"65001", "a\xE2\x82\xAC\xE4\xB8\x80?"}};
+    for (const auto& row : rows) {
+        char out[32];
+        long count = -1;
+        EXPECT_EQ(page(row.page).Ucs2Text(ucs, out, sizeof out, &count), -1);
+        EXPECT_STREQ(out, row.text);
+        EXPECT_EQ(count, static_cast<long>(std::strlen(row.text)));
+        EXPECT_EQ(trace(), "ERROR : WideCharToMultiByte() failure :fallback was used\n");
+    }
+    char out[8];
+    const unsigned short fullWidth[] = {0xFF21, 0};
+    EXPECT_EQ(page("1252").Ucs2Text(fullWidth, out, sizeof out, nullptr), 0) << "has a near equivalent";
+    EXPECT_STREQ(out, "A");
+}
+
+TEST_F(TextEncoding, RoomIsCountedWithTheTerminator) {
+    ZAV_TextEncodingConverter converter = page("1252");
+    unsigned short ucs[4] = {9, 9, 9, 9};
+    char text[4];
+    long count = -1;
+    EXPECT_EQ(converter.Text2Ucs("abc", ucs, 4, &count), 0);
+    EXPECT_TRUE(count == 3 && ucs[2] == 'c' && ucs[3] == 0);
+    EXPECT_EQ(converter.Ucs2Text(ucs, text, 4, &count), 0);
+    EXPECT_STREQ(text, "abc");
+    EXPECT_EQ(converter.Text2Ucs("abc", ucs, 3, &count), -1);
+    EXPECT_TRUE(count == 0 && ucs[0] == 0);
+    ucs[0] = 'a';
+    EXPECT_EQ(converter.Ucs2Text(ucs, text, 3, &count), -1);
+    EXPECT_TRUE(count == 0 && text[0] == 0);
+    EXPECT_EQ(trace(), "ERROR : TECConvertText() failure :122\nERROR : WideCharToMultiByte() failure :122\n");
+
+    EXPECT_EQ(ZAV_TextEncodingConverter::Utf2Ucs("abc", ucs, 3, &count), -1);
+    EXPECT_TRUE(ucs[1] == 'b' && ucs[2] == 0) << "what went in, terminated";
+    EXPECT_EQ(ZAV_TextEncodingConverter::Utf2Ucs("\xFF", ucs, 3, &count), -1);
+    EXPECT_TRUE(count == 1 && ucs[0] == '?');
+    EXPECT_EQ(ZAV_TextEncodingConverter::Ucs2Utf(ucs, text, 2, &count), -1);
+    EXPECT_STREQ(text, "");
+    EXPECT_EQ(trace(), "ERROR : UTFtoUnicode failure :-1\nERROR : UTFtoUnicode failure :-2\n"
+                       "ERROR : UnicodeTuUTF failure :-1\n");
+    EXPECT_EQ(converter.Text2Utf("abc", text, 0), -1);
+}
+
+TEST_F(TextEncoding, NothingConvertsWithoutACodePage) {
+    ZAV_TextEncodingConverter none;
+    char out[8] = "x";
+    EXPECT_EQ(none.Text2Utf("", out, sizeof out), 0) << "an empty text needs no code page";
+    EXPECT_EQ(none.Utf2Text("", out, sizeof out), 0);
+    EXPECT_EQ(trace(), "");
+    EXPECT_EQ(none.Text2Utf("abc", out, sizeof out), -1);
+    EXPECT_STREQ(out, "");
+    EXPECT_EQ(none.Utf2Text("abc", out, sizeof out), -1);
+    EXPECT_EQ(trace(), "ERROR : mCodePage < 0\nERROR : mCodePage < 0\n");
+    EXPECT_EQ(page("99999").Utf2Text("abc", out, sizeof out), -1) << "an unknown code page";
+    EXPECT_EQ(trace(), "ERROR : WideCharToMultiByte() failure :87\n");
+    // Names that are not configured and locales without a number leave the platform's default.
+    const std::string old = std::setlocale(LC_ALL, nullptr);
+    std::setlocale(LC_ALL, "C");
+    for (const char* name : {"unknown", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(page(name).Utf2Text("abc", out, sizeof out), 0);
+        EXPECT_STREQ(out, "abc");
+    }
+    std::setlocale(LC_ALL, old.c_str());
+}
+
+TEST_F(TextEncoding, SystemStringsMakeTheirUtfFormOnceAText) {
+    const ZAV_SystemString before(kEuro, B_TRUE);
+    EXPECT_TRUE(before.GetSystemString().IsEmpty()) << "no code page yet";
+    EXPECT_EQ(trace(), "ERROR : mCodePage < 0\n");
+
+    ZAV_SystemString::Initialize("1252");
+    ZAV_SystemString s("\x80uro");
+    ZAV_UTFString& utf = s.GetUtfString();
+    EXPECT_TRUE(utf == (std::string(kEuro) + "uro").c_str());
+    EXPECT_EQ(&s.GetUtfString(), &utf);
+    EXPECT_EQ(s.Set(utf), 0) << "the source dies in the call";
+    EXPECT_STREQ(s.GetSystemString(), "\x80uro");
+    EXPECT_EQ(s.Set("\xD0\x9F!", B_TRUE), -1);
+    EXPECT_STREQ(s.GetSystemString(), "?!");
+    EXPECT_STREQ(s.GetUtfString(), "?!");
+    EXPECT_EQ(s.Set(ZAV_String("\xE9")), 0);
+    EXPECT_STREQ(s.GetUtfString(), "\xC3\xA9") << "made anew";
+    EXPECT_EQ(s.Set(ZAV_UTFString(kEuro)), 0);
+    EXPECT_STREQ(ZAV_SystemString(s).GetUtfString(), kEuro);
+    s = s;
+    std::ostringstream os;
+    os << s << ZAV_SystemString("f") << ZAV_SystemString(nullptr, B_FALSE);
+    EXPECT_EQ(os.str(), "\x80"
+                        "f");
+}
+
+} // namespace

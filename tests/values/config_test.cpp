@@ -1,0 +1,138 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+#include <tests/support/trace_capture.h>
+#include <zavbase/foundation/exception.h>
+#include <zavbase/strings/system_string.h>
+#include <zavbase/values/config.h>
+#include <zavbase/values/uval_types.h>
+#include <zavbase/values/value_dict.h>
+
+namespace {
+
+class Config : public testing::Test {
+protected:
+    Config() {
+        ZAV_UValDict dict;
+        dict.DefineUVal("A:S:number", UVAL_DOUBLE);
+        dict.SetValue("A:S:number", 2.5);
+        dict.DefineUVal("A:S:text", UVAL_STRING);
+        dict.SetValue("A:S:text", "YES");
+        dict.DefineUVal("A:S:list", UVAL_UTFSTRING, 3);
+        dict.SetValue("A:S:list", "no", 0);
+        dict.SetValue("A:S:list", "Yes", 1);
+        ZAV_ConfigInit(dict);
+    }
+    ~Config() override { ZAV_ConfigCleanup(); }
+
+    /// A file with this text.
+    static std::string File(const char* name, const char* text) {
+        const std::string path = testing::TempDir() + name;
+        std::ofstream(path, std::ios::binary) << text;
+        return path;
+    }
+};
+
+TEST_F(Config, NothingIsThereBeforeInit) {
+    ZAV_ConfigCleanup();
+    TraceCapture trace;
+    EXPECT_EQ(5L, ZAV_ConfigGet("A", "S", "number", 5L));
+    EXPECT_EQ("Configuration variables have not been initialised yet !!\n", trace.Text());
+    EXPECT_EQ(nullptr, ZAV_ConfigGet());
+}
+
+TEST_F(Config, DefaultsAndTheirTraceLines) {
+    TraceCapture trace;
+    EXPECT_EQ(2L, ZAV_ConfigGet("A", "S", "number", 5L));
+    EXPECT_EQ(2.5F, ZAV_ConfigGet("A:S", "", "number", 0.0F));
+    EXPECT_EQ("", trace.Text());
+    EXPECT_EQ(5L, ZAV_ConfigGet("A", "S", "text", 5L));
+    EXPECT_EQ("Variable A:S:text: has not the right type\n", trace.Text());
+    trace.Clear();
+    EXPECT_STREQ("d", ZAV_ConfigGet("A", "", "X", "d"));
+    EXPECT_EQ("Variable A:X: not configured\n", trace.Text());
+    trace.Clear();
+    EXPECT_EQ(nullptr, ZAV_ConfigGet("A", "S:number", "deeper"));
+    EXPECT_EQ(nullptr, ZAV_ConfigGet("", "", nullptr));
+    EXPECT_EQ("Variable A:S:number:deeper: not configured\nVariable  not configured\n", trace.Text());
+}
+
+TEST_F(Config, NaturalCallsCompile) {
+    const int i = ZAV_ConfigGet("A", "S", "number", 5);
+    const std::size_t n = ZAV_ConfigGet("A", "S", "number", std::size_t{5});
+    const unsigned u = ZAV_ConfigGet("A", "S", "number", 0u);
+    EXPECT_TRUE(i == 2 && n == 2 && u == 2 && ZAV_ConfigGet("A", "S", "number", B_FALSE) == B_TRUE);
+    EXPECT_EQ(2.5, ZAV_ConfigGet("A", "S", "number", 0.0));
+    EXPECT_EQ(nullptr, ZAV_ConfigGet("A", "S", "none", nullptr));
+    EXPECT_NE(nullptr, ZAV_ConfigGet(ZAV_String("A"), ZAV_String("S"), "list"));
+}
+
+TEST_F(Config, TextsAndTheirElements) {
+    EXPECT_EQ(1, ZAV_ConfigGetDimension("A", "S", "text"));
+    EXPECT_EQ(3, ZAV_ConfigGetDimension("A", "S", "list"));
+    EXPECT_EQ(0, ZAV_ConfigGetDimension("A", "S", "number"));
+    EXPECT_STREQ("YES", ZAV_ConfigGetAt("A", "S", "text", 0, "d"));
+    EXPECT_STREQ("d", ZAV_ConfigGetAt("A", "S", "text", 1, "d"));
+    EXPECT_STREQ("d", ZAV_ConfigGetAt("A", "S", "list", 3, "d"));
+    EXPECT_STREQ("d", ZAV_ConfigGetAt("A", "S", "list", -1, "d"));
+    ZAV_String s;
+    ZAV_UTFString u;
+    ZAV_ConfigGetAt("A", "S", "list", 1, "d", &s);
+    ZAV_ConfigGetAt("A", "S", "number", 1, "d", &u);
+    EXPECT_TRUE(s == "Yes" && u == "d");
+    ZAV_ConfigGet("A", "S", "text", nullptr, &u);
+    ZAV_ConfigGet("A", "S", "none", nullptr, &s);
+    EXPECT_TRUE(u == "YES" && s == "");
+    EXPECT_TRUE(ZAV_IsConfigured("A", "S", "text", "yes"));
+    EXPECT_TRUE(ZAV_IsConfigured("A", "S", "list", "yEs"));
+    EXPECT_FALSE(ZAV_IsConfigured("A", "S", "list", "ye"));
+    EXPECT_FALSE(ZAV_IsConfigured("A", "S", "number", "2"));
+}
+
+TEST_F(Config, SystemTextIsLeftAloneByAVariableThatIsNoString) {
+    TraceCapture trace(0x01);
+    ZAV_SystemString out("before");
+    ZAV_ConfigGet("A", "S", "number", "deflt", &out);
+    EXPECT_TRUE(out.GetSystemString() == "before");
+    EXPECT_EQ("", trace.Text());
+    ZAV_ConfigGet("A", "S", "none", ZAV_String("deflt"), &out);
+    EXPECT_TRUE(out.GetSystemString() == "deflt");
+    ZAV_ConfigGet("A", "S", "text", "deflt", &out);
+    EXPECT_TRUE(out.GetSystemString() == "YES");
+}
+
+TEST_F(Config, AReplacementMayComeFromTheConfigurationItself) {
+    ZAV_ConfigInit(*ZAV_ConfigGet());
+    ZAV_ConfigInit(static_cast<ZAV_UValDict&>(*ZAV_ConfigGet("A", "", "")));
+    EXPECT_EQ(2L, ZAV_ConfigGet("S", "number", "", 0L));
+}
+
+TEST_F(Config, FilesAreMergedWholeOrNotAtAll) {
+    ZAV_ConfigCleanup();
+    const std::string good = File("zav_config_good", "<< /A << /x 1 /y 2 >> >>");
+    const std::string more = File("zav_config_more", "<< /A << /y 3 >> /B:z 4 >>");
+    const std::string bad = File("zav_config_bad", "<< /A << /x 9 >> /C ] >>");
+    for (const char* before : {"", "    |- A\n    |    |- x => (Long)1\n    |    |- y => (Long)2\n"}) {
+        TraceCapture trace(0x0C);
+        EXPECT_THROW(
+            try { ZAV_ConfigInit(ZAV_SystemString(bad.c_str())); } catch (ZAV_FileException* e) {
+                e->Delete();
+                throw 1;
+            },
+            int);
+        EXPECT_EQ(0u, trace.Text().find("ERROR ZAV_ConfigInit(" + bad + ") :"));
+        std::ostringstream os;
+        os << *ZAV_ConfigGet();
+        EXPECT_EQ(before, os.str());
+        ZAV_ConfigInit(good.c_str());
+    }
+    TraceCapture trace(0x08);
+    ZAV_ConfigInit(more.c_str());
+    EXPECT_EQ("    |- A\n    |    |- x => (Long)1\n    |    |- y => (Long)3\n    |- B\n    |    |- z => "
+              "(Long)4\n\n",
+              trace.Text());
+}
+
+} // namespace

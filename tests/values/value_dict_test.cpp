@@ -1,0 +1,432 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+#include <sstream>
+#include <streambuf>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <tests/support/trace_capture.h>
+#include <zavbase/foundation/error.h>
+#include <zavbase/values/check_param.h>
+#include <zavbase/values/uval_types.h>
+#include <zavbase/values/value_dict.h>
+
+namespace {
+
+/// A value of a host's own class that counts its destruction.
+class Probe : public ZAV_UValLong {
+public:
+    explicit Probe(int& destroyed) : mDestroyed(destroyed) {}
+    ~Probe() override { ++mDestroyed; }
+
+private:
+    int& mDestroyed;
+};
+
+ZAV_UVal* Number(long n) {
+    ZAV_UValLong* value = new ZAV_UValLong;
+    value->SetValue(n, 0);
+    return value;
+}
+
+/// {a: {b: 1}} as "a{b=1}"; entries in their order.
+std::string Show(const ZAV_UValDict& dict) {
+    std::string text;
+    for (ZAV_AssocUVal* e = dict.GetNextAssoc(nullptr); e; e = dict.GetNextAssoc(e)) {
+        text += (text.empty() ? "" : " ") + std::string(e->Key());
+        if (!e->Value())
+            text += "!";
+        else if (e->Value()->GetType() == UVAL_DICT)
+            text += "{" + Show(static_cast<ZAV_UValDict&>(*e->Value())) + "}";
+        else
+            text += "=" + std::to_string(e->Value()->GetLongValue(0));
+    }
+    return text;
+}
+
+/// What "a:b=1 c=2" says.
+void Fill(ZAV_UValDict& dict, const char* text) {
+    std::istringstream words(text);
+    for (std::string word; words >> word;) {
+        const std::size_t at = word.find('=');
+        dict.SetUVal(word.substr(0, at).c_str(), Number(std::stol(word.substr(at + 1))));
+    }
+}
+
+ZAV_UValDict* Dict(ZAV_UValDict& dict, const char* path) {
+    return static_cast<ZAV_UValDict*>(dict.GetUVal(path));
+}
+
+TEST(ValueDict, AValueThatCannotBePlacedIsDeletedAndTraced) {
+    ZAV_UValDict dict;
+    int destroyed = 0;
+    dict.SetUVal("a:b", new Probe(destroyed));
+    EXPECT_EQ("a{b=0}", Show(dict));
+    for (const char* blocked : {"a:b:c", ""}) {
+        TraceCapture trace(0x10);
+        destroyed = 0;
+        EXPECT_EQ(nullptr, dict.SetUVal(blocked, new Probe(destroyed)));
+        EXPECT_EQ(1, destroyed);
+        EXPECT_EQ("SetUVal: uVal about to be deleted to avoid memory leaks (you shouldn't come here)\n",
+                  trace.Text());
+    }
+    EXPECT_EQ(nullptr, dict.GetUVal(ZAV_DictPath()));
+    EXPECT_EQ(nullptr, dict.GetUVal("a:b:c"));
+}
+
+TEST(ValueDict, ReplacedRemovedAndClearedValuesDieAtOnce) {
+    int destroyed = 0;
+    ZAV_UValDict dict;
+    ZAV_UVal* value = dict.SetUVal("a:x", new Probe(destroyed));
+    dict.SetUVal("a:x", value);
+    EXPECT_EQ(0, destroyed);
+    dict.DefineUVal("a:x", UVAL_STRING);
+    EXPECT_EQ(1, destroyed);
+    EXPECT_EQ(nullptr, dict.DefineUVal("a:x", static_cast<ZAV_UValType>(13)));
+    EXPECT_EQ(nullptr, dict.DefineUValDict("a:x"));
+    EXPECT_EQ(UVAL_STRING, dict.GetUValType("a:x"));
+    dict.SetUVal("a:y", new Probe(destroyed));
+    EXPECT_EQ(Dict(dict, "a"), dict.DefineUVal("a", UVAL_DICT));
+    dict.RemoveUVal("a:missing:y");
+    dict.RemoveUVal("a:y");
+    EXPECT_EQ(2, destroyed);
+    dict.SetUVal("a:b:c", new Probe(destroyed));
+    dict.RemoveUVal("a");
+    EXPECT_EQ(3, destroyed);
+    EXPECT_EQ(0u, dict.GetSize());
+    dict.SetUVal("d:e", new Probe(destroyed));
+    dict.Clear();
+    EXPECT_EQ(4, destroyed);
+}
+
+TEST(ValueDict, AnEntryWithoutValueEndsAPathButDoesNotBlockIt) {
+    ZAV_UValDict dict;
+    dict.SetUVal("a", nullptr);
+    EXPECT_EQ(nullptr, dict.GetUVal("a"));
+    EXPECT_EQ(nullptr, dict.SetUVal("a:b", Number(1)));
+    ZAV_UValDict other;
+    dict.CopyTo(&other);
+    EXPECT_EQ("", Show(other));
+    EXPECT_EQ("a!", Show(ZAV_UValDict(dict)));
+    EXPECT_NE(nullptr, dict.DefineUValDict("a"));
+    dict.SetUVal("n", nullptr);
+    dict.RemoveUVal("n");
+    EXPECT_EQ("a{}", Show(dict));
+}
+
+TEST(ValueDict, EveryWayToSayAPathAgrees) {
+    ZAV_UValDict dict;
+    const char* paths[] = {"a:b", "a:b:", ":x", "a::c", "::", "b"};
+    long n = 0;
+    for (const char* path : paths) dict.SetUVal(ZAV_DictPath(path), Number(++n));
+    for (const char* path : paths) {
+        EXPECT_EQ(dict.GetUVal(ZAV_DictPath(path)), dict.GetUVal(path)) << path;
+        EXPECT_EQ(dict.GetUVal(ZAV_String(path)), dict.GetUVal(path)) << path;
+    }
+    EXPECT_EQ("a{b=2 {c=4}} {x=3 =5} b=6", Show(dict));
+}
+
+TEST(ValueDict, KeysAreCutToSixtyFourAndMayHoldTheSeparatorAsEntries) {
+    ZAV_UValDict dict;
+    const std::string key(70, 'k');
+    dict.SetUVal(key.c_str(), Number(1));
+    EXPECT_NE(nullptr, dict.GetUVal(key.substr(0, 64).c_str()));
+    EXPECT_EQ(dict.GetUVal(key.c_str()), dict.AssocAt(key.c_str())->Value());
+    EXPECT_EQ(nullptr, dict.GetUVal(key.substr(0, 63).c_str()));
+    dict.SetEntry("a:b", Number(2));
+    dict.SetEntry("", Number(3));
+    ZAV_UValDict moved, copied;
+    dict.CopyTo(&copied);
+    dict.MoveTo(&moved);
+    EXPECT_EQ(0u, dict.GetSize());
+    EXPECT_EQ(Show(copied), Show(moved));
+    EXPECT_EQ(2, moved.AssocAt("a:b")->Value()->GetLongValue(0));
+    EXPECT_EQ(3, moved.AssocAt("")->Value()->GetLongValue(0));
+    EXPECT_EQ(nullptr, moved.GetUVal("a:b"));
+}
+
+TEST(ValueDict, CaseIsIgnoredWhereTheDictionarySaysSo) {
+    ZAV_UValDict dict;
+    Fill(dict, "width=1 sub:Inner=2");
+    EXPECT_EQ(nullptr, dict.GetUVal("WIDTH"));
+    dict.SetCaseInsensitive(B_TRUE);
+    EXPECT_NE(nullptr, dict.GetUVal("WIDTH"));
+    EXPECT_EQ(nullptr, dict.GetUVal("SUB:inner"));
+    EXPECT_NE(nullptr, ZAV_UValDict(dict).GetUVal("SUB:Inner"));
+    dict.SetUVal("Width", Number(3));
+    EXPECT_EQ("width=3 sub{Inner=2}", Show(dict));
+}
+
+/// Against a plain list: keys that collide in the table, with all the ways to change and to look.
+TEST(ValueDict, BehavesLikeAListOfPairs) {
+    std::mt19937 random(4711);
+    ZAV_UValDict dict(1);
+    std::vector<std::pair<std::string, long>> model;
+    for (int step = 0; step < 6000; ++step) {
+        const std::string key = "key" + std::to_string(random() % 300);
+        auto at = std::find_if(model.begin(), model.end(), [&](auto& e) { return e.first == key; });
+        if (random() % 3 == 0) {
+            dict.RemoveEntry(key.c_str());
+            if (at != model.end()) model.erase(at);
+        } else {
+            dict.SetUVal(key.c_str(), Number(step));
+            if (at != model.end())
+                at->second = step;
+            else
+                model.emplace_back(key, step);
+        }
+        ASSERT_EQ(model.size(), dict.GetSize());
+        ASSERT_EQ(nullptr, dict.GetKey(static_cast<int>(model.size())));
+        for (int look = 0; look < 3 && !model.empty(); ++look) {
+            const std::size_t i = random() % model.size();
+            ASSERT_EQ(model[i].first, dict.GetKey(static_cast<int>(i)));
+            ASSERT_EQ(model[i].second, dict.GetValue(model[i].first.c_str(), -1L));
+        }
+    }
+    ZAV_UValDict copy;
+    copy = dict;
+    for (std::size_t i = 0; i < model.size(); ++i)
+        ASSERT_EQ(model[i].first, copy.GetKey(static_cast<int>(i)));
+}
+
+TEST(ValueDict, GetKeyForgetsADictionaryThatIsGone) {
+    for (int round = 0; round < 3; ++round) {
+        auto dict = std::make_unique<ZAV_UValDict>();
+        Fill(*dict, round % 2 ? "x=1 y=2 z=3" : "a=1 b=2 c=3");
+        EXPECT_STREQ(round % 2 ? "y" : "b", dict->GetKey(1));
+        dict->RemoveEntry(dict->GetKey(1));
+        EXPECT_STREQ(round % 2 ? "z" : "c", dict->GetKey(1));
+        EXPECT_EQ(nullptr, dict->GetKey(-1));
+    }
+}
+
+TEST(ValueDict, Merging) {
+    const struct {
+        const char *from, *to, *result, *left;
+    } rows[] = {
+        {"a:b=1", "a:c=2", "a{c=2 b=1}", "a{}"},
+        {"a:b=1 x=2", "a=5 y=6", "a{b=1} y=6 x=2", ""},
+        {"a=1", "a:b=2 c=3", "a=1 c=3", ""},
+        {"a:b:c=1 a:b:d=2 a:e=3", "a:b:d=4", "a{b{d=2 c=1} e=3}", "a{b{}}"},
+        {"a=1 b=2", "", "a=1 b=2", ""},
+    };
+    for (const auto& row : rows) {
+        ZAV_UValDict from, to;
+        Fill(from, row.from);
+        Fill(to, row.to);
+        const std::string before = Show(from);
+        ZAV_UValDict copied(to);
+        from.CopyTo(&copied);
+        EXPECT_EQ(row.result, Show(copied));
+        EXPECT_EQ(before, Show(from));
+        from.MoveTo(&to);
+        EXPECT_EQ(row.result, Show(to));
+        EXPECT_EQ(row.left, Show(from));
+    }
+}
+
+TEST(ValueDict, MergingOneValue) {
+    ZAV_UValDict from, to;
+    Fill(from, "a:b=1 a:c:d=2 a:c:e=3");
+    Fill(to, "a:c:d=9 x=1");
+    EXPECT_EQ(nullptr, from.CopyUValTo("a:missing", &to));
+    EXPECT_EQ(to.GetUVal("a:c"), from.CopyUValTo("a:c", &to));
+    EXPECT_EQ("a{c{d=2 e=3}} x=1", Show(to));
+    ZAV_UVal* value = from.GetUVal("a:b");
+    EXPECT_EQ(value, from.MoveUValTo("a:b", &to));
+    EXPECT_EQ(to.GetUVal("a:b"), value);
+    EXPECT_EQ("a{c{d=2 e=3}}", Show(from));
+    ZAV_UValDict blocked;
+    Fill(blocked, "a=1");
+    EXPECT_EQ(nullptr, from.MoveUValTo("a:c", &blocked));
+    EXPECT_EQ("a{c{d=2 e=3}}", Show(from));
+    EXPECT_EQ("a=1", Show(blocked));
+}
+
+TEST(ValueDict, MergingWithinOneTree) {
+    const struct {
+        const char *from, *to, *copied, *moved;
+    } rows[] = {
+        {"", "", "s{s{s=5 t=6} u=7} v=8", "s{s{s=5 t=6} u=7} v=8"},
+        {"s", "", "s{s=5 u=7 t=6} v=8 u=7", "s{s=5 t=6} v=8 u=7"},
+        {"s:s", "s", "s{s=5 u=7 t=6} v=8", "s{s=5 u=7 t=6} v=8"},
+        {"", "s:s", "s{s{s{s{s=5 t=6} u=7} t=6 v=8} u=7} v=8", "s{s{s{s{s=5 t=6} u=7} t=6 v=8} u=7}"},
+    };
+    for (const auto& row : rows) {
+        for (bool move : {false, true}) {
+            SCOPED_TRACE(std::string(row.from) + " -> " + row.to + (move ? " moved" : " copied"));
+            ZAV_UValDict dict;
+            Fill(dict, "s:s:s=5 s:s:t=6 s:u=7 v=8");
+            ZAV_UValDict* from = *row.from ? Dict(dict, row.from) : &dict;
+            ZAV_UValDict* to = *row.to ? Dict(dict, row.to) : &dict;
+            if (move)
+                from->MoveTo(to);
+            else
+                from->CopyTo(to);
+            EXPECT_EQ(move ? row.moved : row.copied, Show(dict));
+        }
+    }
+    ZAV_UValDict dict;
+    Fill(dict, "a:b=1 a:c=2");
+    dict = *Dict(dict, "a");
+    EXPECT_EQ("b=1 c=2", Show(dict));
+    dict.DefineUValDict("in");
+    *Dict(dict, "in") = dict;
+    EXPECT_EQ("b=1 c=2 in{b=1 c=2 in{}}", Show(dict));
+}
+
+class CountingBuffer : public std::streambuf {
+public:
+    unsigned long long mLines = 0;
+
+protected:
+    int_type overflow(int_type c) override { return count("\n"[0] == c), c; }
+    std::streamsize xsputn(const char* text, std::streamsize n) override {
+        count(n > 0 && text[n - 1] == '\n');
+        return n;
+    }
+
+private:
+    void count(bool line) { mLines += line ? 1 : 0; }
+};
+
+/// Deeper than any stack could follow.
+TEST(ValueDict, DepthCostsNoStack) {
+    const int depth = 200000;
+    ZAV_UValDict dict;
+    const std::string path(static_cast<std::size_t>(depth), ':');
+    dict.SetUVal(path.c_str(), Number(7));
+    {
+        ZAV_UValDict copy(dict), merged;
+        copy.CopyTo(&merged);
+        copy.MoveTo(&merged);
+        EXPECT_EQ(7, merged.GetValue(path.c_str(), 0L));
+        merged.MoveUValTo(":", &copy);
+        copy.RemoveUVal(path.c_str());
+        EXPECT_EQ(nullptr, copy.GetUVal(path.c_str()));
+    }
+    CountingBuffer buffer;
+    std::ostream os(&buffer);
+    os << dict;
+    EXPECT_EQ(static_cast<unsigned>(depth), buffer.mLines);
+}
+
+TEST(ValueDict, Print) {
+    ZAV_UValDict dict;
+    dict.SetUVal("width", Number(640));
+    dict.DefineUVal("colour:name", UVAL_STRING);
+    dict.SetValue("colour:name", "red");
+    dict.SetUVal("none", nullptr);
+    dict.DefineUValDict("empty");
+    std::ostringstream os;
+    os << dict;
+    EXPECT_EQ("    |- width => (Long)640\n    |- colour\n    |    |- name => (String)red\n    |- "
+              "none<NULL>\n    |- empty\n",
+              os.str());
+    os.str("");
+    dict.PrintDict(os, "> ");
+    EXPECT_EQ("> ", os.str().substr(0, 2));
+    os.str("");
+    os << *dict.AssocAt("width") << *dict.AssocAt("none");
+    EXPECT_EQ("width => (Long)640none => <NULL>", os.str());
+}
+
+TEST(ValueDict, ElementsByPath) {
+    ZAV_UValDict dict;
+    dict.DefineUVal("s", UVAL_STRING);
+    dict.DefineUVal("u", UVAL_UTFSTRING);
+    dict.DefineUVal("n", UVAL_ULONG, 2);
+    dict.DefineUVal("p", UVAL_PTR);
+    dict.SetValue("s", "text");
+    dict.SetValue("n", 4294967295u, 1);
+    dict.SetValue("n", "5", 1);
+    dict.SetValue("missing", 1L);
+    EXPECT_EQ(4u, dict.GetSize());
+    EXPECT_EQ(0L, dict.GetValue("s", 5L, 0));
+    EXPECT_EQ(5L, dict.GetValue("missing", 5L, 0));
+    EXPECT_EQ(-1, dict.GetValue("n", 0, 1));
+    EXPECT_EQ(4294967295ull, dict.GetValue("n", 0ull, 1));
+    EXPECT_EQ(B_TRUE, dict.GetValue("n", B_FALSE, 1));
+    EXPECT_STREQ("none", dict.GetValue("n", "none", 0));
+    EXPECT_EQ(nullptr, dict.GetValue("n", nullptr));
+    EXPECT_STREQ("-1", dict.GetValue("n", ZAV_String("?"), 1).Ptr());
+    dict.SetValue("n", ZAV_String("7"), 1);
+    EXPECT_EQ(7.0, dict.GetValue("n", 0.0, 1));
+    dict.SetValue("u", ZAV_UTFString("\xE2\x82\xAC"));
+    EXPECT_EQ(1u, dict.GetValue("u", ZAV_UTFString()).Length());
+    dict.SetValue("p", static_cast<void*>(&dict));
+    dict.SetValue("n", static_cast<void*>(nullptr));
+    EXPECT_EQ(&dict, dict.GetValue("p", static_cast<void*>(nullptr)));
+    EXPECT_EQ(&dict, dict.GetValue("s", static_cast<void*>(&dict)));
+    for (const char* path : {"s", "p", "n"}) dict.SetValue(path, nullptr, 0);
+    EXPECT_STREQ("", dict.GetValue("s", "?"));
+    EXPECT_EQ(nullptr, dict.GetValue("p", static_cast<void*>(&dict)));
+    EXPECT_EQ(2, dict.GetUValDimension("n"));
+    EXPECT_EQ(-1, dict.GetUValDimension("missing"));
+}
+
+/// Calls as a program writes them; that they compile, and mean what they say, is the test.
+TEST(ValueDict, NaturalCallsCompile) {
+    ZAV_UValDict dict;
+    const ZAV_String name("a:b");
+    dict.SetUVal(name, Number(3));
+    dict.SetUVal("c", nullptr);
+    dict.SetUVal(ZAV_UTFString("d"), Number(4));
+    dict.DefineUVal("e", UVAL_LONG, 0, 0);
+    dict.SetValue("e", 0, 0);
+    dict.SetValue("e", true);
+    dict.SetValue(name, 'c', 0);
+    dict.SetValue(name, std::size_t{3});
+    const int i = dict.GetValue(name, 0, 0);
+    const std::size_t size = dict.GetValue(name, std::size_t{0});
+    const unsigned u = dict.GetValue(name, 0u);
+    const bool flag = dict.GetValue(name, B_TRUE) != B_FALSE;
+    EXPECT_TRUE(i == 3 && size == 3 && u == 3 && flag);
+    EXPECT_EQ(nullptr, dict.GetUVal(nullptr));
+    ZAV_AssocUVal* entry = dict.AssocAt("d");
+    EXPECT_EQ(entry, dict.GetNextAssoc(dict.AssocAt("c")));
+}
+
+TEST(ValueDict, EntriesHashByWholeWordsOnly) {
+    ZAV_AssocUVal abcd("ABCD", nullptr), abcde("ABCDE", nullptr), abcdf("ABCDF", nullptr);
+    EXPECT_EQ(4u ^ 0x44434241u, abcd.Hash());
+    EXPECT_EQ(5u ^ 0x44434241u, abcde.Hash());
+    EXPECT_EQ(abcde.Hash(), abcdf.Hash());
+    EXPECT_FALSE(abcde.IsEqual(&abcdf));
+    EXPECT_LT(abcde.Compare(&abcdf), 0);
+    ZAV_UValLong other;
+    EXPECT_FALSE(abcd.IsEqual(&other));
+    int destroyed = 0;
+    Probe probe(destroyed);
+    abcd.Value(&probe);
+    std::unique_ptr<ZAV_CltObject> copy(abcd.ShallowCopy());
+    EXPECT_EQ(&probe, static_cast<ZAV_AssocUVal&>(*copy).Value(nullptr));
+    EXPECT_STREQ("BCD", abcd.Key(abcd.Key() + 1));
+    EXPECT_EQ(3u, abcd.KeyLength());
+}
+
+TEST(CheckParam, WrongTypeOrMissingThrows) {
+    ZAV_UValDict dict;
+    Fill(dict, "a:n=1");
+    ZAV_UVal* n = dict.GetUVal("a:n");
+    EXPECT_EQ(n, ZAV_CheckParam(dict, "a:n", UVAL_LONG, B_TRUE, "x"));
+    EXPECT_EQ(n, ZAV_CheckParam(dict, "a:n", UVAL_FAMILY_NUMBER, B_FALSE, "x"));
+    EXPECT_EQ(nullptr, ZAV_CheckParam(dict, "a:m", UVAL_LONG, B_FALSE, "x"));
+    const auto fails = [&](const char* path, auto wanted, boolean_t mandatory) {
+        try {
+            ZAV_CheckParam(dict, path, wanted, mandatory, nullptr);
+        } catch (ZAV_ErrorException* e) {
+            e->Delete();
+            return true;
+        }
+        return false;
+    };
+    EXPECT_TRUE(fails("a:m", UVAL_LONG, B_TRUE));
+    EXPECT_TRUE(fails("a:n", UVAL_SHORT, B_FALSE));
+    EXPECT_TRUE(fails("a:n", UVAL_FAMILY_STRING, B_FALSE));
+}
+
+} // namespace

@@ -1,0 +1,388 @@
+#include <zavbase/events/ev_dispatcher.h>
+
+#include <memory>
+#include <vector>
+
+#include <zavbase/events/count_internal.h>
+#include <zavbase/events/ev_port_internal.h>
+#include <zavbase/events/event.h>
+#include <zavbase/events/listener.h>
+#include <zavbase/events/listener_internal.h>
+#include <zavbase/events/trace_internal.h>
+#include <zavbase/foundation/new_handler.h>
+
+ZAV_DEFINE_CLASS(ZAV_EvDispatcher, ZAV_Object)
+
+namespace {
+
+const unsigned long kLongestInterval = 2147483;  // milliseconds; the signaller counts microseconds in an int
+
+// The walk's place among those that RemoveListener must know.
+class ScopedWalk : public ZAV_EvPort::Walk {
+public:
+    ScopedWalk(ZAV_EvPort& port, ZAV_Link* first) : mPort(port)
+    {
+        next = first;
+        outer = port.mWalks;
+        port.mWalks = this;
+    }
+    ~ScopedWalk() { mPort.mWalks = outer; }
+    ScopedWalk(const ScopedWalk&) = delete;
+    ScopedWalk& operator=(const ScopedWalk&) = delete;
+
+private:
+    ZAV_EvPort& mPort;
+};
+
+} // namespace
+
+int ZAV_EvDispatcher::instance_counter = 0;
+ZAV_EvDispatcher::EventTracerFn ZAV_EvDispatcher::mEventTracerFn = nullptr;
+
+ZAV_EvDispatcher::ZAV_EvDispatcher() : mWaiting(0), mStopping(0)
+{
+    mQueue.Add(new ZAV_EvPort(this));
+    ZAV_CountLive(instance_counter, 1);
+}
+
+// The first cleanup lets events queue further ones; what other threads post after it goes with the second.
+ZAV_EvDispatcher::~ZAV_EvDispatcher()
+{
+    Cleanup();
+    ZAV_EvPort& port = Port();
+    port.Close();
+    Cleanup();
+    DropHandlers();
+    DropListeners();
+    mQueue.Clear();
+    port.Release();
+    ZAV_CountLive(instance_counter, -1);
+}
+
+ZAV_EvPort& ZAV_EvDispatcher::Port() const
+{
+    return *static_cast<ZAV_EvPort*>(mQueue.First());
+}
+
+void ZAV_EvDispatcher::AddListener(ZAV_Listener* listener)
+{
+    if (mStopping != 0 || listener == nullptr || !zav_listeners::Claim(listener, this)) return;
+    mListeners.Add(listener);
+}
+
+// The address is only compared until it is found in the list: the listener may be gone.
+void ZAV_EvDispatcher::RemoveListener(ZAV_Listener* listener)
+{
+    if (listener == nullptr) return;
+    for (ZAV_EvPort::Walk* walk = Port().mWalks; walk != nullptr; walk = walk->outer)
+        if (walk->next == listener) walk->next = listener->NextLink();
+    if (mListeners.Remove(static_cast<const ZAV_Link*>(listener)) != nullptr) zav_listeners::Release(listener);
+}
+
+void ZAV_EvDispatcher::AddEvHandler(const ZAV_EvHandlerRef& handler)
+{
+    if (mStopping != 0) return;
+    auto entry = std::make_unique<ZAV_EvHandlerRef>(handler);
+    ZAV_EvPort& port = Port();
+    ZAV_Mutex::Lock lock(port.mHandlersLock, B_FALSE);
+    entry->GetBody()->Attach(&port);
+    mHandlers.Add(entry.release());
+}
+
+// The entry is destroyed outside the lock: it may be the last reference, and the handler's destructor is the
+// host's.
+void ZAV_EvDispatcher::RemoveEvHandler(const ZAV_EvHandlerRef& handler)
+{
+    std::unique_ptr<ZAV_Link> entry;
+    bool lastWhenStopping = false;
+    {
+        ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
+        ZAV_Link* link = static_cast<ZAV_Link*>(mHandlers.First());
+        while (!link->IsListEnd() && !static_cast<ZAV_EvHandlerRef*>(link)->IsRefEqual(handler))
+            link = link->NextLink();
+        if (link->IsListEnd()) return;
+        handler->Detach();
+        entry.reset(mHandlers.Remove(static_cast<const ZAV_Link*>(link)));
+        lastWhenStopping = mHandlers.IsEmpty() && mStopping != 0;
+    }
+    if (lastWhenStopping) SignalChange();
+}
+
+bool ZAV_EvDispatcher::HasHandlers()
+{
+    ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
+    return !mHandlers.IsEmpty();
+}
+
+void ZAV_EvDispatcher::DropHandlers()
+{
+    for (;;) {
+        std::unique_ptr<ZAV_Link> entry;
+        ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
+        if (mHandlers.IsEmpty()) return;
+        entry.reset(mHandlers.RemoveFirst());
+    }
+}
+
+void ZAV_EvDispatcher::DropListeners()
+{
+    while (!mListeners.IsEmpty()) RemoveListener(static_cast<ZAV_Listener*>(mListeners.First()));
+}
+
+void ZAV_EvDispatcher::QueueEvent(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority)
+{
+    if (event == nullptr) return;
+    if (handler->IsActive())
+        Port().Send(handler, event, priority);
+    else
+        ZAV_EvPort::Discard(event);
+}
+
+void ZAV_EvDispatcher::Stop()
+{
+    mStopping = 1;
+    SignalChange();
+}
+
+// What happens before it is seen by a dispatcher that is just going to sleep.
+void ZAV_EvDispatcher::SignalChange()
+{
+    ZAV_MutexSignaller::Lock lock(mSignaller);
+    ++Port().mChanges;
+    if (mWaiting != 0) mSignaller.Signal();
+}
+
+// Under the lock: the dispatching thread holds it from the moment posts see it sleep until it does.
+void ZAV_EvDispatcher::Wake()
+{
+    ZAV_MutexSignaller::Lock lock(mSignaller);
+    if (mWaiting != 0) mSignaller.Signal();
+}
+
+void ZAV_EvDispatcher::SetWakeUpInterval(unsigned long ms)
+{
+    Port().mWakeUpInterval = static_cast<std::uint32_t>(ms < kLongestInterval ? ms : kLongestInterval);
+}
+
+unsigned long ZAV_EvDispatcher::WakeUpInterval() const
+{
+    return Port().mWakeUpInterval;
+}
+
+unsigned long ZAV_EvDispatcher::QueueLength() const
+{
+    return Port().Length();
+}
+
+unsigned long ZAV_EvDispatcher::QueueHighWater() const
+{
+    return Port().HighWater();
+}
+
+void ZAV_EvDispatcher::Dispatch(ZAV_EvDispatcherControl control)
+{
+    bool done = mStopping != 0;
+    while (!done) {
+        DispatchBatch();
+        if (control == DISPATCH_ONCE) {
+            ZAV_BASE_TRACE(0x0200, "DispatchEvent lock.Wait() : DISPATCH_ONCE out");
+            break;
+        }
+        if (control == DISPATCH_UNTIL_NO_HANDLERS && !HasHandlers()) {
+            mStopping = 1;
+            done = true;
+        }
+        if (control == DISPATCH_UNTIL_STOPPED) done = EndOrSleep();
+    }
+    Finish();
+}
+
+void ZAV_EvDispatcher::DispatchBatch()
+{
+    ZAV_EvPort& port = Port();
+    std::size_t rest = port.Drain();
+    do {
+        PollListeners();
+        const std::size_t length = port.Drain();
+        if (length < rest) rest = length;
+        if (rest == 0) return;
+        ZAV_Event* event = port.Take();
+        if (event->mPriority < 1) --rest;
+        ZAV_BASE_TRACE(0x0200, "DispatchEvent : event" << *event);
+        DispatchEvent(event);
+    } while (rest != 0);
+}
+
+void ZAV_EvDispatcher::PollListeners()
+{
+    if (mListeners.IsEmpty()) return;
+    ScopedWalk walk(Port(), static_cast<ZAV_Link*>(mListeners.First()));
+    ZAV_Listener* current = nullptr;
+    ZAV_EXCEPTION_LINK link;
+    try {
+        while (!walk.next->IsListEnd()) {
+            current = static_cast<ZAV_Listener*>(walk.next);
+            walk.next = current->NextLink();
+            current->Listen(LISTEN_POLL);
+        }
+    } catch (ZAV_Exception* e) {
+        link.mException = e;
+        ZAV_TraceCaught("Removing a listener : Dispatch caught exception in Listen():", e);
+        RemoveListener(current);
+    }
+}
+
+namespace {
+
+// Destroys an event that was handled, whatever way the handler was left, unless the handler kept it. A
+// destination means that it was queued again without being kept: it is the queue's then.
+class HandledEvent {
+public:
+    explicit HandledEvent(ZAV_Event* event, ZAV_EvHandlerRef* const& destination)
+        : mEvent(event), mDestination(destination)
+    {
+    }
+    ~HandledEvent()
+    {
+        if (mEvent != nullptr && mDestination == nullptr) delete mEvent;
+    }
+    HandledEvent(const HandledEvent&) = delete;
+    HandledEvent& operator=(const HandledEvent&) = delete;
+
+    // From here on it may be handled, and be gone, on another thread.
+    void Keep() { mEvent = nullptr; }
+
+private:
+    ZAV_Event* mEvent;
+    ZAV_EvHandlerRef* const& mDestination;
+};
+
+} // namespace
+
+void ZAV_EvDispatcher::DispatchEvent(ZAV_Event* event)
+{
+    std::unique_ptr<ZAV_EvHandlerRef> handler(event->RemoveDestination());
+    HandledEvent handled(event, event->mDestination);
+    int flags = 0;
+    {
+        ZAV_EXCEPTION_LINK link;
+        try {
+            flags = HandOver(event, handler->GetBody());
+        } catch (ZAV_Exception* e) {
+            link.mException = e;
+            ZAV_TraceCaught("DispatchEvent caught exception :", e);
+        }
+    }
+    if ((flags & 1) != 0) handled.Keep();
+    if ((flags & 2) != 0) RemoveEvHandler(*handler);
+}
+
+int ZAV_EvDispatcher::HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler)
+{
+    TraceEvent("DispatchEvent", event, handler);
+    if (handler->IsActive()) return handler->HandleEvent(event);
+    event->EmergencyCleanup();
+    return 0;
+}
+
+// Whether to end. The changes are counted from before the tests on, so that none of them is slept over.
+bool ZAV_EvDispatcher::EndOrSleep()
+{
+    ZAV_EvPort& port = Port();
+    if (mStopping == 0 && port.Drain() != 0) return false;
+    unsigned seenChanges;
+    {
+        ZAV_MutexSignaller::Lock lock(mSignaller);
+        seenChanges = port.mChanges;
+    }
+    if (mStopping != 0) {
+        if (!HasHandlers()) {
+            ZAV_BASE_TRACE(0x0100, "EventDispatcher terminating :");
+            return true;
+        }
+        TraceRemainingHandlers();
+    }
+    Sleep(seenChanges);
+    return false;
+}
+
+void ZAV_EvDispatcher::TraceRemainingHandlers()
+{
+    if (ZAV_TraceLine::Sink(tr_base, tr_base_name, 0x0100) == nullptr) return;
+    std::vector<const char*> names;
+    {
+        ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
+        for (ZAV_Link* link = static_cast<ZAV_Link*>(mHandlers.First()); !link->IsListEnd(); link = link->NextLink())
+            names.push_back(static_cast<ZAV_EvHandlerRef*>(link)->GetBody()->ClassName());
+    }
+    ZAV_BASE_TRACE(0x0100, "EventHandlers not yet terminated :");
+    for (const char* name : names) ZAV_BASE_TRACE(0x0100, "  --" << name);
+}
+
+void ZAV_EvDispatcher::Sleep(unsigned seenChanges)
+{
+    ZAV_EvPort& port = Port();
+    ZAV_MutexSignaller::Lock lock(mSignaller);
+    if (port.mChanges != seenChanges || !port.BeginSleep()) return;
+    mWaiting = 1;
+    const std::uint32_t interval = port.mWakeUpInterval;
+    if (interval != 0)
+        lock.TimedWait(static_cast<int>(interval * 1000));
+    else
+        lock.Wait();
+    mWaiting = 0;
+    port.EndSleep();
+}
+
+void ZAV_EvDispatcher::Finish()
+{
+    if (mStopping == 0) return;
+    Cleanup();
+    DropHandlers();
+    DropListeners();
+}
+
+void ZAV_EvDispatcher::Cleanup()
+{
+    ZAV_EvPort& port = Port();
+    while (port.Drain() != 0) ZAV_EvPort::Discard(port.Take());
+}
+
+void ZAV_EvDispatcher::SetEventTracer(EventTracerFn fn)
+{
+    std::atomic_ref<EventTracerFn>(mEventTracerFn).store(fn, std::memory_order_release);
+}
+
+void ZAV_EvDispatcher::TraceEvent(const char* text, ZAV_Event* event, ZAV_EvHandlerBody* handler)
+{
+    EventTracerFn fn = std::atomic_ref<EventTracerFn>(mEventTracerFn).load(std::memory_order_acquire);
+    if (fn != nullptr) fn(text, event, handler);
+}
+
+ZAV_EvDispatcherThread::ZAV_EvDispatcherThread(ZAV_EvDispatcher& dispatcher)
+    : ZAV_Thread(ZAV_THREAD_JOINED), mDispatcher(dispatcher)
+{
+}
+
+// The wait is here and not left to the base: a thread that has not yet entered run must still find this class.
+ZAV_EvDispatcherThread::~ZAV_EvDispatcherThread()
+{
+    ZAV_BASE_TRACE(0x0080, "ZAV_EvDispatcherThread exited");
+    FinishThread();
+}
+
+ZAV_ThreadError ZAV_EvDispatcherThread::StopThread()
+{
+    mDispatcher.Stop();
+    return ZAV_ThreadError(0);
+}
+
+void ZAV_EvDispatcherThread::run()
+{
+    ZAV_EXCEPTION_LINK link;
+    try {
+        mDispatcher.Dispatch(DISPATCH_UNTIL_STOPPED);
+    } catch (const dummyalloc&) {
+        ZAV_BASE_TRACE(0x0001, "ZAV_EvDispatcherThread : unexpected badalloc exception during Dispatch() :");
+    }
+}

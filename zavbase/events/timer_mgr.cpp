@@ -1,0 +1,286 @@
+#include <zavbase/events/timer_mgr.h>
+
+#include <memory>
+#include <mutex>
+#include <ostream>
+#include <thread>
+
+#include <zavbase/events/ev_dispatcher.h>
+#include <zavbase/events/ev_port_internal.h>
+#include <zavbase/events/listener_internal.h>
+#include <zavbase/events/ticks_internal.h>
+#include <zavbase/events/timer_queue_internal.h>
+#include <zavbase/events/trace_internal.h>
+#include <zavbase/threads/time.h>
+#include <zavbase/values/config.h>
+
+ZAV_DEFINE_CLASS(ZAV_EventTimer, ZAV_Event)
+ZAV_DEFINE_CLASS(ZAV_TimerMgr, ZAV_Listener)
+
+/// What the manager's list of timers holds in place of the timers.
+class ZAV_TimerStore : public ZAV_Link {
+public:
+    ZAV_TimerQueue mQueue;                 // under mTimersMutex
+    std::atomic<std::size_t> mPending{0};  // its count, for those who only want to know if there are any
+    unsigned mChanges = 0;                 // what the manager's thread would have to look at; under mWakeUp
+};
+
+namespace {
+
+const long kTypeTimer = 0x54696D72;
+const std::uint32_t kLongestSleep = 10000;  // milliseconds
+
+constinit std::mutex theCreationLock;
+constinit std::atomic<int> theUsers{0};
+
+std::atomic_ref<ZAV_TimerMgr*> TheManager()
+{
+    return std::atomic_ref<ZAV_TimerMgr*>(ZAV_TimerMgr::theTimerMgr);
+}
+
+// Keeps the manager from being destroyed during a call. Who destroys it takes the pointer away first and then
+// waits for the users to go.
+class ManagerUse {
+public:
+    ManagerUse()
+    {
+        theUsers.fetch_add(1);
+        mManager = TheManager().load();
+    }
+    ~ManagerUse() { theUsers.fetch_sub(1); }
+    ManagerUse(const ManagerUse&) = delete;
+    ManagerUse& operator=(const ManagerUse&) = delete;
+
+    ZAV_TimerMgr* mManager;
+};
+
+} // namespace
+
+ZAV_EventTimer::ZAV_EventTimer(long id, unsigned long start, unsigned long timeout, ZAV_EvHandlerBody* handler,
+                               long priority)
+    : ZAV_Event(kTypeTimer), mTimeout(static_cast<zav_ulong32>(timeout)), mStart(static_cast<zav_ulong32>(start)),
+      mId(static_cast<zav_long32>(id))
+{
+    SetDestination(handler, priority);
+}
+
+ZAV_EventTimer::~ZAV_EventTimer() {}
+
+void ZAV_EventTimer::PrintOn(std::ostream& os)
+{
+    ZAV_Event::PrintOn(os);
+    os << " = ZAV_EventTimer(mId =" << mId << ", mTimeout =" << mTimeout << ")";
+}
+
+int ZAV_EventTimer::TimeoutElapsed(unsigned long now) const
+{
+    return ZAV_TicksBetween(static_cast<std::uint32_t>(mStart), static_cast<std::uint32_t>(now)) >= mTimeout;
+}
+
+long ZAV_EventTimer::TimeToGo(unsigned long now) const
+{
+    const std::uint32_t elapsed =
+        ZAV_TicksBetween(static_cast<std::uint32_t>(mStart), static_cast<std::uint32_t>(now));
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(mTimeout) - elapsed);
+}
+
+ZAV_TimerMgr* ZAV_TimerMgr::theTimerMgr = nullptr;
+
+void ZAV_TimerMgr::InitializeListener(boolean_t ownThread, ZAV_EvDispatcher* dispatcher)
+{
+    std::lock_guard<std::mutex> guard(theCreationLock);
+    if (TheManager().load() != nullptr) return;
+    ZAV_TimerMgr* manager = new ZAV_TimerMgr;
+    std::unique_ptr<ZAV_Link> owned(manager);
+    manager->Initialize(ownThread, dispatcher);
+    owned.release();
+    TheManager().store(manager);
+}
+
+// No lock is held while it is destroyed: destructors of handlers may call back.
+void ZAV_TimerMgr::CleanupListener()
+{
+    ZAV_TimerMgr* manager = TheManager().exchange(nullptr);
+    while (theUsers.load() != 0) std::this_thread::yield();
+    delete manager;
+}
+
+long ZAV_TimerMgr::AddTimer(unsigned long ms, ZAV_EvHandlerBody* handler, long priority)
+{
+    ManagerUse use;
+    if (use.mManager == nullptr || handler == nullptr) return -1;
+    return use.mManager->Protected_AddTimer(ms, handler, priority);
+}
+
+// The timer is destroyed when no use is counted any more, since it may take its handler along.
+void ZAV_TimerMgr::RemoveTimer(long id)
+{
+    std::unique_ptr<ZAV_EventTimer> timer;
+    ManagerUse use;
+    if (use.mManager != nullptr) timer.reset(use.mManager->Protected_RemoveTimer(id));
+}
+
+ZAV_TimerMgr::ZAV_TimerMgr() : mLastId(0), mStopped(0), mThread(nullptr), mDispatcher(nullptr)
+{
+    mTimers.Add(new ZAV_TimerStore);
+}
+
+ZAV_TimerMgr::~ZAV_TimerMgr()
+{
+    Cleanup();
+    delete mTimers.RemoveFirst();
+}
+
+void ZAV_TimerMgr::Initialize(boolean_t ownThread, ZAV_EvDispatcher* dispatcher)
+{
+    if (!ownThread) {
+        mDispatcher = dispatcher;
+        if (dispatcher != nullptr) dispatcher->AddListener(this);
+        return;
+    }
+    mThread = new ZAV_ListenerThread("ZAV_TimerMgr", *this);
+    mThread->BeginThread(ZAV_THREAD_CLEANUP_NONE, 0);
+    if (ZAV_ConfigGet("ZAV", "SYSTEM", "SET_TIMER_PRIORITY", 0L) != 0)
+        mThread->SetPriority(static_cast<int>(ZAV_ConfigGet("ZAV", "SYSTEM", "TIMER_PRIORITY", 0L)));
+}
+
+// The dispatcher is asked for by way of the table of listeners: it may be gone.
+void ZAV_TimerMgr::Cleanup()
+{
+    if (mStopped == 0) Stop();
+    if (mDispatcher != nullptr) {
+        if (ZAV_EvDispatcher* dispatcher = zav_listeners::Owner(this)) dispatcher->RemoveListener(this);
+        mDispatcher = nullptr;
+    }
+    if (mThread != nullptr) {
+        mThread->WaitForThread();
+        delete mThread;
+        mThread = nullptr;
+    }
+    DestroyTimers();
+}
+
+void ZAV_TimerMgr::DestroyTimers()
+{
+    for (;;) {
+        std::unique_ptr<ZAV_EventTimer> timer;
+        ZAV_Mutex::Lock lock(mTimersMutex, B_FALSE);
+        timer.reset(Store().mQueue.TakeAny());
+        Store().mPending = Store().mQueue.Count();
+        if (timer == nullptr) return;
+    }
+}
+
+ZAV_TimerStore& ZAV_TimerMgr::Store()
+{
+    return *static_cast<ZAV_TimerStore*>(mTimers.First());
+}
+
+long ZAV_TimerMgr::GetNextId()
+{
+    mLastId = static_cast<zav_long32>(static_cast<std::uint32_t>(mLastId) + 1);
+    return mLastId;
+}
+
+// The thread is woken only for a timer that falls due before all others; for any later one it wakes in time.
+long ZAV_TimerMgr::Protected_AddTimer(unsigned long ms, ZAV_EvHandlerBody* handler, long priority)
+{
+    long id;
+    bool first;
+    {
+        ZAV_Mutex::Lock lock(mTimersMutex, B_FALSE);
+        ZAV_TimerStore& store = Store();
+        const std::uint32_t now = static_cast<std::uint32_t>(ZAV_CurrentTime());
+        id = GetNextId();
+        std::unique_ptr<ZAV_EventTimer> timer(new ZAV_EventTimer(id, now, ms, handler, priority));
+        first = store.mQueue.Insert(timer.get(), static_cast<std::int32_t>(id), now, static_cast<std::uint32_t>(ms));
+        timer.release();
+        store.mPending.store(store.mQueue.Count(), std::memory_order_relaxed);
+    }
+    if (first) WakeUp();
+    return id;
+}
+
+// Nobody is woken: a thread that sleeps for the removed timer finds nothing due, once.
+ZAV_EventTimer* ZAV_TimerMgr::Protected_RemoveTimer(long id)
+{
+    ZAV_Mutex::Lock lock(mTimersMutex, B_FALSE);
+    ZAV_TimerStore& store = Store();
+    ZAV_EventTimer* timer = store.mQueue.Cancel(static_cast<std::int32_t>(id));
+    store.mPending.store(store.mQueue.Count(), std::memory_order_relaxed);
+    return timer;
+}
+
+// The change is counted, so that a thread that is just going to sleep does not miss it.
+void ZAV_TimerMgr::WakeUp()
+{
+    if (mThread == nullptr) return;
+    ZAV_MutexSignaller::Lock lock(mWakeUp);
+    ++Store().mChanges;
+    mWakeUp.Signal();
+}
+
+void ZAV_TimerMgr::Stop()
+{
+    mStopped = 1;
+    WakeUp();
+}
+
+void ZAV_TimerMgr::Listen(ZAV_ListenerControl control)
+{
+    if (control == LISTEN_POLL && Store().mPending.load(std::memory_order_relaxed) == 0) return;
+    do {
+        const unsigned seenChanges = control == LISTEN_BLOCK ? SeenChanges() : 0;
+        while (FireOne() && mStopped == 0) {
+        }
+        if (control != LISTEN_BLOCK || mStopped != 0) return;
+        SleepUnlessChanged(seenChanges);
+    } while (mStopped == 0);
+}
+
+// Takes under the lock, queues outside: that may destroy the event, its handler, and call the host.
+bool ZAV_TimerMgr::FireOne()
+{
+    ZAV_EventTimer* timer;
+    {
+        ZAV_Mutex::Lock lock(mTimersMutex, B_FALSE);
+        ZAV_TimerStore& store = Store();
+        timer = store.mQueue.TakeDue(static_cast<std::uint32_t>(ZAV_CurrentTime()));
+        store.mPending.store(store.mQueue.Count(), std::memory_order_relaxed);
+    }
+    if (timer != nullptr) QueueTimer(timer);
+    return timer != nullptr;
+}
+
+void ZAV_TimerMgr::QueueTimer(ZAV_EventTimer* timer)
+{
+    std::unique_ptr<ZAV_EventTimer> owned(timer);
+    const ZAV_EvHandlerRef handler(*timer->mDestination);
+    ZAV_EXCEPTION_LINK link;
+    try {
+        const bool taken = handler->QueueEvent(timer, timer->mPriority) >= 0;
+        owned.release();
+        if (!taken) ZAV_EvPort::Discard(timer);
+    } catch (ZAV_Exception* e) {
+        link.mException = e;
+        ZAV_TraceCaught("ZAV_TimerMgr caught exception :", e);
+    }
+}
+
+unsigned ZAV_TimerMgr::SeenChanges()
+{
+    ZAV_MutexSignaller::Lock lock(mWakeUp);
+    return Store().mChanges;
+}
+
+void ZAV_TimerMgr::SleepUnlessChanged(unsigned seenChanges)
+{
+    std::uint32_t ms;
+    {
+        ZAV_Mutex::Lock lock(mTimersMutex, B_FALSE);
+        ms = Store().mQueue.TicksToGo(static_cast<std::uint32_t>(ZAV_CurrentTime()), kLongestSleep);
+    }
+    if (ms == 0) return;
+    ZAV_MutexSignaller::Lock lock(mWakeUp);
+    if (Store().mChanges == seenChanges) lock.TimedWait(static_cast<int>(ms * 1000));
+}
