@@ -49,6 +49,7 @@ private:
 
     friend class ZAV_OrderedCltn;
     friend class ZAV_Set;
+    friend struct ZAV_SetAccess;
     void GrowWithSlack(uint32_t n);
 
     ZAV_CltObject** mArray;  // room and helps of the slots stand in a hidden header in front of the first

@@ -69,6 +69,7 @@ private:
     int Compare(const ZAV_CltObject* o) const override;  ///< 0
 
     friend class ZAV_Dictionary;
+    friend struct ZAV_SetAccess;
     /// The element equal to `o`, or null: FindIndexOf and the slot in one step.
     ZAV_CltObject* Lookup(const ZAV_CltObject* o) const;
     bool ProbesItself() const;

@@ -7,6 +7,7 @@
 
 #include <zavbase/collections/strong_hash_internal.h>
 #include <zavbase/values/uval.h>
+#include <zavbase/values/value_dict_internal.h>
 
 ZAV_DEFINE_CLASS(ZAV_AssocUVal, ZAV_CltObject)
 
@@ -20,10 +21,17 @@ const char* BytesOfEntry(const ZAV_CltObject* o, uint32_t* length) {
 
 /// Hash() misses the last bytes of a key, so that numbered keys collide; this lets sets find them all the
 /// same.
-[[maybe_unused]] const bool isRegistered =
-    (zav_strong::RegisterKeyClass(typeid(ZAV_AssocUVal), &BytesOfEntry), true);
+uint16_t RegisterEntries() {
+    zav_strong::RegisterKeyClass(typeid(ZAV_AssocUVal), &BytesOfEntry);
+    zav_strong::KeyView view{};
+    const ZAV_AssocUVal sample("", nullptr);
+    zav_strong::View(&sample, view);
+    return view.mKind;
+}
 
 } // namespace
+
+const uint16_t ZAV_EntryKind = RegisterEntries();
 
 ZAV_AssocUVal::ZAV_AssocUVal(const char* key, ZAV_UVal* value)
     : mValue(value), mPrev(nullptr), mNext(nullptr) {
@@ -66,15 +74,7 @@ int ZAV_AssocUVal::Compare(const ZAV_CltObject* o) const {
     return std::strcmp(mKey, static_cast<const ZAV_AssocUVal*>(o)->mKey);
 }
 
-unsigned int ZAV_AssocUVal::Hash() const {
-    uint32_t hash = mKeyLength;
-    for (uint32_t i = 0; i + 4 <= mKeyLength; i += 4) {
-        uint32_t word;
-        std::memcpy(&word, mKey + i, 4);
-        hash ^= word;
-    }
-    return hash;
-}
+unsigned int ZAV_AssocUVal::Hash() const { return ZAV_EntryHash(mKey, mKeyLength); }
 
 ZAV_CltObject* ZAV_AssocUVal::ShallowCopy() const { return new (std::nothrow) ZAV_AssocUVal(*this); }
 

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include <zavbase/collections/iterator.h>
-#include <zavbase/collections/nil.h>
+#include <zavbase/collections/set_access_internal.h>
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict_internal.h>
@@ -193,13 +193,20 @@ ZAV_AssocUVal* ZAV_UValDict::GetNextAssoc(const ZAV_AssocUVal* entry) const {
     return entry ? entry->mNext : mFirst;
 }
 
-ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key) const { return AssocAt(key, KeyLength(key)); }
+ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key) const {
+    return AssocAt(key ? key : "", KeyLength(key));
+}
 
 ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key, unsigned int length) const {
-    const ZAV_AssocUVal probe(key, length, nullptr);
-    ZAV_CltObject* found = mSet.FindObjectWithKey(&probe);
-    if (found != GetNilObj()) return static_cast<ZAV_AssocUVal*>(found);
-    return mCaseInsensitive ? FindIgnoringCase(probe.mKey, probe.mKeyLength) : nullptr;
+    length = (std::min)(length, static_cast<unsigned int>(ZAV_AssocUVal::kMaxKeyLength));
+    const auto hasKey = [=](const ZAV_CltObject* o) {
+        const ZAV_AssocUVal* entry = static_cast<const ZAV_AssocUVal*>(o);
+        return entry->mKeyLength == length && std::memcmp(entry->mKey, key, length) == 0;
+    };
+    const zav_strong::KeyView view = {key, length, ZAV_EntryKind, 0};
+    if (ZAV_CltObject* found = ZAV_SetAccess::Find(mSet, view, ZAV_EntryHash(key, length), hasKey))
+        return static_cast<ZAV_AssocUVal*>(found);
+    return mCaseInsensitive ? FindIgnoringCase(key, length) : nullptr;
 }
 
 ZAV_AssocUVal* ZAV_UValDict::FindIgnoringCase(const char* key, unsigned int length) const {

@@ -5,6 +5,20 @@
 
 #include <zavbase/values/value_dict.h>
 
+/// The number under which entries are registered with the sets; see strong_hash_internal.h.
+extern const uint16_t ZAV_EntryKind;
+
+/// ZAV_AssocUVal::Hash of a key.
+inline uint32_t ZAV_EntryHash(const char* key, uint32_t length) {
+    uint32_t hash = length;
+    for (uint32_t i = 0; i + 4 <= length; i += 4) {
+        uint32_t word;
+        std::memcpy(&word, key + i, 4);
+        hash ^= word;
+    }
+    return hash;
+}
+
 inline bool ZAV_IsDict(const ZAV_UVal* value) { return value && value->GetType() == UVAL_DICT; }
 
 /// Walks the keys of a path: each runs to the separator, or to the end.
