@@ -111,7 +111,7 @@ int main(int argc, char** argv) {
     ZAV_TRY
         result = Run(argc - skip, argv + skip);
     ZAV_CATCH(ZAV_FileException, e)
-        std::cerr << "zavlock: " << *e << ": " << GetErrorString(e->mOsError) << "\n";
+        std::cerr << "zavlock: " << *e << (e->mOsError ? std::string(": ") + GetErrorString(e->mOsError) : "") << "\n";
     ZAV_CATCH(ZAV_Exception, e)
         std::cerr << "zavlock: the lock cannot be an entry of the file, or its entry is damaged\n";
         (void)e;

@@ -17,11 +17,11 @@ uint32_t Failure() { return static_cast<uint32_t>(errno); }
 /// "create" the existing file of another user.
 int OpenOrCreate(const char* path) {
     const int flags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
-    int file = open(path, flags);
-    while (file < 0 && errno == ENOENT) {
-        file = open(path, flags | O_CREAT | O_EXCL, 0666);
-        if (file < 0 && errno == EEXIST) file = open(path, flags);
-    }
+    int file;
+    do {
+        file = open(path, flags);
+        if (file < 0 && errno == ENOENT) file = open(path, flags | O_CREAT | O_EXCL, 0666);
+    } while (file < 0 && errno == EEXIST);
     return file;
 }
 

@@ -1,0 +1,58 @@
+#include "tests/support/child_process.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments)
+    : mId(0), mProcess(-1), mInput(-1), mOutput(-1) {
+    int input[2], output[2];
+    if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0) return;
+    std::vector<char*> argv{const_cast<char*>(program.c_str())};
+    for (const std::string& a : arguments) argv.push_back(const_cast<char*>(a.c_str()));
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, input[0], 0);
+    posix_spawn_file_actions_adddup2(&actions, output[1], 1);
+    pid_t id = 0;
+    if (posix_spawn(&id, program.c_str(), &actions, nullptr, argv.data(), environ) == 0) mProcess = id;
+    posix_spawn_file_actions_destroy(&actions);
+    close(input[0]);
+    close(output[1]);
+    mId = static_cast<unsigned long>(id);
+    mInput = input[1];
+    mOutput = output[0];
+}
+
+ChildProcess::~ChildProcess() {
+    Kill();
+    Wait();
+    CloseInput();
+    close(static_cast<int>(mOutput));
+}
+
+std::string ChildProcess::ReadLine() {
+    std::string line;
+    char c;
+    while (read(static_cast<int>(mOutput), &c, 1) == 1 && c != '\n') line += c;
+    return line;
+}
+
+void ChildProcess::CloseInput() {
+    if (mInput != -1) close(static_cast<int>(mInput));
+    mInput = -1;
+}
+
+void ChildProcess::Kill() {
+    if (mProcess > 0) kill(static_cast<pid_t>(mProcess), SIGKILL);
+}
+
+int ChildProcess::Wait() {
+    int status = 0;
+    if (mProcess > 0) waitpid(static_cast<pid_t>(mProcess), &status, 0);
+    mProcess = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1000;
+}

@@ -1,0 +1,64 @@
+// The other process of the lock pool's tests: lock_pool_child ROLE FILE NAME [COUNT].
+
+#include <zavbase/foundation/exception.h>
+#include <zavbase/threads/lock_pool.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+namespace {
+
+typedef ZAV_ResourceLockPool Pool;
+
+/// Says what Lock answers, and stays until it is killed or its input ends.
+int Hold(Pool& pool, const char* name) {
+    std::cout << Pool::RetVal2String(pool.Lock(name)) << std::endl;
+    std::string line;
+    std::getline(std::cin, line);
+    return 0;
+}
+
+/// Takes and releases the lock so many times. Whoever has it creates a file that must not be there.
+int Work(Pool& pool, const char* name, const std::string& witness, int count) {
+    for (int taken = 0; taken < count;) {
+        const Pool::RetVal result = pool.Lock(name);
+        if (result == Pool::OTHER_HAS_LOCK) continue;
+        if (result != Pool::HAVE_LOCK) return 2;
+        std::FILE* file = std::fopen(witness.c_str(), "wbx");
+        if (!file) return 3;
+        std::fclose(file);
+        if (std::remove(witness.c_str()) != 0) return 4;
+        if (pool.UnLock(name) != Pool::UNLOCKED) return 5;
+        ++taken;
+    }
+    return 0;
+}
+
+/// Writes the pool file without end.
+int Write(Pool& pool, const std::string& name) {
+    for (unsigned i = 0;; ++i) {
+        pool.Lock((name + std::to_string(i % 50)).c_str());
+        if (i == 0) std::cout << "writing" << std::endl;
+        if (i % 50 == 49) pool.ClearOwnLocks();
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::string role = argc > 3 ? argv[1] : "";
+    int result = 1;
+    ZAV_TRY
+        Pool pool(argc > 3 ? argv[2] : "");
+        Pool::SetGuard(B_TRUE);
+        if (role == "hold") result = Hold(pool, argv[3]);
+        if (role == "work" && argc > 4) result = Work(pool, argv[3], argv[2] + std::string(".witness"), std::atoi(argv[4]));
+        if (role == "write") result = Write(pool, argv[3]);
+    ZAV_CATCH(ZAV_Exception, e)
+        std::cerr << "lock_pool_child: " << *e << std::endl;
+        result = 6;
+    ZAV_CATCH_END
+    return result;
+}
