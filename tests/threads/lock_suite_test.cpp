@@ -1,0 +1,122 @@
+#include <zavbase/threads/monitor.h>
+#include <zavbase/threads/read_write_lock.h>
+#include <zavbase/threads/semaphore.h>
+#include <zavbase/threads/signaller.h>
+
+#include <gtest/gtest.h>
+
+#include <latch>
+#include <memory>
+#include <thread>
+#include <vector>
+
+// One suite for everything that lets one thread in at a time. A guard type is made from a lock and from whether
+// only to try.
+
+namespace {
+
+struct MonitorGuard : ZAV_Monitor::Lock {
+    MonitorGuard(ZAV_Monitor& lock, boolean_t) : ZAV_Monitor::Lock(&lock) {}
+};
+
+struct ReentrantMonitorGuard : ZAV_ReentrantMonitor::Lock {
+    ReentrantMonitorGuard(ZAV_ReentrantMonitor& lock, boolean_t) : ZAV_ReentrantMonitor::Lock(&lock) {}
+};
+
+struct SignallerGuard : ZAV_MutexSignaller::Lock {
+    SignallerGuard(ZAV_MutexSignaller& lock, boolean_t) : ZAV_MutexSignaller::Lock(lock) {}
+};
+
+struct OneUnit : ZAV_Semaphore {
+    OneUnit() { Signal(); }
+};
+
+struct SemaphoreGuard {
+    SemaphoreGuard(OneUnit& lock, boolean_t tryOnly) : mLock(lock), mAcquired(B_TRUE) {
+        if (tryOnly)
+            mAcquired = ZAV_Bool(lock.TryWait() == 0);
+        else
+            lock.Wait();
+    }
+    ~SemaphoreGuard() {
+        if (mAcquired) mLock.Signal();
+    }
+    boolean_t LockAcquired() const { return mAcquired; }
+
+    OneUnit& mLock;
+    boolean_t mAcquired;
+};
+
+template <class L, class G> struct Kind {
+    using Lock = L;
+    using Guard = G;
+};
+
+using Mutex = Kind<ZAV_Mutex, ZAV_Mutex::Lock>;
+using Reentrant = Kind<ZAV_ReentrantMutex, ZAV_ReentrantMutex::Lock>;
+using Semaphore = Kind<OneUnit, SemaphoreGuard>;
+using Writing = Kind<ZAV_ReadWriteLock, ZAV_ReadWriteLock::WriteLock>;
+using Signaller = Kind<ZAV_MutexSignaller, SignallerGuard>;
+using Monitor = Kind<ZAV_Monitor, MonitorGuard>;
+using ReentrantMonitor = Kind<ZAV_ReentrantMonitor, ReentrantMonitorGuard>;
+
+template <class K> class LockSuite : public testing::Test {};
+using All = testing::Types<Mutex, Reentrant, Semaphore, Writing, Signaller, Monitor, ReentrantMonitor>;
+TYPED_TEST_SUITE(LockSuite, All);
+
+template <class K> class TryLockSuite : public testing::Test {};
+using Trying = testing::Types<Mutex, Reentrant, Semaphore, Writing>;
+TYPED_TEST_SUITE(TryLockSuite, Trying);
+
+} // namespace
+
+TYPED_TEST(LockSuite, LetsOneThreadInAtATime) {
+    typename TypeParam::Lock lock;
+    constexpr int kThreads = 4, kRounds = 5000;
+    long entries = 0;
+    int inside = 0;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&] {
+            for (int i = 0; i < kRounds; ++i) {
+                typename TypeParam::Guard guard(lock, B_FALSE);
+                EXPECT_EQ(1, ++inside);
+                ++entries;
+                --inside;
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(kThreads * kRounds, entries);
+}
+
+TYPED_TEST(LockSuite, AWaiterGetsItWhenItIsGivenBack) {
+    typename TypeParam::Lock lock;
+    auto held = std::make_unique<typename TypeParam::Guard>(lock, B_FALSE);
+    std::latch waiting(1);
+    bool givenBack = false;
+    std::thread waiter([&] {
+        waiting.count_down();
+        typename TypeParam::Guard guard(lock, B_FALSE);
+        EXPECT_TRUE(givenBack);
+    });
+    waiting.wait();
+    givenBack = true;
+    held.reset();
+    waiter.join();
+}
+
+TYPED_TEST(TryLockSuite, AFailedTryChangesNothingForOthers) {
+    typename TypeParam::Lock lock;
+    const auto tryIt = [&] {
+        bool acquired;
+        std::thread([&] { acquired = typename TypeParam::Guard(lock, B_TRUE).LockAcquired(); }).join();
+        return acquired;
+    };
+    {
+        typename TypeParam::Guard held(lock, B_FALSE);
+        EXPECT_FALSE(tryIt());
+        EXPECT_FALSE(tryIt()) << "the failed try released the lock";
+    }
+    EXPECT_TRUE(tryIt());
+    EXPECT_TRUE(tryIt()) << "a successful try gave nothing back";
+}
