@@ -1,0 +1,172 @@
+#include "tools/zavmsg/definitions.h"
+#include "tools/zavmsg/gettext_file.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include <zavbase/i18n/i18n_msg.h>
+#include <zavbase/i18n/i18n_resource.h>
+
+namespace {
+
+const char* const sample = R"(# A comment
+msgid ""
+msgstr ""
+"Content-Type: text/plain; charset=utf-8\n"
+
+#. For the menu
+#: main.c:1
+msgctxt "menu"
+msgid "Open"
+msgstr "\303\226ffnen"
+#, fuzzy
+#| msgid "old"
+msgid "tab\there \"quoted\" \\ \x"
+msgstr ""
+"first\n"
+  "second"
+msgid "%d file"
+msgid_plural "%d files"
+msgstr[0] "eine"
+msgstr[1] "viele"
+
+#~ msgid "gone"
+#~ msgstr "weg"
+)";
+
+std::string Shown(const std::vector<GettextEntry>& entries) {
+    std::string text;
+    for (const GettextEntry& e : entries) {
+        text += e.mContext + "|" + e.mSource + "|" + e.mSourcePlural + "|" + (e.mIsFuzzy ? "fuzzy" : "");
+        for (const std::string& t : e.mTranslations) text += "|" + t;
+        text += "\n";
+    }
+    return text;
+}
+
+std::string Problem(const std::string& bytes) {
+    std::vector<GettextEntry> entries;
+    return ReadGettext(bytes, entries);
+}
+
+std::string Bytes(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
+}
+
+/// The compiled form of one message, in either byte order.
+std::string Compiled(bool isBig, const std::string& source, const std::string& translation) {
+    const std::string texts = source + '\0' + translation + '\0';
+    const uint32_t words[] = {0x950412DE, 0, 1, 28, 36, 0, 0,
+                              static_cast<uint32_t>(source.size()), 44,
+                              static_cast<uint32_t>(translation.size()), static_cast<uint32_t>(45 + source.size())};
+    std::string bytes;
+    for (const uint32_t word : words)
+        for (int i = 0; i < 4; ++i) bytes += static_cast<char>(word >> 8 * (isBig ? 3 - i : i));
+    return bytes + texts;
+}
+
+} // namespace
+
+TEST(Gettext, ReadsContextsPluralsEscapesAndMarks) {
+    std::vector<GettextEntry> entries;
+    ASSERT_EQ("", ReadGettext(sample, entries));
+    EXPECT_EQ("menu|Open|||\303\226ffnen\n"
+              "|tab\there \"quoted\" \\ x||fuzzy|first\nsecond\n"
+              "|%d file|%d files||eine|viele\n",
+              Shown(entries));
+}
+
+TEST(Gettext, SaysWhatIsWrongAndWhere) {
+    EXPECT_EQ("line 2: a message without msgstr", Problem("msgid \"a\"\n\nmsgid \"b\"\n"));
+    EXPECT_EQ("line 1: unexpected \"msgstr\"", Problem("msgstr \"a\"\n"));
+    EXPECT_EQ("line 1: a text that does not end in its line", Problem("msgid \"a\\\""));
+    EXPECT_EQ("line 1: a text without a keyword", Problem("\"a\"\n"));
+    EXPECT_EQ("line 2: plural forms are not in their order", Problem("msgid \"a\"\nmsgstr[1] \"b\"\n"));
+    EXPECT_NE("", Problem("msgid \"\"\nmsgstr \"charset=KOI8-R\\n\"\n"));
+    EXPECT_EQ("", Problem(""));
+    // Any truncation is read or refused.
+    const std::string whole = sample;
+    for (size_t size = 0; size < whole.size(); ++size) Problem(std::string(whole, 0, size));
+}
+
+TEST(Gettext, ReadsTheCompiledFormInBothByteOrders) {
+    for (const bool isBig : {false, true}) {
+        const std::string bytes = Compiled(isBig, std::string("menu\4one\0many", 13), std::string("eins\0viele", 10));
+        std::vector<GettextEntry> entries;
+        ASSERT_EQ("", ReadGettext(bytes, entries));
+        EXPECT_EQ("menu|one|many||eins|viele\n", Shown(entries));
+        for (size_t size = 4; size + 1 < bytes.size(); ++size) EXPECT_NE("", Problem(std::string(bytes, 0, size))) << size;
+        for (size_t at = 4; at < 44; ++at) {
+            std::string flipped = bytes;
+            flipped[at] = static_cast<char>(~flipped[at]);
+            Problem(flipped);
+        }
+    }
+}
+
+TEST(Definitions, SourceTextsBecomeIdentifiersWhereTheyCan) {
+    EXPECT_EQ("Open file", IdentifierOf("", "Open file"));
+    const std::string longest(64, 'x');
+    EXPECT_EQ(longest, IdentifierOf("", longest));
+    std::set<std::string> made;
+    for (const char* source : {"a:b", "+++a", "two\nlines", "caf\303\251", ""}) made.insert(IdentifierOf("", source));
+    made.insert(IdentifierOf("", longest + "x"));
+    made.insert(IdentifierOf("menu", "Open file"));
+    made.insert(IdentifierOf("edit", "Open file"));
+    EXPECT_EQ(8u, made.size());
+    for (const std::string& id : made) EXPECT_EQ(0u, id.find("PO_")) << id;
+}
+
+TEST(Definitions, DifferencesAreNamed) {
+    ZAV_UValDict wanted(16), language(16);
+    const char* const texts[][3] = {{"same", "<<a>> of <<b>>", "<<b>>: <<a>>"}, {"twice", "<<a>><<a>>", "<<a>>"},
+                                    {"group:in", "x", "y"},                    {"open", "<<a", "<<a>>"},
+                                    {"gone", "x", nullptr},                    {"new", nullptr, "x"}};
+    for (const auto& row : texts) {
+        if (row[1]) ZAV_I18nDef2Dict(&wanted, row[0], row[1]);
+        if (row[2]) ZAV_I18nDef2Dict(&language, row[0], row[2]);
+    }
+    ZAV_I18nDef2Dict(&wanted, "number", "x");
+    language.DefineUVal("number", UVAL_LONG);
+    const std::vector<std::string> expected = {"missing: gone",
+                                               "tags differ: open: wanted none, found <<a>>",
+                                               "tags differ: twice: wanted <<a>> <<a>>, found <<a>>",
+                                               "not a text: number", "unknown: new"};
+    EXPECT_EQ(expected, Compare(Flatten(wanted), Flatten(language)));
+}
+
+/// Country names in every language that the package iso-codes brings, where it is installed.
+TEST(Gettext, RealTranslationsFormatInEveryLanguage) {
+    const std::filesystem::path locales = "/usr/share/locale";
+    std::error_code none;
+    int languages = 0;
+    for (const auto& folder : std::filesystem::directory_iterator(locales, none)) {
+        const auto file = folder.path() / "LC_MESSAGES" / "iso_3166-1.mo";
+        if (!std::filesystem::exists(file, none)) continue;
+        const std::string language = folder.path().filename().string();
+        std::vector<GettextEntry> entries;
+        ASSERT_EQ("", ReadGettext(Bytes(file), entries)) << language;
+        ZAV_UValDict texts(16);
+        for (const GettextEntry& e : entries)
+            ZAV_I18nDef2Dict(&texts, IdentifierOf(e.mContext, e.mSource).c_str(), e.mTranslations[0].c_str());
+        const std::string path = "zavmsg_test." + language;
+        texts.WriteTextFile(path.c_str());
+        ZAV_I18nResource resource("zavmsg_test");
+        for (const GettextEntry& e : entries) {
+            ZAV_I18nMsg message("(<<country>>)");
+            message.AddArg("<<country>>", ZAV_I18nMsg(IdentifierOf(e.mContext, e.mSource).c_str()), ZAV_I18N_TAG);
+            EXPECT_EQ("(" + e.mTranslations[0] + ")", message.Format(language.c_str(), &resource, nullptr).Ptr())
+                << language << " " << e.mSource;
+        }
+        std::filesystem::remove(path);
+        ++languages;
+    }
+    if (languages == 0) GTEST_SKIP() << "iso-codes is not installed";
+    EXPECT_GE(languages, 20);
+}
