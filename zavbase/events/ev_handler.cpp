@@ -14,7 +14,12 @@ ZAV_DEFINE_CLASS(ZAV_EvHandlerHelper, ZAV_Object)
 namespace {
 
 // Registering is rare; one lock serves all handlers.
-constinit std::mutex theRegistrationLock;
+// Never destroyed, and not constinit: not every platform builds a std::mutex at compile time.
+std::mutex& TheRegistrationLock()
+{
+    static std::mutex* const lock = new std::mutex;
+    return *lock;
+}
 
 bool IsOpen(const ZAV_EvRegistration* registration)
 {
@@ -102,7 +107,7 @@ int ZAV_EvHandlerBody::HandleEvent(ZAV_Event*)
 // one only at the beginning, so the order of the older ones may change.
 void ZAV_EvHandlerBody::Attach(ZAV_EvPort* port)
 {
-    std::lock_guard<std::mutex> guard(theRegistrationLock);
+    std::lock_guard<std::mutex> guard(TheRegistrationLock());
     ZAV_EvRegistration* current = mDispatcher.load(std::memory_order_relaxed);
     if (current == nullptr || current->port != port) {
         ZAV_EvRegistration* tie = UnlinkTie(current, port);
@@ -120,7 +125,7 @@ void ZAV_EvHandlerBody::Attach(ZAV_EvPort* port)
 
 void ZAV_EvHandlerBody::Detach()
 {
-    std::lock_guard<std::mutex> guard(theRegistrationLock);
+    std::lock_guard<std::mutex> guard(TheRegistrationLock());
     if (ZAV_EvRegistration* current = mDispatcher.load(std::memory_order_relaxed))
         current->active.store(false, std::memory_order_release);
 }

@@ -30,7 +30,12 @@ namespace {
 const long kTypeTimer = 0x54696D72;
 const std::uint32_t kLongestSleep = 10000;  // milliseconds
 
-constinit std::mutex theCreationLock;
+// Never destroyed, and not constinit: not every platform builds a std::mutex at compile time.
+std::mutex& TheCreationLock()
+{
+    static std::mutex* const lock = new std::mutex;
+    return *lock;
+}
 constinit std::atomic<int> theUsers{0};
 
 std::atomic_ref<ZAV_TimerMgr*> TheManager()
@@ -88,7 +93,7 @@ ZAV_TimerMgr* ZAV_TimerMgr::theTimerMgr = nullptr;
 
 void ZAV_TimerMgr::InitializeListener(boolean_t ownThread, ZAV_EvDispatcher* dispatcher)
 {
-    std::lock_guard<std::mutex> guard(theCreationLock);
+    std::lock_guard<std::mutex> guard(TheCreationLock());
     if (TheManager().load() != nullptr) return;
     ZAV_TimerMgr* manager = new ZAV_TimerMgr;
     std::unique_ptr<ZAV_Link> owned(manager);
