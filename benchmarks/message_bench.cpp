@@ -27,7 +27,8 @@ const std::vector<std::pair<std::string, std::string>> kArgs = {
 
 ZAV_I18nMsg Message(const char* id) {
     ZAV_I18nMsg msg{ZAV_UTFString(id)};
-    for (const auto& [tag, value] : kArgs) msg.AddArg(tag.c_str(), ZAV_UTFString(value.c_str()), ZAV_I18N_STRING);
+    for (const auto& [tag, value] : kArgs)
+        msg.AddArg(tag.c_str(), ZAV_UTFString(value.c_str()), ZAV_I18N_STRING);
     return msg;
 }
 
@@ -62,7 +63,8 @@ ZAV_I18nResource& Resource(int count) {
     static ZAV_I18nResource resource;
     static int known = 0;
     ZAV_UValDict defs;
-    for (; known < count; ++known) ZAV_I18nDef2Dict(&defs, Id(known).c_str(), ("text of " + Id(known)).c_str());
+    for (; known < count; ++known)
+        ZAV_I18nDef2Dict(&defs, Id(known).c_str(), ("text of " + Id(known)).c_str());
     ZAV_I18nDef2Dict(&defs, "FORMAT", kText);
     resource.SetDefaultDefs(&defs);
     return resource;
@@ -76,8 +78,8 @@ void FormatFromResource(benchmark::State& state) {
 BENCHMARK(FormatFromResource)->Name("Format/zav/resource_3_args");
 
 #ifdef HAVE_ICU
-// Ours takes the text from the resource at every call. So does the first of these with its pattern; the second
-// has it parsed once.
+// Ours takes the text from the resource at every call. So does the first of these with its pattern; the
+// second has it parsed once.
 const icu::UnicodeString kPattern("Error {0} opening {1} file for reading : {2}");
 
 std::vector<icu::Formattable> IcuArgs() {
@@ -132,7 +134,8 @@ bool MakeCatalogue(int count, const std::string& domain) {
     po << "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n";
     for (int i = 0; i < count; ++i) po << "msgid \"" << Id(i) << "\"\nmsgstr \"text of " << Id(i) << "\"\n";
     po.close();
-    std::string command = "msgfmt -o " + (folder / "nl/LC_MESSAGES" / (domain + ".mo")).string() + " " + (folder / "messages.po").string();
+    std::string command = "msgfmt -o " + (folder / "nl/LC_MESSAGES" / (domain + ".mo")).string() + " " +
+                          (folder / "messages.po").string();
     if (std::system(command.c_str()) != 0) return false;
     bindtextdomain(domain.c_str(), folder.c_str());
     return true;
@@ -144,7 +147,8 @@ void Gettext(benchmark::State& state) {
     if (!MakeCatalogue(count, domain)) return state.SkipWithError("no catalogue (is msgfmt there?)");
     std::vector<std::string> ids;
     for (int i : Order(count)) ids.push_back(Id(i));
-    if (dgettext(domain.c_str(), ids[0].c_str()) == ids[0]) return state.SkipWithError("gettext does not look up");
+    if (dgettext(domain.c_str(), ids[0].c_str()) == ids[0])
+        return state.SkipWithError("gettext does not look up");
     size_t at = 0;
     for (auto _ : state) benchmark::DoNotOptimize(dgettext(domain.c_str(), ids[at++ % ids.size()].c_str()));
 }

@@ -41,40 +41,20 @@ template <class Throw> ZAV_ErrorException* Caught(const Throw& action) {
 } // namespace
 
 TEST(Exception, DescribesItself) {
-    ZAV_Exception base;
-    ZAV_MemoryException memory;
     ZAV_ErrorException error{ZAV_Error("ERR")};
+    EXPECT_EQ("Error exception: ", Text(error));  // and not its message
     ZAV_ExitException exit;
-    EXPECT_EQ("Base exception", Text(base));
-    EXPECT_EQ("Memory exception: ", Text(memory));
-    EXPECT_EQ("Error exception: ", Text(error));
-    EXPECT_EQ("Exit exception: ", Text(exit));
     ZAV_String s("kept ");
     EXPECT_EQ(&s, &exit.ToString(s));
     EXPECT_STREQ("kept Exit exception: ", s.Ptr());
 
-    const char* const names[] = {"NoError",   "FileNotFound", "InvalidFile", "OpenRdError", "OpenWrError",
-                                 "OpenRdWrError", "ReadError",  "WriteError",  "SeekError",   "TellError",
-                                 "LockError", "Unknown",      "\v"};
-    for (unsigned short code = 0; code <= 12; ++code) {
-        ZAV_FileException file(code, 5);
-        EXPECT_EQ(std::string("File exception: ") + names[code], Text(file));
+    for (const auto& [code, name] : {std::pair{0, "NoError"}, {11, "Unknown"}, {12, "\v"}}) {
+        ZAV_FileException file(static_cast<unsigned short>(code), 5);
+        EXPECT_EQ(std::string("File exception: ") + name, Text(file));
     }
 }
 
-TEST(Exception, AScopeDeletesWhatItCaught) {
-    ZAV_TRY
-        throw new Counted;
-    ZAV_CATCH(ZAV_FileException, e)
-        ADD_FAILURE() << e;
-    ZAV_CATCH(ZAV_Exception, e)
-        EXPECT_EQ(1, Counted::alive);
-        EXPECT_EQ("Base exception", Text(*e));
-    ZAV_CATCH_END
-    EXPECT_EQ(0, Counted::alive);
-}
-
-TEST(Exception, AnInnerScopeMayPassItOn) {
+TEST(Exception, AScopeDeletesWhatItCaughtUnlessItPassesItOn) {
     int inner = 0;
     ZAV_TRY
         ZAV_TRY
@@ -83,8 +63,11 @@ TEST(Exception, AnInnerScopeMayPassItOn) {
             inner = e != nullptr;
             ZAV_RETHROW;
         ZAV_CATCH_END
+    ZAV_CATCH(ZAV_FileException, e)
+        ADD_FAILURE() << e;
     ZAV_CATCH(ZAV_Exception, e)
-        EXPECT_EQ(1, Counted::alive) << e;
+        EXPECT_EQ("Base exception", Text(*e));
+        EXPECT_EQ(1, Counted::alive);
         ZAV_TRY
             throw new Counted;  // while another is being handled
         ZAV_CATCH(Counted, second)
@@ -132,15 +115,15 @@ TEST(Exception, TheMemoryExceptionSurvivesDelete) {
         ZAV_TRY
             ZAV_ThrowMemoryException();
         ZAV_CATCH(ZAV_MemoryException, e)
-            if (i == 0) first = e;
-            EXPECT_EQ(first, e);
+            EXPECT_TRUE(i == 0 || e == first);
+            first = e;
         ZAV_CATCH_END
     }
-    EXPECT_EQ("Memory exception: ", Text(*first));
-    // A copy is not deletable either, so the test must do it.
+    // Copies are not deletable either, so the test must do it.
     std::unique_ptr<ZAV_Exception> copy(new ZAV_MemoryException(*static_cast<ZAV_MemoryException*>(first)));
     copy->Delete();
-    (new ZAV_Exception(static_cast<boolean_t>(5)))->Delete();  // any positive flag will do
+    EXPECT_EQ("Memory exception: ", Text(*copy));
+    (new ZAV_Exception(static_cast<boolean_t>(5)))->Delete();  // any positive flag will do, a negative not
     std::unique_ptr<ZAV_Exception> negative(new ZAV_Exception(static_cast<boolean_t>(-1)));
     negative->Delete();
     EXPECT_EQ("Base exception", Text(*negative));
@@ -148,8 +131,7 @@ TEST(Exception, TheMemoryExceptionSurvivesDelete) {
 
 TEST(Exception, UnknownErrorNumbersBecomeHexadecimal) {
     EXPECT_STREQ("0x2FFFABCD", GetErrorString(0x2FFFABCDu));
-    std::string known = GetErrorString(2);
-    EXPECT_NE("0x2", known);
+    EXPECT_STRNE("0x2", GetErrorString(2));
 }
 
 TEST(Error, ParameterErrorIsTheDetailOfAnInternalOne) {
@@ -164,7 +146,8 @@ TEST(Error, ParameterErrorIsTheDetailOfAnInternalOne) {
         ZAV_ErrorException* e = Caught([&] { ZAV_ThrowParamSpecError(ZAV_DictPath("a:b"), text); });
         ASSERT_NE(nullptr, e);
         EXPECT_EQ("Error exception: \n", capture.Text());
-        EXPECT_STREQ(text ? "Internal: Invalid parameter spec for dialog:a:b:" : "Internal: Invalid parameter spec for a:b:",
+        EXPECT_STREQ(text ? "Internal: Invalid parameter spec for dialog:a:b:"
+                          : "Internal: Invalid parameter spec for a:b:",
                      e->mError.Format("", &resource, nullptr).Ptr());
         e->Delete();
     }

@@ -30,7 +30,8 @@ TEST(Viewer, ReceivesEachPieceAsAnAtom) {
     viewer.hInstance = GetModuleHandleA(nullptr);
     viewer.lpszClassName = name;
     ASSERT_NE(0, RegisterClassA(&viewer));
-    HWND window = CreateWindowA(name, "viewer", WS_OVERLAPPED, 0, 0, 10, 10, nullptr, nullptr, viewer.hInstance, nullptr);
+    HWND window = CreateWindowA(name, "viewer", WS_OVERLAPPED, 0, 0, 10, 10, nullptr, nullptr,
+                                viewer.hInstance, nullptr);
     ASSERT_NE(nullptr, window);
     dout << "x" << std::endl << std::string(300, 'y') << std::flush;
     DestroyWindow(window);

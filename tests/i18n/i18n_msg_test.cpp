@@ -34,7 +34,8 @@ std::vector<std::string> Texts(ZAV_OrderedCltn list, bool utf) {
     return texts;
 }
 
-template <class Number> std::string Formatted(Number value, const char* format) {
+template <class Number>
+std::string Formatted(Number value, const char* format) {
     ZAV_I18nMsg msg("<<n>>");
     msg.AddArg("<<n>>", value, format, ZAV_I18N_STRING);
     return msg.Format("", nullptr, nullptr).Ptr();
@@ -49,16 +50,17 @@ TEST(I18nMsg, ReplacesOneOccurrenceForEachArgument) {
         const char* mEvolving;
         const char* mOnePass;
     } const rows[] = {
-        {"Error opening <<t>> file : <<f>>.", {{"<<t>>", "UVALBIN"}, {"<<f>>", "a.bin"}},
-         "Error opening UVALBIN file : a.bin.", "Error opening UVALBIN file : a.bin."},
-        {"<<a>>", {{"<<a>>", ""}}, "", ""},
+        {"<<a>>|<<b>>.", {{"<<a>>", ""}, {"<<b>>", "x"}}, "|x.", "|x."},
         {"<<a>> <<a>> <<a>>", {{"<<a>>", "1"}, {"<<a>>", "2"}}, "1 2 <<a>>", "1 2 <<a>>"},
         {"<<a>>/<<b>>", {{"<<a>>", "<<b>>"}, {"<<b>>", "x"}}, "x/<<b>>", "<<b>>/x"},
         {"<<b>>/<<a>>", {{"<<a>>", "<<b>>"}, {"<<b>>", "x"}}, "x/<<b>>", "x/<<b>>"},
         {"text", {{"<<absent>>", "x"}}, "text", "text"},
         {"text", {{"", "x"}}, "xtext", "text"},
         {"aaa", {{"aa", "b"}, {"aa", "c"}, {"a", "d"}}, "bd", "bd"},
-        {"\xE2\x82\xAC<<a>>", {{"<<a>>", "\xE2\x82\xAC"}}, "\xE2\x82\xAC\xE2\x82\xAC", "\xE2\x82\xAC\xE2\x82\xAC"},
+        {"\xE2\x82\xAC<<a>>",
+         {{"<<a>>", "\xE2\x82\xAC"}},
+         "\xE2\x82\xAC\xE2\x82\xAC",
+         "\xE2\x82\xAC\xE2\x82\xAC"},
     };
     for (const auto& row : rows) {
         ZAV_I18nMsg msg = Message(row.mText, row.mArgs);
@@ -81,38 +83,37 @@ TEST(I18nMsg, LooksTextsUpInTheRightResource) {
     ZAV_I18nResource ownRes, baseRes;
     ownRes.SetDefaultDefs(&own);
     baseRes.SetDefaultDefs(&base);
-    auto format = [](const char* id, ZAV_I18nResource* a, ZAV_I18nResource* b) {
-        return std::string(ZAV_I18nMsg(id).Format("", a, b).Ptr());
-    };
-    EXPECT_EQ("own text", format("KEY", &ownRes, &baseRes));
-    EXPECT_EQ("base text", format("+++KEY", &ownRes, &baseRes));
-    EXPECT_EQ("KEY", format("+++KEY", &ownRes, nullptr));
-    EXPECT_EQ("KEY", format("KEY", nullptr, &baseRes));
-    EXPECT_EQ("++KEY", format("++KEY", &ownRes, &baseRes));
-    EXPECT_EQ("KEY+++", format("KEY+++", &ownRes, &baseRes));
+    EXPECT_STREQ("own text", ZAV_I18nMsg("KEY").Format("", &ownRes, &baseRes).Ptr());
+    EXPECT_STREQ("base text", ZAV_I18nMsg("+++KEY").Format("", &ownRes, &baseRes).Ptr());
+    EXPECT_STREQ("KEY", ZAV_I18nMsg("+++KEY").Format("", &ownRes, nullptr).Ptr());
+    EXPECT_STREQ("KEY", ZAV_I18nMsg("KEY").Format("", nullptr, &baseRes).Ptr());
+    EXPECT_STREQ("KEY+++", ZAV_I18nMsg("KEY+++").Format("", &ownRes, &baseRes).Ptr());
 }
 
 TEST(I18nMsg, SubMessagesAreFormattedAndListedDepthFirst) {
     ZAV_UValDict defs;
-    for (const char* id : {"A", "B", "C", "D"}) ZAV_I18nDef2Dict(&defs, id, (std::string(id) + "{<<1>><<2>>}").c_str());
+    for (const char* id : {"A", "B", "C", "D"})
+        ZAV_I18nDef2Dict(&defs, id, (std::string(id) + "{<<1>><<2>>}").c_str());
     ZAV_I18nResource resource;
     resource.SetDefaultDefs(&defs);
 
     ZAV_I18nMsg a("A"), b("B"), c("C"), d("D");
     d.AddArg("<<1>>", ZAV_UTFString("B"), ZAV_I18N_STRING);
     c.AddArg("<<1>>", d, ZAV_I18N_SUBERROR);
-    b.AddArg("<<1>>", c, ZAV_I18N_TAG);  // itself not listed, but what is in it
+    b.AddArg("<<1>>", c, ZAV_I18N_TAG); // itself not listed, but what is in it
     a.AddArg("<<1>>", b, ZAV_I18N_SUBERROR);
-    a.AddArg("<<2>>", d, static_cast<ZAV_I18nMsgArgType>(3));  // an unknown kind inserts the identifier
+    a.AddArg("<<2>>", d, static_cast<ZAV_I18nMsgArgType>(3)); // an unknown kind inserts the identifier
     EXPECT_STREQ("A{B{C{D{B<<2>>}<<2>>}<<2>>}D}", a.FormatOnce("", &resource, nullptr).Ptr());
     EXPECT_STREQ("A{B{C{D{BD}<<2>>}<<2>>}<<2>>}", a.Format("", &resource, nullptr).Ptr());
     EXPECT_EQ((std::vector<std::string>{"A", "B", "D"}), Texts(a.GetTagList(), false));
-    EXPECT_EQ((std::vector<std::string>{"A{B{C{D{BD}<<2>>}<<2>>}<<2>>}", "B{C{D{B<<2>>}<<2>>}<<2>>}", "D{B<<2>>}"}),
-              Texts(a.FormatAll("", &resource, nullptr), true));
+    EXPECT_EQ(
+        (std::vector<std::string>{"A{B{C{D{BD}<<2>>}<<2>>}<<2>>}", "B{C{D{B<<2>>}<<2>>}<<2>>}", "D{B<<2>>}"}),
+        Texts(a.FormatAll("", &resource, nullptr), true));
 
     std::ostringstream os;
     os << static_cast<ZAV_Object&>(a);
-    EXPECT_EQ("A[<<1>> = B[<<1>> = C[<<1>> = D[<<1>> = B](SubErr)](tag)](SubErr)<<2>> = D[<<1>> = B]]", os.str());
+    EXPECT_EQ("A[<<1>> = B[<<1>> = C[<<1>> = D[<<1>> = B](SubErr)](tag)](SubErr)<<2>> = D[<<1>> = B]]",
+              os.str());
 }
 
 TEST(I18nMsg, CopiesAreDeepAndLeaveTheLinkAlone) {
@@ -124,7 +125,7 @@ TEST(I18nMsg, CopiesAreDeepAndLeaveTheLinkAlone) {
     other = msg;
     EXPECT_EQ(&msg, other.NextLink());
     list.Clear();
-    msg.AddArg("<<b>>", msg, ZAV_I18N_TAG);  // itself as its argument
+    msg.AddArg("<<b>>", msg, ZAV_I18N_TAG); // itself as its argument
     msg = msg;
     EXPECT_STREQ("1", other.Format("", nullptr, nullptr).Ptr());
     EXPECT_TRUE(other.IsWarning());
@@ -132,7 +133,7 @@ TEST(I18nMsg, CopiesAreDeepAndLeaveTheLinkAlone) {
     other.Set(ZAV_UTFString("fresh"));
     EXPECT_FALSE(other.IsWarning());
     other.AddArg("<<a>>", "x", ZAV_I18N_STRING);
-    other = ZAV_UTFString("<<a>>");  // only the identifier
+    other = ZAV_UTFString("<<a>>"); // only the identifier
     EXPECT_STREQ("x", other.Format("", nullptr, nullptr).Ptr());
     other.Clear();
     EXPECT_FALSE(other.IsValid());
@@ -155,24 +156,20 @@ TEST(I18nMsg, NumbersReadTheSameEverywhere) {
         std::string mText;
         const char* mExpected;
     } const rows[] = {
-        {Formatted(5, "%d"), "5"},
         {Formatted(-5L, "%ld items"), "-5 items"},
         {Formatted(5u, "%05lu%%"), "00005%"},
-        {Formatted(4294967295ul, "%lu"), "4294967295"},
         {Formatted(4294967295ul, "%llx"), "ffffffff"},
         {Formatted(static_cast<long>(4294967295u), "%I64d"), "-1"},
-        {Formatted(65L, "%c"), "A"},
         {Formatted(1.5, "%.3e"), "1.500e+00"},
         {Formatted(1.5, "%8.2lf|"), "    1.50|"},
         {Formatted(7L, "%s and %s"), "7 and %s"},
-        {Formatted(7L, "%n"), "7"},
-        {Formatted(7L, "%*d"), "7"},
+        {Formatted(7L, "%*n"), "7"},
         {Formatted(7L, "%-4.2d|"), "07  |"},
         {Formatted(2.5, "%d"), "2.5"},
-        {Formatted(7L, "no number"), "no number"},
         {Formatted(7L, "100%% %"), "100% 7"},
         {Formatted(7L, nullptr), "7"},
     };
     for (const auto& row : rows) EXPECT_EQ(row.mExpected, row.mText);
+    EXPECT_EQ("no number", Formatted(7L, "no number"));
     EXPECT_EQ(999u, Formatted(7L, "%99999999999d").size());
 }

@@ -37,8 +37,10 @@ protected:
 } // namespace
 
 TEST_F(I18nResource, FallsBackFromLanguageToDefaultsToIdentifier) {
-    Write("nl", "<< /BOTH (nederlands) /NUMBER 5 zavlong /group << /IN (binnen) >> /UTF (\xE2\x82\xAC) zavutfstring "
-                "/BAD (caf\xE9) /LIST [ (eerste) (tweede) ] >>");
+    Write(
+        "nl",
+        "<< /BOTH (nederlands) /NUMBER 5 zavlong /group << /IN (binnen) >> /UTF (\xE2\x82\xAC) zavutfstring "
+        "/BAD (caf\xE9) /LIST [ (eerste) (tweede) ] >>");
     ZAV_UValDict defs;
     for (const char* id : {"BOTH", "NUMBER", "DEFAULT", "group:DEEP"}) ZAV_I18nDef2Dict(&defs, id, "default");
     ZAV_I18nResource resource(mBase);
@@ -48,13 +50,14 @@ TEST_F(I18nResource, FallsBackFromLanguageToDefaultsToIdentifier) {
     struct {
         const char *mId, *mLang, *mText;
     } const rows[] = {
-        {"BOTH", "nl", "nederlands"}, {"BOTH", "", "default"},        {"NUMBER", "nl", "default"},
-        {"DEFAULT", "nl", "default"}, {"group:IN", "nl", "binnen"},   {"group:DEEP", "nl", "default"},
-        {"group", "nl", "group"},     {"UTF", "nl", "\xE2\x82\xAC"},  {"BAD", "nl", "caf#"},
-        {"LIST", "nl", "eerste"},     {"NOWHERE", "nl", "NOWHERE"},   {"", "nl", ""},
+        {"BOTH", "nl", "nederlands"},  {"BOTH", "", "default"},       {"NUMBER", "nl", "default"},
+        {"DEFAULT", "nl", "default"},  {"group:IN", "nl", "binnen"},  {"group:DEEP", "nl", "default"},
+        {"group", "nl", "group"},      {"UTF", "nl", "\xE2\x82\xAC"}, {"BAD", "nl", "caf#"},
+        {"LIST", "nl", "eerste"},      {"NOWHERE", "nl", "NOWHERE"},  {"", "nl", ""},
         {"BOTH:", "nl", "nederlands"}, {"BOTH:x", "nl", "BOTH:x"},    {"BOTH", "%$@#", "default"},
     };
-    for (const auto& row : rows) EXPECT_EQ(row.mText, Get(resource, row.mId, row.mLang)) << row.mId << row.mLang;
+    for (const auto& row : rows)
+        EXPECT_EQ(row.mText, Get(resource, row.mId, row.mLang)) << row.mId << row.mLang;
 
     ZAV_UTFString unknown("NOWHERE");
     EXPECT_EQ(&unknown, &resource.GetResource(unknown, "nl"));
@@ -143,8 +146,10 @@ TEST_F(I18nResource, AThousandLevelsAndManyReaders) {
 }
 
 TEST_F(I18nResource, TellsPlainCodes) {
-    for (const char* code : {"en", "nl_BE", "sr@latin", "de_DE.UTF-8", "x"}) EXPECT_TRUE(ZAV_IsPlainLangCode(code)) << code;
-    for (const char* code : {"", "../x", "a/b", "a\\b", "a..b", ".en", "en.", "%$@#", "a b", "a:b", "caf\xC3\xA9"})
+    for (const char* code : {"en", "nl_BE", "sr@latin", "de_DE.UTF-8", "x"})
+        EXPECT_TRUE(ZAV_IsPlainLangCode(code)) << code;
+    for (const char* code :
+         {"", "../x", "a/b", "a\\b", "a..b", ".en", "en.", "%$@#", "a b", "a:b", "caf\xC3\xA9"})
         EXPECT_FALSE(ZAV_IsPlainLangCode(code)) << code;
     EXPECT_FALSE(ZAV_IsPlainLangCode(ZAV_String("en\0x", 4)));
     EXPECT_FALSE(ZAV_IsPlainLangCode(ZAV_String('a', 65)));
@@ -157,7 +162,8 @@ TEST_F(I18nResource, TheLibrarysOwnMessages) {
     } const rows[] = {{0, 0, 0}, {1, 0, 2}, {0, 1, 13}, {1, 1, 15}, {2, 1, 13}, {-1, 7, 0}};
     for (const auto& row : rows) {
         ZAV_UValDict dict;
-        ZAV_Base_GetI18nDefsEntry(&dict, static_cast<boolean_t>(row.mParams), static_cast<boolean_t>(row.mBase));
+        ZAV_Base_GetI18nDefsEntry(&dict, static_cast<boolean_t>(row.mParams),
+                                  static_cast<boolean_t>(row.mBase));
         EXPECT_EQ(row.mCount, dict.GetSize());
     }
     ZAV_Base_GetI18nDefs(nullptr, B_TRUE, B_TRUE);
@@ -166,5 +172,6 @@ TEST_F(I18nResource, TheLibrarysOwnMessages) {
     ZAV_Base_GetI18nDefs(&dict, B_TRUE, B_TRUE);
     EXPECT_STREQ(ERR_BASE_PARAMETER_SPEC, dict.GetKey(0));
     EXPECT_STREQ(ERR_BASE_FILETYPE_UVALBIN, dict.GetKey(14));
-    EXPECT_STREQ("Error invalid <<filetype>> file : <<filename>>", dict.GetUVal(ERR_BASE_FILEINVALID)->GetCStringValue(0));
+    EXPECT_STREQ("Error invalid <<filetype>> file : <<filename>>",
+                 dict.GetUVal(ERR_BASE_FILEINVALID)->GetCStringValue(0));
 }

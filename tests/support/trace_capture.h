@@ -7,8 +7,8 @@
 
 #include <zavbase/foundation/tracer.h>
 
-/// Collects what the library's tracer "BASE" writes while the object lives, and puts the tracer back as it was.
-/// Read it while no other thread traces.
+/// Collects what the library's tracer "BASE" writes while the object lives, and puts the tracer back as it
+/// was. Read it while no other thread traces.
 class TraceCapture {
 public:
     explicit TraceCapture(long mask = 0xFFFF) {

@@ -35,7 +35,7 @@ boolean_t ZAV_AllocMemBody::Free() {
 
 void* ZAV_AllocMemBody::GetPointer() const {
     if (!mPointer) return nullptr;
-    uintptr_t mask = mAlign;  // widened before it is inverted
+    uintptr_t mask = mAlign; // widened before it is inverted
     return reinterpret_cast<void*>((reinterpret_cast<uintptr_t>(mPointer) + mask) & ~mask);
 }
 

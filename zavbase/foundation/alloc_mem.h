@@ -3,14 +3,14 @@
 
 #include <zavbase/foundation/ref.h>
 
-/// A block of raw memory, aligned as wanted. Sizes and alignment masks have 32 bits; the mask is one less than
-/// the alignment, a power of two (15 for 16 bytes, 0 for none). Failures are results, never exceptions; but
-/// under the default policy a failed allocation ends the process first (new_handler.h).
+/// A block of raw memory, aligned as wanted. Sizes and alignment masks have 32 bits; the mask is one less
+/// than the alignment, a power of two (15 for 16 bytes, 0 for none). Failures are results, never exceptions;
+/// but under the default policy a failed allocation ends the process first (new_handler.h).
 class ZAV_API ZAV_AllocMemBody : public ZAV_RefCount {
 public:
     ZAV_AllocMemBody(unsigned long size, unsigned long align);
-    /// Copies the members, the block's address included, so that two bodies would free it: not for bodies that
-    /// hold a block.
+    /// Copies the members, the block's address included, so that two bodies would free it: not for bodies
+    /// that hold a block.
     ZAV_AllocMemBody(const ZAV_AllocMemBody& other);
     ZAV_AllocMemBody& operator=(const ZAV_AllocMemBody& other) = default;
     ~ZAV_AllocMemBody() override;
@@ -20,11 +20,11 @@ public:
     boolean_t Allocate(unsigned long size, unsigned long align);
     /// The same, but frees the held block first. Contents are not carried over. A size of 0 keeps the block.
     boolean_t Reallocate(unsigned long size, unsigned long align);
-    boolean_t Free();  ///< always B_TRUE
+    boolean_t Free(); ///< always B_TRUE
 
     boolean_t IsAllocated() const { return ZAV_Bool(mPointer != nullptr); }
     unsigned long GetSize() const { return mPointer ? mSize : 0; }
-    void* GetPointer() const;  ///< the first aligned byte, with GetSize() bytes behind it; null without a block
+    void* GetPointer() const; ///< the first aligned of GetSize() bytes; null without a block
 
     /// Fills the whole raw block: size + mask bytes, beginning before the aligned pointer.
     void MemSet(unsigned char c);

@@ -36,26 +36,26 @@ public:
 [[noreturn]] ZAV_API void ZAV_ThrowErrorException(const ZAV_Error& error);
 /// Traces and throws the error ERR_BASE_INTERNAL with `error` as its "<<detail>>".
 [[noreturn]] ZAV_API void ZAV_ThrowInternalError(const ZAV_Error& error);
-/// Throws an internal error whose detail is ERR_BASE_PARAMETER_SPEC. The "<<paramname>>" of that is `text` and
-/// ":" (nothing if `text` is null), then the path with its closing separator.
+/// Throws an internal error whose detail is ERR_BASE_PARAMETER_SPEC. The "<<paramname>>" of that is `text`
+/// and ":" (nothing if `text` is null), then the path with its closing separator.
 [[noreturn]] ZAV_API void ZAV_ThrowParamSpecError(const ZAV_DictPath& path, const char* text);
 
 /// The library's message identifiers; the text of each is its own name. Their English messages come from
 /// ZAV_Base_GetI18nDefs.
-extern ZAV_API const char* const ERR_BASE_PARAMETER_SPEC;     ///< <<paramname>>
-extern ZAV_API const char* const ERR_BASE_PARAMETER_VAL;      ///< <<paramname>>, <<paramvalue>>
+extern ZAV_API const char* const ERR_BASE_PARAMETER_SPEC; ///< <<paramname>>
+extern ZAV_API const char* const ERR_BASE_PARAMETER_VAL;  ///< <<paramname>>, <<paramvalue>>
 extern ZAV_API const char* const ERR_BASE_INVALID_MODULE;
 extern ZAV_API const char* const ERR_BASE_INVALID_FILENAME;
 extern ZAV_API const char* const ERR_BASE_INVALID_FILETYPE;
 extern ZAV_API const char* const ERR_BASE_INVALID_FILECONTENT;
-extern ZAV_API const char* const ERR_BASE_INTERNAL;           ///< <<detail>>: a sub-error
+extern ZAV_API const char* const ERR_BASE_INTERNAL; ///< <<detail>>: a sub-error
 extern ZAV_API const char* const ERR_BASE_MEMORYALLOC;
-extern ZAV_API const char* const ERR_BASE_FILEOPENRD;         ///< this and the next five: <<filetype>>, <<filename>>
+extern ZAV_API const char* const ERR_BASE_FILEOPENRD; ///< this and the next five: <<filetype>>, <<filename>>
 extern ZAV_API const char* const ERR_BASE_FILEOPENWR;
 extern ZAV_API const char* const ERR_BASE_FILEREAD;
 extern ZAV_API const char* const ERR_BASE_FILEWRITE;
 extern ZAV_API const char* const ERR_BASE_FILECLOSE;
 extern ZAV_API const char* const ERR_BASE_FILEINVALID;
-extern ZAV_API const char* const ERR_BASE_FILETYPE_UVALBIN;   ///< names a file type, for <<filetype>>
+extern ZAV_API const char* const ERR_BASE_FILETYPE_UVALBIN; ///< names a file type, for <<filetype>>
 
 #endif

@@ -52,12 +52,12 @@ ZAV_FileException::ZAV_FileException(const ZAV_FileException& other) = default;
 ZAV_FileException::~ZAV_FileException() {}
 
 ZAV_String& ZAV_FileException::ToString(ZAV_String& s) const {
-    static const char* const names[] = {"NoError",       "FileNotFound", "InvalidFile", "OpenRdError",
-                                        "OpenWrError",   "OpenRdWrError", "ReadError",  "WriteError",
-                                        "SeekError",     "TellError",     "LockError",  "Unknown"};
+    static const char* const names[] = {"NoError",     "FileNotFound",  "InvalidFile", "OpenRdError",
+                                        "OpenWrError", "OpenRdWrError", "ReadError",   "WriteError",
+                                        "SeekError",   "TellError",     "LockError",   "Unknown"};
     constexpr unsigned count = sizeof names / sizeof *names;
     s += "File exception: ";
-    s += mCode < count ? names[mCode] : "\v";  // a vertical tab is what callers know for other codes
+    s += mCode < count ? names[mCode] : "\v"; // a vertical tab is what callers know for other codes
     return s;
 }
 
@@ -92,7 +92,8 @@ void ZAV_ThrowExitException() { throw new (std::nothrow) ZAV_ExitException(); }
 const char* GetErrorString(unsigned long osError) {
     static char text[80];
     uint32_t code = static_cast<uint32_t>(osError);
-    if (!zav_os::ErrorText(code, text, sizeof text)) std::snprintf(text, sizeof text, "0x%X", static_cast<unsigned>(code));
+    if (!zav_os::ErrorText(code, text, sizeof text))
+        std::snprintf(text, sizeof text, "0x%X", static_cast<unsigned>(code));
     return text;
 }
 

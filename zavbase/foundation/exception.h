@@ -86,8 +86,8 @@ public:
 [[noreturn]] ZAV_API void ZAV_ThrowFileException(unsigned short code, unsigned long osError);
 [[noreturn]] ZAV_API void ZAV_ThrowExitException();
 
-/// The system's text for an error number, or "0x" and the number in upper-case hexadecimal when it has none or
-/// one of 80 characters and more. One buffer for all callers and threads: the next call overwrites it.
+/// The system's text for an error number, or "0x" and the number in upper-case hexadecimal when it has none
+/// or one of 80 characters and more. One buffer for all callers and threads: the next call overwrites it.
 ZAV_API const char* GetErrorString(unsigned long osError);
 
 /// A handler scope: an automatic object that remembers the exception caught in the scope and deletes it when

@@ -7,8 +7,9 @@
 /// else one that the thread has of its own.
 ZAV_EXCEPTION_LINK*& ZAV_CurrentLinkHead();
 
-/// From now on the calling thread's chain hangs on `*head`; null goes back to the thread's own place. A thread
-/// object calls this as its thread begins and ends, outside of any handler scope. `*head` must outlive it.
+/// From now on the calling thread's chain hangs on `*head`; null goes back to the thread's own place. A
+/// thread object calls this as its thread begins and ends, outside of any handler scope. `*head` must outlive
+/// it.
 void ZAV_SetThreadLinkHead(ZAV_EXCEPTION_LINK** head);
 
 #endif

@@ -20,7 +20,7 @@ void FreeReserve() { delete[] theReserve.exchange(nullptr); }
 
 [[noreturn]] void FatalNewHandler() {
     FreeReserve();
-    ZAV_Trace("Fatal Memory Allocation Error (size %d)\n", 0);  // a handler is not told the size
+    ZAV_Trace("Fatal Memory Allocation Error (size %d)\n", 0); // a handler is not told the size
     zav_os::FatalMessage("Memory Allocation Error, program will abort!", "Fatal Error");
     zav_os::Terminate();
 }

@@ -5,9 +5,9 @@
 
 #include <zavbase/foundation/types.h>
 
-/// What happens when `new` fails, anywhere in the process. From the moment the library is loaded: its 256-byte
-/// reserve is freed, the user is told (a message box on Windows, standard error elsewhere) and the process
-/// ends at once, with status 0. After SetNewHandler: `new` throws a dummyalloc. There is no way back.
+/// What happens when `new` fails, anywhere in the process. From the moment the library is loaded: its
+/// 256-byte reserve is freed, the user is told (a message box on Windows, standard error elsewhere) and the
+/// process ends at once, with status 0. After SetNewHandler: `new` throws a dummyalloc. There is no way back.
 ///
 /// A `malloc` that fails does not come here: the run-time libraries in use have no such mode.
 
@@ -19,7 +19,7 @@ public:
     dummyalloc(const dummyalloc&) noexcept;
     dummyalloc& operator=(const dummyalloc&) noexcept;
     ~dummyalloc() override;
-    const char* what() const noexcept override;  ///< "Memory allocation failure"
+    const char* what() const noexcept override; ///< "Memory allocation failure"
 };
 
 extern "C" ZAV_API void SetNewHandler(void);

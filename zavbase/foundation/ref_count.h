@@ -13,7 +13,7 @@
 class ZAV_API ZAV_RefCount : public ZAV_Object {
     ZAV_DECLARE_CLASS(ZAV_RefCount)
 public:
-    void PrintOn(std::ostream& os) override;  ///< "mRefCount=" and the number of handles
+    void PrintOn(std::ostream& os) override; ///< "mRefCount=" and the number of handles
     void DumpOn(std::ostream& os) override;
 
 protected:

@@ -37,7 +37,9 @@ void TraceVersion() {
     ZAV_BASE_TRACE(0x10, "ZAV OS settings:      " << PlatformName());
 }
 
-bool Is(uint32_t platform, uint32_t major) { return theVersion.mPlatform == platform && theVersion.mMajor == major; }
+bool Is(uint32_t platform, uint32_t major) {
+    return theVersion.mPlatform == platform && theVersion.mMajor == major;
+}
 
 } // namespace
 

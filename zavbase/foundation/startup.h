@@ -15,10 +15,10 @@
 /// system: such a host is told to expect what the NT family offers.
 ZAV_API void SetRuntimeOSVersion(void);
 
-ZAV_API boolean_t ZAV_Win32s(void);   ///< platform id 0; also the answer when the system did not tell
-ZAV_API boolean_t ZAV_Win95(void);    ///< platform id 1, version 4.0 to 4.9
-ZAV_API boolean_t ZAV_Win98(void);    ///< platform id 1, version 4.10 and later minor versions
-ZAV_API boolean_t ZAV_WinNT4(void);   ///< platform id 2, version 4
-ZAV_API boolean_t ZAV_WinNT5(void);   ///< platform id 2, every version after 4
+ZAV_API boolean_t ZAV_Win32s(void); ///< platform id 0; also the answer when the system did not tell
+ZAV_API boolean_t ZAV_Win95(void);  ///< platform id 1, version 4.0 to 4.9
+ZAV_API boolean_t ZAV_Win98(void);  ///< platform id 1, version 4.10 and later minor versions
+ZAV_API boolean_t ZAV_WinNT4(void); ///< platform id 2, version 4
+ZAV_API boolean_t ZAV_WinNT5(void); ///< platform id 2, every version after 4
 
 #endif

@@ -19,7 +19,7 @@ ZAV_FuncStrmbuf& ZAV_FuncStrmbuf::operator=(const ZAV_FuncStrmbuf& other) {
     char* own = pbase();
     char* end = epptr();
     std::streambuf::operator=(other);
-    setp(own, end);  // the other's put pointers came along
+    setp(own, end); // the other's put pointers came along
     mCallback = other.mCallback;
     mUserData = other.mUserData;
     // Both buffers have the same size, so the pending text fits and nothing is handed on here.
@@ -67,7 +67,8 @@ namespace {
 
 // The reference dout is bound by the compiler; the objects are made with the first of the library's static
 // objects and are never destroyed, since threads may trace to the very end.
-template <class T> union Immortal {
+template <class T>
+union Immortal {
     constexpr Immortal() : none(0) {}
     ~Immortal() {}
     char none;
@@ -102,7 +103,9 @@ void _trace(void*, const char* text, int length) {
     }
 }
 
-boolean_t ZAV_GetTraceChannel(char* name, unsigned size) { return ZAV_Bool(zav_os::TraceChannel(name, size)); }
+boolean_t ZAV_GetTraceChannel(char* name, unsigned size) {
+    return ZAV_Bool(zav_os::TraceChannel(name, size));
+}
 
 void ZAV_Trace(const char*, ...) {}
 

@@ -17,7 +17,7 @@ class ZAV_API ZAV_FuncStrmbuf : public std::streambuf {
 public:
     typedef void (*Callback)(void* userData, const char* text, int length);
 
-    ZAV_FuncStrmbuf(Callback callback, void* userData);  ///< a null callback drops the text
+    ZAV_FuncStrmbuf(Callback callback, void* userData); ///< a null callback drops the text
     /// Copies take the pending text along in a buffer of their own.
     ZAV_FuncStrmbuf(const ZAV_FuncStrmbuf& other);
     ZAV_FuncStrmbuf& operator=(const ZAV_FuncStrmbuf& other);
@@ -30,7 +30,8 @@ protected:
     int overflow(int c) override;
     int underflow() override;
 
-    /// Hands on the pending text. The callback may write to the same stream: that text waits for the next flush.
+    /// Hands on the pending text. The callback may write to the same stream: that text waits for the next
+    /// flush.
     int syncout();
 
     Callback mCallback;
@@ -48,9 +49,9 @@ extern ZAV_API std::ostream& dout;
 ///
 /// The viewer on Windows is the window of class "ZAVTraceWindow"; it gets the registered message
 /// "*WM_TRACE_MSG" with a global atom of the text and must read it before it returns. Elsewhere it is whoever
-/// receives datagrams at ZAV_GetTraceChannel. A viewer that does not take a piece within two seconds (Windows)
-/// or a fifth of a second (elsewhere) is passed over: the text goes where it would go without a viewer, and
-/// elsewhere the following pieces do not wait until the viewer takes text again.
+/// receives datagrams at ZAV_GetTraceChannel. A viewer that does not take a piece within two seconds
+/// (Windows) or a fifth of a second (elsewhere) is passed over: the text goes where it would go without a
+/// viewer, and elsewhere the following pieces do not wait until the viewer takes text again.
 ZAV_API void _trace(void* userData, const char* text, int length);
 
 /// Where a trace viewer listens: the window class on Windows, elsewhere the path of a datagram socket in the

@@ -44,7 +44,10 @@ std::recursive_mutex& LineLock() {
     return *lock;
 }
 
-template <class T> std::atomic_ref<T> Shared(T& field) { return std::atomic_ref<T>(field); }
+template <class T>
+std::atomic_ref<T> Shared(T& field) {
+    return std::atomic_ref<T>(field);
+}
 
 ZAV_Tracer* Claim(ZAV_Tracer* slot, const char* name) {
     if (slot) std::strncpy(slot->mName, name, kNameLength);

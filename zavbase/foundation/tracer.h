@@ -12,8 +12,8 @@ class ZAV_UValDict;
 /// has one table of 30 tracers; a name once given stays for the life of the process. Names count to their
 /// first 10 characters, so two names that agree in these are one tracer.
 ///
-/// A host makes tracers speak with Initialize, or with SetStreamP and SetMask; the stream stays the host's and
-/// must outlive its use here. The library's own tracer is "BASE". Its levels:
+/// A host makes tracers speak with Initialize, or with SetStreamP and SetMask; the stream stays the host's
+/// and must outlive its use here. The library's own tracer is "BASE". Its levels:
 ///
 ///     0x1 errors, caught exceptions       0x2 warnings, configuration not initialised
 ///     0x4 configuration error header      0x8 configuration detail
@@ -27,8 +27,8 @@ public:
     constexpr ZAV_Tracer() : mName{}, mStreamP(nullptr), mMask(0) {}
     ~ZAV_Tracer();
 
-    /// The tracer called `name`, taking a free slot for a new name; null when the table is full. An empty name
-    /// gets a free slot but does not name it.
+    /// The tracer called `name`, taking a free slot for a new name; null when the table is full. An empty
+    /// name gets a free slot but does not name it.
     static ZAV_Tracer* FindOrCreate(const char* name);
 
     /// Both find or create the tracer; 0, or -1 when no slot could be had.
@@ -47,16 +47,16 @@ public:
     /// the names; they tell only how many slots are named.
     static void GetNameList(ZAV_Collection* collection);
 
-    char mName[11];          ///< at most 10 characters and a NUL; a slot with an empty name is free
-    std::ostream* mStreamP;  ///< null: silent
+    char mName[11];         ///< at most 10 characters and a NUL; a slot with an empty name is free
+    std::ostream* mStreamP; ///< null: silent
     zav_long32 mMask;
 };
 
-extern ZAV_API ZAV_Tracer* tr_base;              ///< the library's tracer; null until first looked up
-extern ZAV_API const char* const tr_base_name;   ///< "BASE"
+extern ZAV_API ZAV_Tracer* tr_base;            ///< the library's tracer; null until first looked up
+extern ZAV_API const char* const tr_base_name; ///< "BASE"
 
-/// One line of a trace statement; used through ZAV_TRACE. The parts are collected first and reach the tracer's
-/// stream in one piece, so no lock is held while an object prints itself.
+/// One line of a trace statement; used through ZAV_TRACE. The parts are collected first and reach the
+/// tracer's stream in one piece, so no lock is held while an object prints itself.
 class ZAV_API ZAV_TraceLine {
 public:
     /// The stream that a line of this level goes to, null when it is not wanted. Looks the tracer up by name
@@ -69,7 +69,7 @@ public:
     ZAV_TraceLine& operator=(const ZAV_TraceLine&) = delete;
 
     std::ostream& Parts();
-    void End();  ///< writes the line, a line end, and flushes
+    void End(); ///< writes the line, a line end, and flushes
 
 private:
     std::ostream& mSink;

@@ -29,8 +29,9 @@ void ZAV_I18nDef2Dict(ZAV_UValDict* dict, const char* id, const char* text) {
 void ZAV_Base_GetI18nDefs(ZAV_UValDict* dict, boolean_t paramDefs, boolean_t baseDefs) {
     if (!dict) return;
     if (paramDefs == B_TRUE)
-        Define(dict, {{ERR_BASE_PARAMETER_SPEC, "Invalid parameter spec for <<paramname>>"},
-                      {ERR_BASE_PARAMETER_VAL, "Invalid parameter value for <<paramname>> : <<paramvalue>>"}});
+        Define(dict,
+               {{ERR_BASE_PARAMETER_SPEC, "Invalid parameter spec for <<paramname>>"},
+                {ERR_BASE_PARAMETER_VAL, "Invalid parameter value for <<paramname>> : <<paramvalue>>"}});
     if (baseDefs == B_TRUE)
         Define(dict, {{ERR_BASE_INVALID_MODULE, "Invalid module"},
                       {ERR_BASE_INVALID_FILENAME, "Invalid filename"},

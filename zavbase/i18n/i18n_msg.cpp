@@ -86,8 +86,8 @@ void ZAV_I18nMsg::PrintOn(std::ostream& os) {
 /// What all messages of one formatting have in common, and the walks over a message's arguments.
 struct ZAV_I18nMsgFormatter {
     ZAV_I18nMsgFormatter(const char* lang, ZAV_I18nResource* resources, ZAV_I18nResource* baseResources)
-        : mLang(lang), mLangLength(lang ? static_cast<unsigned>(std::strlen(lang)) : 0), mResources(resources),
-          mBaseResources(baseResources) {}
+        : mLang(lang), mLangLength(lang ? static_cast<unsigned>(std::strlen(lang)) : 0),
+          mResources(resources), mBaseResources(baseResources) {}
 
     /// A message's arguments, for a range-based loop.
     class Args {
@@ -115,7 +115,8 @@ struct ZAV_I18nMsgFormatter {
     ZAV_UTFString FormatOnce(const ZAV_I18nMsg& msg) const;
 
     /// Calls visit(message) for each sub-error below `msg`, depth first.
-    template <class Visit> static void VisitSubErrors(const ZAV_I18nMsg& msg, const Visit& visit) {
+    template <class Visit>
+    static void VisitSubErrors(const ZAV_I18nMsg& msg, const Visit& visit) {
         for (const ZAV_I18nMsgArg& arg : Args(msg)) {
             if (arg.GetType() == ZAV_I18N_SUBERROR) visit(arg.GetMsg());
             VisitSubErrors(arg.GetMsg(), visit);
@@ -194,7 +195,7 @@ private:
 
     char* mData;
     unsigned mLength;
-    unsigned mTextLength;  // up to the first NUL: tags are not looked for behind it
+    unsigned mTextLength; // up to the first NUL: tags are not looked for behind it
     unsigned mRoom;
     char mOnStack[500];
 };
@@ -237,7 +238,8 @@ ZAV_UTFString ZAV_I18nMsgFormatter::FormatOnce(const ZAV_I18nMsg& msg) const {
     const ZAV_UTFString& found = Lookup(msg.mId, key);
     std::vector<Place> places;
     for (const ZAV_I18nMsgArg& arg : Args(msg)) Claim(places, found.Ptr(), arg);
-    std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) { return a.mStart < b.mStart; });
+    std::sort(places.begin(), places.end(),
+              [](const Place& a, const Place& b) { return a.mStart < b.mStart; });
 
     ZAV_String text;
     unsigned at = 0;

@@ -10,14 +10,14 @@ class ZAV_I18nResource;
 
 /// What an argument of a message is. Other values act as strings.
 enum ZAV_I18nMsgArgType : int {
-    ZAV_I18N_STRING = 0,    ///< the text is inserted as it is
-    ZAV_I18N_TAG = 1,       ///< a message, formatted and inserted
-    ZAV_I18N_SUBERROR = 2   ///< the same, and listed by GetTagList and FormatAll
+    ZAV_I18N_STRING = 0,  ///< the text is inserted as it is
+    ZAV_I18N_TAG = 1,     ///< a message, formatted and inserted
+    ZAV_I18N_SUBERROR = 2 ///< the same, and listed by GetTagList and FormatAll
 };
 
-/// A message that knows no language: an identifier and named arguments. Only Format looks the identifier up in
-/// a resource (i18n_resource.h) and puts the arguments in the place of the "<<tag>>"s of the text found there.
-/// Arguments may be messages themselves.
+/// A message that knows no language: an identifier and named arguments. Only Format looks the identifier up
+/// in a resource (i18n_resource.h) and puts the arguments in the place of the "<<tag>>"s of the text found
+/// there. Arguments may be messages themselves.
 ///
 ///     ZAV_I18nMsg msg("ERR_BASE_FILEREAD");
 ///     msg.AddArg("<<filetype>>", "UVALBIN", ZAV_I18N_STRING);
@@ -34,14 +34,14 @@ public:
     ZAV_I18nMsg(const ZAV_I18nMsg& other);
     ~ZAV_I18nMsg() override;
     ZAV_I18nMsg& operator=(const ZAV_I18nMsg& other);
-    ZAV_I18nMsg& operator=(const ZAV_UTFString& id);  ///< changes only the identifier
+    ZAV_I18nMsg& operator=(const ZAV_UTFString& id); ///< changes only the identifier
 
-    ZAV_I18nMsg& Set(const ZAV_UTFString& id);  ///< clears the message first
-    void Clear();                               ///< no identifier, no arguments, not a warning
+    ZAV_I18nMsg& Set(const ZAV_UTFString& id); ///< clears the message first
+    void Clear();                              ///< no identifier, no arguments, not a warning
 
     void SetWarning(boolean_t warning) { mWarning = warning; }
     boolean_t IsWarning() const { return mWarning; }
-    boolean_t IsValid() const { return ZAV_Bool(!mId.IsEmpty()); }  ///< has an identifier
+    boolean_t IsValid() const { return ZAV_Bool(!mId.IsEmpty()); } ///< has an identifier
 
     boolean_t operator==(const ZAV_UTFString& id) const { return mId == id; }
     boolean_t operator!=(const ZAV_UTFString& id) const { return ZAV_Bool(!(mId == id)); }
@@ -51,10 +51,10 @@ public:
     /// arguments), a message to the other two.
     void AddArg(const char* tag, const ZAV_UTFString& value, ZAV_I18nMsgArgType type);
     void AddArg(const char* tag, const ZAV_I18nMsg& sub, ZAV_I18nMsgArgType type);
-    /// Adds a number as text, formatted by the first conversion of a printf-style `format`. Length letters are
-    /// ignored: integers have 32 bits everywhere. A conversion that does not suit the number ("%s", "%n", or
-    /// "%d" for a double) is replaced by the usual one, a "*" counts as absent, and the text does not depend on
-    /// the process's locale.
+    /// Adds a number as text, formatted by the first conversion of a printf-style `format`. Length letters
+    /// are ignored: integers have 32 bits everywhere. A conversion that does not suit the number ("%s", "%n",
+    /// or "%d" for a double) is replaced by the usual one, a "*" counts as absent, and the text does not
+    /// depend on the process's locale.
     void AddArg(const char* tag, long value, const char* format, ZAV_I18nMsgArgType type);
     void AddArg(const char* tag, unsigned long value, const char* format, ZAV_I18nMsgArgType type);
     void AddArg(const char* tag, double value, const char* format, ZAV_I18nMsgArgType type);
@@ -65,19 +65,20 @@ public:
         AddArg(tag, static_cast<unsigned long>(value), format, type);
     }
 
-    /// The text in language `lang`. The identifier is looked up in `resources`, or, if it begins with "+++", in
-    /// `baseResources` without these three characters; without a resource it is its own text. Then each
+    /// The text in language `lang`. The identifier is looked up in `resources`, or, if it begins with "+++",
+    /// in `baseResources` without these three characters; without a resource it is its own text. Then each
     /// argument in turn replaces the first occurrence of its tag in the text as it stands by then: a tag that
     /// occurs twice needs two arguments, and a tag that an earlier argument brought in is replaced too. A tag
     /// without argument stays, an argument without tag is left out.
-    ZAV_UTFString Format(const char* lang, ZAV_I18nResource* resources, ZAV_I18nResource* baseResources) const;
+    ZAV_UTFString Format(const char* lang, ZAV_I18nResource* resources,
+                         ZAV_I18nResource* baseResources) const;
     /// The same in one pass: tags are looked for in the text of the resource only, so those that occur inside
     /// arguments are left alone. Use it where argument texts come from outside. An empty tag matches nothing.
     ZAV_UTFString FormatOnce(const char* lang, ZAV_I18nResource* resources,
                              ZAV_I18nResource* baseResources) const;
 
-    /// The identifiers (new ZAV_CltString) or formatted texts (new ZAV_CltUTFString) of this message and of its
-    /// sub-errors, depth first. The elements are the caller's to delete (ClearAndDestroy).
+    /// The identifiers (new ZAV_CltString) or formatted texts (new ZAV_CltUTFString) of this message and of
+    /// its sub-errors, depth first. The elements are the caller's to delete (ClearAndDestroy).
     ZAV_OrderedCltn GetTagList() const;
     ZAV_OrderedCltn FormatAll(const char* lang, ZAV_I18nResource* resources,
                               ZAV_I18nResource* baseResources) const;
@@ -86,12 +87,11 @@ public:
     void PrintOn(std::ostream& os) override;
 
 private:
-    friend class ZAV_I18nMsgArg;
     friend struct ZAV_I18nMsgFormatter;
 
     boolean_t mWarning;
     ZAV_UTFString mId;
-    ZAV_I18nMsgArgList* mArgs;  ///< null while there are none
+    ZAV_I18nMsgArgList* mArgs; ///< null while there are none
 };
 
 /// Comparisons with the identifier on the left, and with plain text.

@@ -18,7 +18,9 @@ void ZAV_I18nMsgArg::PrintOn(std::ostream& os) {
 }
 
 ZAV_I18nMsgArgList::ZAV_I18nMsgArgList() {}
-ZAV_I18nMsgArgList::ZAV_I18nMsgArgList(const ZAV_I18nMsgArgList& other) : ZAV_LinkedList() { AddCopies(other); }
+ZAV_I18nMsgArgList::ZAV_I18nMsgArgList(const ZAV_I18nMsgArgList& other) : ZAV_LinkedList() {
+    AddCopies(other);
+}
 ZAV_I18nMsgArgList::ZAV_I18nMsgArgList(const ZAV_I18nMsgArgList* other) {
     if (other) AddCopies(*other);
 }

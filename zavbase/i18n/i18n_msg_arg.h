@@ -13,31 +13,30 @@ public:
     ~ZAV_I18nMsgArg() override;
     ZAV_I18nMsgArg& operator=(const ZAV_I18nMsgArg& other);
 
-    void PrintOn(std::ostream& os) override;  ///< tag, " = ", message, then "(tag)" or "(SubErr)" by type
+    void PrintOn(std::ostream& os) override; ///< tag, " = ", message, then "(tag)" or "(SubErr)" by type
 
     const ZAV_UTFString& GetTag() const { return mTag; }
     ZAV_I18nMsgArgType GetType() const { return mType; }
     const ZAV_I18nMsg& GetMsg() const { return mMsg; }
-    unsigned int ValueSize() const { return mMsg.mId.Size(); }  ///< bytes of the text, or of the identifier
 
 private:
-    ZAV_UTFString mTag;  ///< with its brackets, e.g. "<<filename>>"
+    ZAV_UTFString mTag; ///< with its brackets, e.g. "<<filename>>"
     ZAV_I18nMsgArgType mType;
     ZAV_I18nMsg mMsg;
 };
 
-/// The arguments of a message, in the order in which they were added. It holds ZAV_I18nMsgArg and nothing else,
-/// owns them, and copies them with all that they hold.
+/// The arguments of a message, in the order in which they were added. It holds ZAV_I18nMsgArg and nothing
+/// else, owns them, and copies them with all that they hold.
 class ZAV_API ZAV_I18nMsgArgList : public ZAV_LinkedList {
     ZAV_DECLARE_CLASS(ZAV_I18nMsgArgList)
 public:
     ZAV_I18nMsgArgList();
     ZAV_I18nMsgArgList(const ZAV_I18nMsgArgList& other);
-    explicit ZAV_I18nMsgArgList(const ZAV_I18nMsgArgList* other);  ///< null gives an empty list
+    explicit ZAV_I18nMsgArgList(const ZAV_I18nMsgArgList* other); ///< null gives an empty list
     ~ZAV_I18nMsgArgList() override;
     ZAV_I18nMsgArgList& operator=(const ZAV_I18nMsgArgList& other);
 
-    void PrintOn(std::ostream& os) override;  ///< the arguments, one after the other
+    void PrintOn(std::ostream& os) override; ///< the arguments, one after the other
 
 private:
     void AddCopies(const ZAV_I18nMsgArgList& other);

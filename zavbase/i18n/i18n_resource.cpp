@@ -8,7 +8,6 @@
 #include <zavbase/values/value_dict.h>
 
 #include <atomic>
-#include <cctype>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -99,7 +98,9 @@ Texts* Held(const ZAV_Dictionary& dicts, const char* lang, unsigned length) {
     return found ? static_cast<Texts*>(found->Value()) : nullptr;
 }
 
-Texts* HeldDefaults(const ZAV_Dictionary& dicts) { return Held(dicts, kDefaultDefs, sizeof kDefaultDefs - 1); }
+Texts* HeldDefaults(const ZAV_Dictionary& dicts) {
+    return Held(dicts, kDefaultDefs, sizeof kDefaultDefs - 1);
+}
 
 void ShareAll(const ZAV_Dictionary& from, ZAV_Dictionary& to) {
     ZAV_Iterator it(&from);
@@ -189,7 +190,8 @@ const ZAV_UTFString& ZAV_I18nResource::Lookup(const ZAV_UTFString& id, const cha
 
 boolean_t ZAV_IsPlainLangCode(const ZAV_String& lang) {
     std::string_view code(lang.Ptr(), lang.Size());
-    if (code.empty() || code.size() > 64 || code.back() == '.' || code.find("..") != code.npos) return B_FALSE;
+    if (code.empty() || code.size() > 64) return B_FALSE;
+    if (code.back() == '.' || code.find("..") != code.npos) return B_FALSE;
     auto isAlphanumeric = [](char c) {
         return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
     };

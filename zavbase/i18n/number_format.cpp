@@ -5,7 +5,7 @@
 
 ZAV_NumberFormat::ZAV_NumberFormat(const char* format, const char* suitable, char usual) {
     const char* p = TakeLiteral(format ? format : "%", mBefore);
-    if (!*p) return;  // no conversion: the number does not show
+    if (!*p) return; // no conversion: the number does not show
     p = TakeConversion(p + 1, suitable, usual);
     while (*p) {
         p = TakeLiteral(p, mAfter);

@@ -3,16 +3,17 @@
 
 #include <zavbase/strings/byte_string.h>
 
-/// A printf-style format cut around its first conversion, which is made to fit one number, whatever the format
-/// asks for: no length letters, no "*", at most three digits of width and of precision. Later conversions are
-/// plain text.
+/// A printf-style format cut around its first conversion, which is made to fit one number, whatever the
+/// format asks for: no length letters, no "*", at most three digits of width and of precision. Later
+/// conversions are plain text.
 struct ZAV_NumberFormat {
     /// `suitable` lists the conversion letters that may stay; any other becomes `usual`. A null format is one
     /// conversion of the usual kind.
     ZAV_NumberFormat(const char* format, const char* suitable, char usual);
 
     /// The text of `value`, which must be an int, unsigned or double that suits the conversion.
-    template <class Number> ZAV_String Apply(Number value) const {
+    template <class Number>
+    ZAV_String Apply(Number value) const {
         ZAV_String number;
         number.Format(mConversion, value);
         return mBefore + number + mAfter;

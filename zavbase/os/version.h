@@ -11,8 +11,8 @@ struct VersionRecord {
     uint32_t mSize;
     uint32_t mMajor;
     uint32_t mMinor;
-    uint32_t mBuild;     ///< on the Windows 95 family the high word repeats major and minor
-    uint32_t mPlatform;  ///< 0 Win32s, 1 the Windows 95 family, 2 the NT family
+    uint32_t mBuild;    ///< on the Windows 95 family the high word repeats major and minor
+    uint32_t mPlatform; ///< 0 Win32s, 1 the Windows 95 family, 2 the NT family
     char mServicePack[128];
 };
 

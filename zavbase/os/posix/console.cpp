@@ -32,7 +32,8 @@ bool IsPrivateFolder(const std::string& path) {
 std::string ViewerPath() {
     const char* runtime = secure_getenv("XDG_RUNTIME_DIR");
     std::string user = std::to_string(geteuid());
-    for (const std::string& folder : {std::string(runtime ? runtime : ""), "/run/user/" + user, "/tmp/zavbase-" + user})
+    for (const std::string& folder :
+         {std::string(runtime ? runtime : ""), "/run/user/" + user, "/tmp/zavbase-" + user})
         if (IsPrivateFolder(folder)) return folder + "/zavbase-trace";
     return {};
 }

@@ -23,8 +23,8 @@ bool SendToViewer(const char* text) {
     ATOM atom = GlobalAddAtomA(text);
     if (!atom) return false;
     DWORD_PTR answer;
-    bool taken = SendMessageTimeoutA(viewer, ViewerMessage(), atom, 0, SMTO_ABORTIFHUNG, kViewerTimeout,
-                                     &answer) != 0;
+    bool taken =
+        SendMessageTimeoutA(viewer, ViewerMessage(), atom, 0, SMTO_ABORTIFHUNG, kViewerTimeout, &answer) != 0;
     GlobalDeleteAtom(atom);
     return taken;
 }
