@@ -79,8 +79,6 @@ ZAV_String& ZAV_String::Append(const char* p, unsigned int n) {
     return *this;
 }
 
-ZAV_String& ZAV_String::appendGrown(char c) { return Append(&c, 1); }
-
 ZAV_String ZAV_String::operator+(const ZAV_Str& s) const { return sum(mData, mLength, s.Ptr(), s.Size()); }
 
 ZAV_String ZAV_String::operator+(const ZAV_SubStr& s) const { return sum(mData, mLength, s.Ptr(), s.Size()); }

@@ -55,9 +55,10 @@ public:
     ZAV_String& operator+=(const ZAV_SubStr& s);
     ZAV_String& operator+=(const char* p);
     ZAV_String& operator+=(char c) {
-        if (mLength >= mCapacity) return appendGrown(c);
-        mData[mLength++] = c;
-        mData[mLength] = '\0';
+        const unsigned int n = mLength;
+        if (n >= mCapacity) growByOne();
+        storeTerminated(mData + n, c);
+        mLength = n + 1;
         return *this;
     }
     /// Appends `n` bytes.
@@ -129,7 +130,17 @@ public:
 private:
     int indexOf(const char* p) const { return p ? static_cast<int>(p - mData) : -1; }
     int compareText(const char* p) const { return std::strcmp(mData, p ? p : ""); }
-    ZAV_String& appendGrown(char c);
+    // The character and the terminator in one store. Unlike a store of a char it cannot change the string's
+    // own fields, as far as the compiler is concerned, so that a loop of appends keeps these in registers.
+    static void storeTerminated(char* to, char c) {
+#if defined(__GNUC__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+        typedef unsigned short Pair __attribute__((aligned(1)));
+        *reinterpret_cast<Pair*>(to) = static_cast<unsigned char>(c);
+#else
+        to[0] = c;
+        to[1] = '\0';
+#endif
+    }
 };
 
 /// A view of a range of a ZAV_String, made by ZAV_String::operator(). See ZAV_SubStr for how long it lives.

@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <cstring>
 
 #include <zavbase/strings/rune_internal.h>
@@ -39,28 +40,32 @@ constexpr size_t kBlock = 16;
 
 __m128i load(const Byte* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 
-// All bits set in the bytes that are at least `low`, taken without sign.
-__m128i atLeast(__m128i v, int low) {
-    return _mm_cmpeq_epi8(_mm_max_epu8(v, _mm_set1_epi8(static_cast<char>(low))), v);
-}
+__m128i bytes(int value) { return _mm_set1_epi8(static_cast<char>(value)); }
 
-__m128i continuation(__m128i v) { return _mm_cmplt_epi8(v, _mm_set1_epi8(static_cast<char>(0xC0))); }
+// All bits set in the bytes that are above `limit`, which with the top bit turned over is a comparison with
+// sign.
+__m128i above(__m128i turned, int limit) { return _mm_cmpgt_epi8(turned, bytes(limit ^ 0x80)); }
 
-// Marks the bytes of a block at which a sequence of two and of three bytes starts. Reads two bytes beyond it.
+__m128i turnedOver(__m128i v) { return _mm_xor_si128(v, bytes(0x80)); }
+
+// The lowest of the numbers with sign are 0x80 to 0xBF.
+__m128i continuation(__m128i v) { return _mm_cmplt_epi8(v, bytes(0xC0)); }
+
+// Marks the bytes of a block at which a sequence of two or three bytes starts, and which have three. Reads
+// two bytes beyond the block.
 struct Starts {
-    __m128i two, three;
+    __m128i all, three;
 
-    Starts(const Byte* p, __m128i v) {
+    Starts(const Byte* p, __m128i v, __m128i turned) {
         const __m128i next = load(p + 1);
-        const __m128i follows = continuation(next);
-        const __m128i from3 = atLeast(v, 0xE0);
-        const __m128i lead2 = _mm_andnot_si128(from3, atLeast(v, 0xC2));
-        const __m128i lead3 = _mm_andnot_si128(atLeast(v, 0xF0), from3);
-        const __m128i isE0 = _mm_cmpeq_epi8(v, _mm_set1_epi8(static_cast<char>(0xE0)));
-        const __m128i overlong = _mm_andnot_si128(atLeast(next, 0xA0), isE0);
-        two = _mm_and_si128(lead2, follows);
-        three = _mm_andnot_si128(overlong,
-                                 _mm_and_si128(_mm_and_si128(lead3, follows), continuation(load(p + 2))));
+        const __m128i lead = _mm_andnot_si128(above(turned, 0xEF), above(turned, 0xC1));
+        const __m128i lead3 = above(turned, 0xDF);
+        const __m128i overlong =
+            _mm_and_si128(_mm_cmpeq_epi8(v, bytes(0xE0)), _mm_cmplt_epi8(next, bytes(0xA0)));
+        const __m128i third = _mm_andnot_si128(overlong, continuation(load(p + 2)));
+        const __m128i cut = _mm_andnot_si128(third, lead3);
+        all = _mm_andnot_si128(cut, _mm_and_si128(lead, continuation(next)));
+        three = _mm_and_si128(all, lead3);
     }
 };
 
@@ -85,13 +90,14 @@ size_t usedUpByBlocks(const Range& r, size_t& i) {
         // A byte of `counts` grows by at most 2 a block.
         for (int blocks = 0; blocks < 120 && i + kBlock + 2 <= r.n; ++blocks) {
             const __m128i v = load(r.p + i);
-            if (mask(v) == 0) {
+            const __m128i turned = turnedOver(v);
+            if (mask(above(turned, 0x9F)) == 0) {
                 i = afterAscii(r, i + kBlock);
                 continue;
             }
-            const Starts starts(r.p + i, v);
+            const Starts starts(r.p + i, v, turned);
             i += kBlock;
-            counts = _mm_sub_epi8(counts, _mm_add_epi8(starts.two, _mm_add_epi8(starts.three, starts.three)));
+            counts = _mm_sub_epi8(counts, _mm_add_epi8(starts.all, starts.three));
         }
         const __m128i sums = _mm_sad_epu8(counts, zero);
         used +=
@@ -100,22 +106,32 @@ size_t usedUpByBlocks(const Range& r, size_t& i) {
     return used;
 }
 
-// Whether the whole blocks from `i` on are valid; moves `i` to where the rest is to be looked at.
+// Two blocks as bits.
+struct Bits {
+    uint32_t high = 0, all = 0, three = 0;
+
+    void Add(const Byte* p, int shift) {
+        const __m128i v = load(p);
+        const __m128i turned = turnedOver(v);
+        const Starts starts(p, v, turned);
+        high |= mask(above(turned, 0x9F)) << shift;
+        all |= mask(starts.all) << shift;
+        three |= mask(starts.three) << shift;
+    }
+};
+
+// Whether the whole pairs of blocks from `i` on are valid; moves `i` to where the rest is to be looked at.
 bool validBlocks(const Range& r, size_t& i) {
-    unsigned carry = 0; // bits 0 and 1: the next two bytes are used up
-    while (i + kBlock + 2 <= r.n) {
-        const __m128i v = load(r.p + i);
-        if (mask(v) == 0) {
-            i = afterAscii(r, i + kBlock);
-            continue;
-        }
-        const Starts starts(r.p + i, v);
-        i += kBlock;
-        const unsigned three = mask(starts.three);
-        const unsigned start = mask(starts.two) | three;
-        const unsigned used = carry | start << 1 | three << 2;
-        carry = used >> 16;
-        if ((mask(atLeast(v, 0xA0)) & ~(start | used)) != 0) return false;
+    uint64_t carry = 0; // bits 0 and 1: the next two bytes are used up
+    while (i + 2 * kBlock + 2 <= r.n) {
+        Bits bits;
+        bits.Add(r.p + i, 0);
+        bits.Add(r.p + i + kBlock, kBlock);
+        i += 2 * kBlock;
+        const uint64_t used = carry | uint64_t{bits.all} << 1 | uint64_t{bits.three} << 2;
+        carry = used >> 32;
+        if ((bits.high & ~(bits.all | used)) != 0) return false;
+        if (bits.high == 0) i = afterAscii(r, i);
     }
     i += (carry & 1) + (carry >> 1 & 1);
     return true;

@@ -13,30 +13,19 @@ char ZAV_Str::sEmpty[1] = {'\0'};
 
 namespace {
 
-// The characters a buffer really has room for stand in front of it. They may be more than mCapacity:
-// appending doubles the room while the visible capacity keeps growing by 16, so that a long run of appends
-// copies each byte a constant number of times. Four bytes keep the smallest buffer within a 32-byte block of
-// the heap.
-using Room = uint32_t;
 constexpr uint64_t kLargestRoom = 0xFFFFFFF0u;
-
-Room roomOf(const char* data) {
-    Room room;
-    std::memcpy(&room, data - sizeof room, sizeof room);
-    return room;
-}
-
-uint64_t capacityFor(uint64_t length) { return (length / 16 + 1) * 16; }
 
 // What does not fit becomes a request that the allocator refuses: the program has a policy for that.
 volatile size_t refusedSize = SIZE_MAX - 64;
 
-char* newBuffer(uint64_t room) {
-    const bool fits = room <= (std::min)(kLargestRoom, uint64_t{SIZE_MAX / 2});
-    void* block = ::operator new(fits ? static_cast<size_t>(room) + sizeof(Room) + 1 : refusedSize);
-    const Room stored = static_cast<Room>(room);
-    std::memcpy(block, &stored, sizeof stored);
-    return static_cast<char*>(block) + sizeof stored;
+uint64_t capacityFor(uint64_t length) { return (length / 16 + 1) * 16; }
+
+// The room for a text that outgrew `room`. Middle sizes quadruple: fewer blocks of fresh memory are touched,
+// which costs more there than the copying.
+uint64_t roomAhead(uint64_t room) {
+    constexpr uint64_t kSmall = 4096, kMiddle = 1u << 20, kMost = 64u << 20;
+    const uint64_t more = room >= kSmall && room < kMiddle ? 3 * room : (std::min)(room, kMost);
+    return (std::min)(room + more, kLargestRoom);
 }
 
 void copyBytes(char* to, const char* from, size_t n) {
@@ -52,6 +41,14 @@ unsigned skippedSpace(const char* text) {
 }
 
 } // namespace
+
+char* ZAV_Str::newBuffer(uint64_t room) {
+    const bool fits = room <= (std::min)(kLargestRoom, uint64_t{SIZE_MAX / 2});
+    void* block = ::operator new(fits ? static_cast<size_t>(room) + sizeof(Room) + 1 : refusedSize);
+    const Room stored = static_cast<Room>(room);
+    std::memcpy(block, &stored, sizeof stored);
+    return static_cast<char*>(block) + sizeof stored;
+}
 
 ZAV_Str::ZAV_Str(unsigned int n) {
     allocBuffer(n);
@@ -113,13 +110,11 @@ bool ZAV_Str::holds(const char* p) const {
     return !std::less<>()(p, mData) && !std::less<>()(mData + mLength, p);
 }
 
-// Makes the buffer what allocBuffer(length) would give, keeping the text, mLength and, where it can, the
-// buffer.
 void ZAV_Str::growTo(unsigned long long length) {
     const uint64_t capacity = capacityFor(length);
     const uint64_t room = mCapacity != 0 ? roomOf(mData) : 0;
     if (room < capacity) {
-        char* data = newBuffer((std::max)(capacity, (std::min)(2 * room, kLargestRoom)));
+        char* data = newBuffer((std::max)(capacity, roomAhead(room)));
         copyBytes(data, mData, mLength);
         data[mLength] = '\0';
         safeDelete(mData);

@@ -1,6 +1,8 @@
 #ifndef ZAVBASE_STRINGS_STR_H
 #define ZAVBASE_STRINGS_STR_H
 
+#include <cstdint>
+#include <cstring>
 #include <iosfwd>
 
 #include <zavbase/foundation/types.h>
@@ -83,6 +85,16 @@ protected:
     static int getCharSw(std::istream& is);
     void readToDelim(std::istream& is, char delim, boolean_t skipWhite);
 
+    /// Makes mCapacity what allocBuffer(length) would make it, without losing the text.
+    void growTo(unsigned long long length);
+    /// The same for one character more than a full buffer holds.
+    void growByOne() {
+        if (mCapacity != 0 && mCapacity < roomOf(mData))
+            mCapacity += 16;
+        else
+            growTo(mCapacity + 1ull);
+    }
+
     char* mData;
     unsigned int mLength;
     unsigned int mCapacity;
@@ -90,8 +102,19 @@ protected:
 private:
     friend class ZAV_SubStr;
 
+    // The characters a buffer really has room for stand in front of it. They may be more than mCapacity:
+    // appending makes room ahead while the visible capacity keeps growing by 16, so that a long run of
+    // appends copies each byte a constant number of times. Four bytes keep the smallest buffer within a
+    // 32-byte block of the heap.
+    typedef uint32_t Room;
+    static Room roomOf(const char* data) {
+        Room room;
+        std::memcpy(&room, data - sizeof room, sizeof room);
+        return room;
+    }
+
     bool holds(const char* p) const;
-    void growTo(unsigned long long length);
+    static char* newBuffer(uint64_t room);
     void appendRead(char c);
     void terminate();
 
