@@ -11,7 +11,7 @@ const std::size_t kFewBuckets = 1024;
 
 std::size_t Hash(std::int32_t priority)
 {
-    return static_cast<std::uint32_t>(priority) * 0x9E3779B97F4A7C15ull >> 32;
+    return static_cast<std::size_t>(static_cast<std::uint32_t>(priority) * 0x9E3779B97F4A7C15ull >> 32);
 }
 
 } // namespace

@@ -53,7 +53,7 @@ Wait ThreadWait(uintptr_t handle, uint32_t milliseconds) {
 void ThreadClose(uintptr_t handle) { CloseHandle(Of(handle)); }
 
 int WaitForAny(const uint32_t* handles, unsigned count) {
-    HANDLE wide[MAXIMUM_WAIT_OBJECTS];
+    HANDLE wide[MAXIMUM_WAIT_OBJECTS] = {};
     for (unsigned i = 0; i < count && i < MAXIMUM_WAIT_OBJECTS; ++i) wide[i] = Of(handles[i]);
     const DWORD result = WaitForMultipleObjects(count, wide, FALSE, INFINITE);
     return result < count ? static_cast<int>(result) : -1;
