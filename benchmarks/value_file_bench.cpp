@@ -1,0 +1,263 @@
+// The text and binary forms beside the peers' forms of the same data: 1.4 million small values in nested
+// sections, for text about 50 MB in all.
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include <vector>
+
+#if defined(HAVE_QT)
+#include <QDataStream>
+#include <QVariant>
+#endif
+#if defined(HAVE_BOOST)
+#include <boost/property_tree/json_parser.hpp>
+#endif
+#if defined(HAVE_NLOHMANN)
+#include <nlohmann/json.hpp>
+#endif
+
+#include <zavbase/values/bin_pack.h>
+#include <zavbase/values/uval_text.h>
+#include <zavbase/values/uval_types.h>
+#include <zavbase/values/value_dict.h>
+
+namespace {
+
+constexpr int SECTIONS = 2000, GROUPS = 10, VALUES = 70;
+
+// Calls `put` for every value of the data, as section, group, key, and either a number, a real or a text.
+template <class Open, class Close, class Number, class Real, class Text>
+void Generate(Open open, Close close, Number number, Real real, Text text) {
+    unsigned state = 1;
+    for (int s = 0; s < SECTIONS; ++s) {
+        open("section" + std::to_string(s));
+        for (int g = 0; g < GROUPS; ++g) {
+            open("group" + std::to_string(g));
+            for (int v = 0; v < VALUES; ++v) {
+                state = state * 1664525 + 1013904223;
+                std::string key = "variable_" + std::to_string(v);
+                if (v % 7 < 4) number(key, static_cast<int>(state >> 4) % 2000000 - 1000000);
+                else if (v % 7 < 5) real(key, static_cast<double>(state % 1000000) / 64.0);
+                else text(key, "a text of some words " + std::to_string(state % 1000));
+            }
+            close();
+        }
+        close();
+    }
+}
+
+ZAV_UValDict& ZavData() {
+    static ZAV_UValDict* data = [] {
+        ZAV_UValDict* top = new ZAV_UValDict(16);
+        std::vector<ZAV_UValDict*> open(1, top);
+        auto add = [&](const std::string& key, ZAV_UValType type) {
+            return open.back()->SetEntry(key.c_str(), ZAV_NewUVal(type));
+        };
+        Generate(
+            [&](const std::string& key) {
+                ZAV_UValDict* dict = new ZAV_UValDict(16);
+                open.back()->SetEntry(key.c_str(), dict);
+                open.push_back(dict);
+            },
+            [&] { open.pop_back(); }, [&](const std::string& key, int n) { add(key, UVAL_LONG)->SetLongValue(n, 0); },
+            [&](const std::string& key, double d) { add(key, UVAL_DOUBLE)->SetDoubleValue(d, 0); },
+            [&](const std::string& key, const std::string& t) { add(key, UVAL_STRING)->SetStrValue(ZAV_String(t.c_str()), 0); });
+        return top;
+    }();
+    return *data;
+}
+
+const std::string& ZavText() {
+    static const std::string text = [] {
+        std::ostringstream os;
+        ZAV_WriteUValTxt(os, &ZavData(), 0);
+        return os.str();
+    }();
+    return text;
+}
+
+// Each reader is measured on its own text of the same data; the rates are per byte of that text.
+void Rate(benchmark::State& state, size_t bytes) {
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(bytes));
+}
+
+void ZavReadText(benchmark::State& state) {
+    const std::string& text = ZavText();
+    for (auto _ : state) {
+        std::istringstream is(text);
+        ZAV_UVal* value = nullptr;
+        ZAV_ReadUValTxt(is, value);
+        state.PauseTiming();
+        delete value;
+        state.ResumeTiming();
+    }
+    Rate(state, text.size());
+}
+
+void ZavWriteText(benchmark::State& state) {
+    ZAV_UValDict& data = ZavData();
+    for (auto _ : state) {
+        std::ostringstream os;
+        ZAV_WriteUValTxt(os, &data, 0);
+        benchmark::DoNotOptimize(os);
+    }
+    Rate(state, ZavText().size());
+}
+
+std::string Packed() {
+    ZAV_BinPackUValDict packer(ZavData());
+    std::string bytes;
+    unsigned char buffer[65536];
+    for (bool more = true; more;) {
+        unsigned char* cursor = buffer;
+        more = packer.Put(&cursor, buffer + sizeof buffer) != 0;
+        bytes.append(reinterpret_cast<char*>(buffer), static_cast<size_t>(cursor - buffer));
+    }
+    return bytes;
+}
+
+void ZavWriteBinary(benchmark::State& state) {
+    ZavData();
+    size_t size = 0;
+    for (auto _ : state) size = Packed().size();
+    Rate(state, size);
+}
+
+void ZavReadBinary(benchmark::State& state) {
+    const std::string bytes = Packed();
+    for (auto _ : state) {
+        auto dict = std::make_unique<ZAV_UValDict>();
+        ZAV_BinPackUValDict packer(*dict);
+        const unsigned char* cursor = reinterpret_cast<const unsigned char*>(bytes.data());
+        if (packer.Get(&cursor, cursor + bytes.size())) state.SkipWithError("not whole");
+        state.PauseTiming();
+        dict.reset();
+        state.ResumeTiming();
+    }
+    Rate(state, bytes.size());
+}
+
+BENCHMARK(ZavReadText)->Name("ReadText/zav/50MB")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(ZavWriteText)->Name("WriteText/zav/50MB")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(ZavWriteBinary)->Name("WriteBinary/zav/1400000_values")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(ZavReadBinary)->Name("ReadBinary/zav/1400000_values")->Unit(benchmark::kMillisecond)->Iterations(1);
+
+#if defined(HAVE_NLOHMANN)
+nlohmann::json& JsonData() {
+    static nlohmann::json* data = [] {
+        nlohmann::json* top = new nlohmann::json(nlohmann::json::object());
+        std::vector<nlohmann::json*> open(1, top);
+        Generate([&](const std::string& key) { open.push_back(&((*open.back())[key] = nlohmann::json::object())); },
+                 [&] { open.pop_back(); }, [&](const std::string& key, int n) { (*open.back())[key] = n; },
+                 [&](const std::string& key, double d) { (*open.back())[key] = d; },
+                 [&](const std::string& key, const std::string& t) { (*open.back())[key] = t; });
+        return top;
+    }();
+    return *data;
+}
+
+void JsonReadText(benchmark::State& state) {
+    const std::string text = JsonData().dump();
+    for (auto _ : state) {
+        auto json = std::make_unique<nlohmann::json>(nlohmann::json::parse(text));
+        state.PauseTiming();
+        json.reset();
+        state.ResumeTiming();
+    }
+    Rate(state, text.size());
+}
+
+void JsonWriteText(benchmark::State& state) {
+    nlohmann::json& data = JsonData();
+    size_t size = 0;
+    for (auto _ : state) {
+        std::ostringstream os;
+        os << data;
+        size = static_cast<size_t>(os.tellp());
+    }
+    Rate(state, size);
+}
+
+BENCHMARK(JsonReadText)->Name("ReadText/nlohmann/50MB")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(JsonWriteText)->Name("WriteText/nlohmann/50MB")->Unit(benchmark::kMillisecond)->Iterations(1);
+
+#if defined(HAVE_BOOST)
+void PropertyTreeReadText(benchmark::State& state) {
+    const std::string text = JsonData().dump();
+    for (auto _ : state) {
+        std::istringstream is(text);
+        auto tree = std::make_unique<boost::property_tree::ptree>();
+        boost::property_tree::read_json(is, *tree);
+        state.PauseTiming();
+        tree.reset();
+        state.ResumeTiming();
+    }
+    Rate(state, text.size());
+}
+
+BENCHMARK(PropertyTreeReadText)->Name("ReadText/boost/50MB")->Unit(benchmark::kMillisecond)->Iterations(1);
+#endif
+#endif
+
+#if defined(HAVE_QT)
+QVariantMap& QtData() {
+    static QVariantMap* data = [] {
+        std::vector<QVariantMap> open(1);
+        std::vector<QString> keys;
+        Generate(
+            [&](const std::string& key) {
+                keys.push_back(QString::fromStdString(key));
+                open.emplace_back();
+            },
+            [&] {
+                QVariantMap map = open.back();
+                open.pop_back();
+                open.back().insert(keys.back(), map);
+                keys.pop_back();
+            },
+            [&](const std::string& key, int n) { open.back().insert(QString::fromStdString(key), n); },
+            [&](const std::string& key, double d) { open.back().insert(QString::fromStdString(key), d); },
+            [&](const std::string& key, const std::string& t) {
+                open.back().insert(QString::fromStdString(key), QString::fromStdString(t));
+            });
+        return new QVariantMap(open.back());
+    }();
+    return *data;
+}
+
+QByteArray QtPacked() {
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream << QtData();
+    return bytes;
+}
+
+void QtWriteBinary(benchmark::State& state) {
+    QtData();
+    int size = 0;
+    for (auto _ : state) size = QtPacked().size();
+    Rate(state, static_cast<size_t>(size));
+}
+
+void QtReadBinary(benchmark::State& state) {
+    const QByteArray bytes = QtPacked();
+    for (auto _ : state) {
+        auto map = std::make_unique<QVariantMap>();
+        QDataStream stream(bytes);
+        stream >> *map;
+        state.PauseTiming();
+        map.reset();
+        state.ResumeTiming();
+    }
+    Rate(state, static_cast<size_t>(bytes.size()));
+}
+
+BENCHMARK(QtWriteBinary)->Name("WriteBinary/qt/1400000_values")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(QtReadBinary)->Name("ReadBinary/qt/1400000_values")->Unit(benchmark::kMillisecond)->Iterations(1);
+#endif
+
+} // namespace
