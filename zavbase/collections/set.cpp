@@ -88,11 +88,12 @@ int ZAV_Set::HashIdx(unsigned long h) const {
 
 int ZAV_Set::FindIndexOf(const ZAV_CltObject* o) const {
     if (!o) return -1;
-    const ZAV_SetIndex* index = Index();
-    zav_strong::KeyView v;
-    if (index && zav_strong::View(o, v)) {
-        const ZAV_SetIndex::Place place = index->Find(o, v, zav_strong::Hash(v));
-        return static_cast<int>(place.mElement ? place.mSlot : index->EmptyFrom(o->Hash()));
+    if (const ZAV_SetIndex* index = Index()) {
+        const ZAV_SetIndex::Sought key(o);
+        if (key.mKnown) {
+            const ZAV_SetIndex::Place place = index->Find(key);
+            return static_cast<int>(place.mElement ? place.mSlot : index->EmptyFrom(o->Hash()));
+        }
     }
     uint32_t i = static_cast<uint32_t>(HashIdx(o->Hash()));
     for (uint32_t n = 0; n <= mMask; ++n, i = (i - 1) & mMask) {
@@ -105,9 +106,10 @@ int ZAV_Set::FindIndexOf(const ZAV_CltObject* o) const {
 ZAV_CltObject* ZAV_Set::Lookup(const ZAV_CltObject* o) const {
     if (!o) return nullptr;
     const ZAV_SetIndex* index = Index();
-    zav_strong::KeyView v;
-    if (index && zav_strong::View(o, v) && ProbesItself())
-        return index->Find(o, v, zav_strong::Hash(v)).mElement;
+    if (index && ProbesItself()) {
+        const ZAV_SetIndex::Sought key(o);
+        if (key.mKnown) return index->Find(key).mElement;
+    }
     const int i = FindIndexOf(o);
     return i < 0 || mContents.mArray[i] == ZAV_Nil() ? nullptr : mContents.mArray[i];
 }
@@ -144,18 +146,17 @@ ZAV_CltObject* ZAV_Set::AddByIndex(ZAV_CltObject* o, ZAV_SetIndex& index, bool& 
     // The nil object is counted and fills a slot with what empty slots hold.
     added = o == ZAV_Nil();
     if (added) return o;
-    zav_strong::KeyView v;
-    if (!zav_strong::View(o, v)) return nullptr;
-    const uint32_t strong = zav_strong::Hash(v);
-    const ZAV_SetIndex::Place place = index.Find(o, v, strong);
+    const ZAV_SetIndex::Sought key(o);
+    if (!key.mKnown) return nullptr;
+    const ZAV_SetIndex::Place place = index.Find(key);
     if (!place.mElement && place.mOneSided) return nullptr;
     const uint32_t hash = place.mElement ? 0 : o->Hash();
     const uint32_t slot = place.mElement ? place.mSlot : index.EmptyFrom(hash);
     if (slot == ZAV_SetIndex::NONE || (!ProbesItself() && FindIndexOf(o) != static_cast<int>(slot))) return nullptr;
     if (place.mElement) return place.mElement;
+    added = index.Insert(o, key, slot, hash);
+    if (!added) return nullptr;
     mContents.mArray[slot] = o;
-    index.Insert(o, slot, strong, hash);
-    added = true;
     return o;
 }
 
@@ -309,8 +310,8 @@ void ZAV_Set::Rehash(unsigned int n) {
 }
 
 // Fills an empty table without asking the elements, where the index remembers what they would say.
-bool ZAV_Set::TakeByIndex(ZAV_Set& table) const {
-    const ZAV_SetIndex* index = Index();
+bool ZAV_Set::TakeByIndex(ZAV_Set& table) {
+    ZAV_SetIndex* index = Index();
     if (!index || !ProbesItself() || index->Count() > table.Capacity()) return false;
     std::unique_ptr<ZAV_SetIndex> filled = ZAV_SetIndex::Make(table.mNbits);
     if (!filled) return false;

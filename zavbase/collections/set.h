@@ -82,7 +82,7 @@ private:
     bool StandsInLongCluster(uint32_t slot) const;
     void CloseGap(uint32_t hole);
     void Rehash(unsigned int n);
-    bool TakeByIndex(ZAV_Set& table) const;
+    bool TakeByIndex(ZAV_Set& table);
     void SwapTable(ZAV_Set& s);
 
     uint32_t mCount;

@@ -1,9 +1,11 @@
 #include <zavbase/collections/set_index_internal.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include <zavbase/collections/nil_internal.h>
 
@@ -20,43 +22,39 @@ uint32_t ClearBitDown(const uint64_t* bits, uint32_t from) {
     return word * 64 + 63 - static_cast<uint32_t>(std::countl_zero(clear));
 }
 
-// Whether `stored` says that it is equal to `sought`. A holder compares by its key with either, a bare key
-// only with a bare one; `oneSided` tells that this alone was the difference.
-bool SaysEqual(const ZAV_CltObject* stored, const zav_strong::KeyView& sought, bool& oneSided) {
+// Whether a key too long for its brief is the element's.
+bool HasKey(const ZAV_CltObject* stored, const zav_strong::KeyView& sought) {
     zav_strong::KeyView v;
-    if (!zav_strong::View(stored, v)) return false;
-    if (v.mKind != sought.mKind || v.mLength != sought.mLength) return false;
-    if (v.mBytes != sought.mBytes && std::memcmp(v.mBytes, sought.mBytes, v.mLength) != 0) return false;
-    if (v.mWrapped >= sought.mWrapped) return true;
-    oneSided = true;
-    return false;
+    return zav_strong::View(stored, v) && v.mKind == sought.mKind && v.mLength == sought.mLength &&
+           std::memcmp(v.mBytes, sought.mBytes, v.mLength) == 0;
 }
 
 }  // namespace
 
-size_t ZAV_SetIndex::BytesFor(uint32_t nbits) {
-    const size_t n = size_t{1} << nbits;
-    return n * (sizeof(Entry) + sizeof(Hashes)) + n / 8 + (n / 4096 + 1) * 8;
+ZAV_SetIndex::ZAV_SetIndex(uint32_t nbits)
+    : mNbits(nbits), mMask((1u << nbits) - 1), mCount(0), mHashes(nullptr), mOccupied(nullptr), mFull(nullptr),
+      mEntryBits(0), mEntryMask(0), mEntries(nullptr) {}
+
+ZAV_SetIndex::~ZAV_SetIndex() {
+    std::free(mOccupied);
+    std::free(mEntries);
 }
 
-ZAV_SetIndex::ZAV_SetIndex(uint32_t nbits, void* memory) : mNbits(nbits), mMask((1u << nbits) - 1), mCount(0) {
-    const size_t n = size_t{1} << nbits;
-    // The words come first: their alignment is the strictest.
-    mOccupied = static_cast<uint64_t*>(memory);
-    mFull = mOccupied + n / 64;
-    mEntries = reinterpret_cast<Entry*>(mFull + n / 4096 + 1);
-    mHashes = reinterpret_cast<Hashes*>(mEntries + n);
+size_t ZAV_SetIndex::SlotBytes() const {
+    const size_t n = size_t{mMask} + 1;
+    return n / 8 + (n / 4096 + 1) * 8 + n * sizeof(Hashes);
 }
-
-ZAV_SetIndex::~ZAV_SetIndex() { std::free(mOccupied); }
 
 std::unique_ptr<ZAV_SetIndex> ZAV_SetIndex::Make(uint32_t nbits) {
     if (nbits < 6 || nbits > 28) return nullptr;
+    std::unique_ptr<ZAV_SetIndex> index(new (std::nothrow) ZAV_SetIndex(nbits));
+    if (!index) return nullptr;
     // Large blocks come zeroed from the system, page by page as they are used.
-    void* memory = std::calloc(BytesFor(nbits), 1);
-    if (!memory) return nullptr;
-    std::unique_ptr<ZAV_SetIndex> index(new (std::nothrow) ZAV_SetIndex(nbits, memory));
-    if (!index) std::free(memory);
+    index->mOccupied = static_cast<uint64_t*>(std::calloc(index->SlotBytes(), 1));
+    if (!index->mOccupied) return nullptr;
+    const size_t n = size_t{1} << nbits;
+    index->mFull = index->mOccupied + n / 64;
+    index->mHashes = reinterpret_cast<Hashes*>(index->mFull + n / 4096 + 1);
     return index;
 }
 
@@ -64,31 +62,60 @@ std::unique_ptr<ZAV_SetIndex> ZAV_SetIndex::Build(ZAV_CltObject* const* slots, u
     std::unique_ptr<ZAV_SetIndex> index = Make(nbits);
     for (uint32_t i = 0; index && i <= index->mMask; ++i) {
         if (slots[i] == ZAV_Nil()) continue;
-        zav_strong::KeyView v;
-        if (!slots[i] || !zav_strong::View(slots[i], v)) return nullptr;
-        const uint32_t strong = zav_strong::Hash(v);
-        const Place twin = index->Find(slots[i], v, strong);
+        if (!slots[i]) return nullptr;
+        const Sought key(slots[i]);
+        if (!key.mKnown) return nullptr;
+        const Place twin = index->Find(key);
         if (twin.mElement || twin.mOneSided) return nullptr;
-        index->Insert(slots[i], i, strong, slots[i]->Hash());
+        if (!index->Insert(slots[i], key, i, slots[i]->Hash())) return nullptr;
     }
     return index;
 }
 
 std::unique_ptr<ZAV_SetIndex> ZAV_SetIndex::Clone() const {
     std::unique_ptr<ZAV_SetIndex> copy = Make(mNbits);
-    if (!copy) return nullptr;
-    std::memcpy(copy->mOccupied, mOccupied, BytesFor(mNbits));
+    if (!copy || (mEntries && !copy->MakeEntries(mEntryBits))) return nullptr;
+    std::memcpy(copy->mOccupied, mOccupied, SlotBytes());
+    if (mEntries) std::copy_n(mEntries, size_t{mEntryMask} + 1, copy->mEntries);
     copy->mCount = mCount;
     return copy;
 }
 
-ZAV_SetIndex::Place ZAV_SetIndex::Find(const ZAV_CltObject* sought, const zav_strong::KeyView& v,
-                                       uint32_t strong) const {
+bool ZAV_SetIndex::MakeEntries(uint32_t nbits) {
+    Entry* entries = static_cast<Entry*>(std::calloc(size_t{1} << nbits, sizeof(Entry)));
+    if (!entries) return false;
+    mEntries = entries;
+    mEntryBits = nbits;
+    mEntryMask = (1u << nbits) - 1;
+    return true;
+}
+
+bool ZAV_SetIndex::GrowEntries() {
+    Entry* old = mEntries;
+    const uint32_t n = old ? mEntryMask + 1 : 0;
+    if (!MakeEntries(old ? mEntryBits + 1 : 6)) return false;
+    for (uint32_t i = 0; i < n; ++i)
+        if (old[i].mElement) FreeEntryFor(old[i].mStrong) = old[i];
+    std::free(old);
+    return true;
+}
+
+ZAV_SetIndex::Entry& ZAV_SetIndex::FreeEntryFor(uint32_t strong) {
+    uint32_t i = strong >> (32 - mEntryBits);
+    while (mEntries[i].mElement) i = (i + 1) & mEntryMask;
+    return mEntries[i];
+}
+
+ZAV_SetIndex::Place ZAV_SetIndex::Find(const Sought& sought) const {
     Place place = {nullptr, 0, false};
-    for (uint32_t i = strong >> (32 - mNbits); mEntries[i].mElement; i = (i + 1) & mMask) {
+    if (!mCount) return place;
+    for (uint32_t i = sought.mStrong >> (32 - mEntryBits); mEntries[i].mElement; i = (i + 1) & mEntryMask) {
         const Entry& e = mEntries[i];
-        if (e.mStrong != strong) continue;
-        if (e.mElement != sought && !SaysEqual(e.mElement, v, place.mOneSided)) continue;
+        if (e.mStrong != sought.mStrong || !e.mBrief.SameKey(sought.mBrief)) continue;
+        if (e.mBrief.IsCut() && !HasKey(e.mElement, sought.mView)) continue;
+        // A holder compares by its key with either kind, a bare key is only equal to a bare one.
+        place.mOneSided = sought.mBrief.IsWrapped() && !e.mBrief.IsWrapped();
+        if (place.mOneSided) continue;
         place.mElement = e.mElement;
         place.mSlot = e.mSlot;
         break;
@@ -128,40 +155,41 @@ void ZAV_SetIndex::Vacate(uint32_t slot) {
     mFull[slot / 4096] &= ~(uint64_t{1} << slot / 64 % 64);
 }
 
-void ZAV_SetIndex::Insert(ZAV_CltObject* o, uint32_t slot, uint32_t strong, uint32_t hash) {
-    uint32_t i = strong >> (32 - mNbits);
-    while (mEntries[i].mElement) i = (i + 1) & mMask;
-    mEntries[i] = {o, strong, slot};
-    mHashes[slot] = {strong, hash};
+bool ZAV_SetIndex::Insert(ZAV_CltObject* o, const Sought& key, uint32_t slot, uint32_t hash) {
+    const uint64_t room = mEntries ? uint64_t{mEntryMask} + 1 : 0;
+    if (mCount >= room * 13 / 16 && !GrowEntries()) return false;
+    FreeEntryFor(key.mStrong) = {o, key.mStrong, slot, key.mBrief};
+    mHashes[slot] = {key.mStrong, hash};
     Occupy(slot);
     ++mCount;
+    return true;
 }
 
-ZAV_SetIndex::Entry& ZAV_SetIndex::EntryOf(uint32_t strong, uint32_t slot) const {
-    uint32_t i = strong >> (32 - mNbits);
-    while (mEntries[i].mSlot != slot || mEntries[i].mStrong != strong) i = (i + 1) & mMask;
+ZAV_SetIndex::Entry& ZAV_SetIndex::EntryOf(uint32_t strong, const ZAV_CltObject* o) const {
+    uint32_t i = strong >> (32 - mEntryBits);
+    while (mEntries[i].mElement != o) i = (i + 1) & mEntryMask;
     return mEntries[i];
 }
 
-void ZAV_SetIndex::FreeEntry(Entry& e) {
+void ZAV_SetIndex::EraseEntry(Entry& e) {
     uint32_t hole = static_cast<uint32_t>(&e - mEntries);
-    for (uint32_t i = (hole + 1) & mMask; mEntries[i].mElement; i = (i + 1) & mMask) {
-        const uint32_t home = mEntries[i].mStrong >> (32 - mNbits);
-        if (((i - home) & mMask) < ((i - hole) & mMask)) continue;
+    for (uint32_t i = (hole + 1) & mEntryMask; mEntries[i].mElement; i = (i + 1) & mEntryMask) {
+        const uint32_t home = mEntries[i].mStrong >> (32 - mEntryBits);
+        if (((i - home) & mEntryMask) < ((i - hole) & mEntryMask)) continue;
         mEntries[hole] = mEntries[i];
         hole = i;
     }
-    mEntries[hole] = {nullptr, 0, 0};
+    mEntries[hole].mElement = nullptr;
 }
 
 void ZAV_SetIndex::Remove(ZAV_CltObject** slots, uint32_t slot) {
-    FreeEntry(EntryOf(mHashes[slot].mStrong, slot));
+    EraseEntry(EntryOf(mHashes[slot].mStrong, slots[slot]));
     uint32_t hole = slot;
     for (uint32_t i = (slot - 1) & mMask; i != slot && IsOccupied(i); i = (i - 1) & mMask) {
         // An element whose home lies below the hole is found without it.
         const uint32_t home = HomeOf(mHashes[i].mHash);
         if (((home - i) & mMask) < ((hole - i) & mMask)) continue;
-        EntryOf(mHashes[i].mStrong, i).mSlot = hole;
+        EntryOf(mHashes[i].mStrong, slots[i]).mSlot = hole;
         mHashes[hole] = mHashes[i];
         slots[hole] = slots[i];
         hole = i;
@@ -171,11 +199,17 @@ void ZAV_SetIndex::Remove(ZAV_CltObject** slots, uint32_t slot) {
     --mCount;
 }
 
-void ZAV_SetIndex::TakeAll(ZAV_CltObject** slots, const ZAV_SetIndex& from, ZAV_CltObject* const* fromSlots) {
+void ZAV_SetIndex::TakeAll(ZAV_CltObject** slots, ZAV_SetIndex& from, ZAV_CltObject* const* fromSlots) {
+    std::swap(mEntries, from.mEntries);
+    std::swap(mEntryBits, from.mEntryBits);
+    std::swap(mEntryMask, from.mEntryMask);
+    std::swap(mCount, from.mCount);
     for (uint32_t i = from.OccupiedFrom(0); i != NONE; i = from.OccupiedFrom(i + 1)) {
         const Hashes& h = from.mHashes[i];
         const uint32_t slot = EmptyFrom(h.mHash);
         slots[slot] = fromSlots[i];
-        Insert(fromSlots[i], slot, h.mStrong, h.mHash);
+        mHashes[slot] = h;
+        EntryOf(h.mStrong, fromSlots[i]).mSlot = slot;
+        Occupy(slot);
     }
 }

@@ -1,10 +1,7 @@
 #include <zavbase/collections/slot_block_internal.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <new>
-
-#include <zavbase/collections/nil_internal.h>
 
 namespace zav_slots {
 namespace {
@@ -40,7 +37,5 @@ ZAV_CltObject** Reallocate(ZAV_CltObject** slots, uint32_t room) {
 }
 
 void Free(ZAV_CltObject** slots) { std::free(&HeaderOf(slots)); }
-
-void FillNil(ZAV_CltObject** first, ZAV_CltObject** last) { std::fill(first, last, ZAV_Nil()); }
 
 }  // namespace zav_slots

@@ -1,7 +1,9 @@
 #ifndef ZAVBASE_COLLECTIONS_SLOT_BLOCK_INTERNAL_H
 #define ZAVBASE_COLLECTIONS_SLOT_BLOCK_INTERNAL_H
 
-#include <zavbase/collections/clt_object.h>
+#include <algorithm>
+
+#include <zavbase/collections/nil_internal.h>
 
 class ZAV_SetIndex;
 
@@ -25,7 +27,7 @@ ZAV_CltObject** Allocate(uint32_t n, uint32_t room);
 /// the caller's to fill.
 ZAV_CltObject** Reallocate(ZAV_CltObject** slots, uint32_t room);
 void Free(ZAV_CltObject** slots);
-void FillNil(ZAV_CltObject** first, ZAV_CltObject** last);
+inline void FillNil(ZAV_CltObject** first, ZAV_CltObject** last) { std::fill(first, last, ZAV_Nil()); }
 
 /// Sorts by the elements' Compare, ascending; null counts as the nil object. Any Compare at all is safe. When
 /// a Compare throws, the order is as before.

@@ -60,6 +60,14 @@ uint64_t Load(const char* p) {
     return w;
 }
 
+// Up to 8 bytes as a number, filled up with zeros, in one or two loads that may overlap.
+uint64_t LoadShort(const char* p, uint32_t n) {
+    if (n >= 4) return Load<uint32_t>(p) | Load<uint32_t>(p + n - 4) << (8 * (n - 4));
+    if (n == 0) return 0;
+    const uint64_t last = Load<uint8_t>(p + n - 1) << (8 * (n - 1));
+    return n == 3 ? Load<uint16_t>(p) | last : Load<uint8_t>(p) | last;
+}
+
 uint64_t Mix(uint64_t h, uint64_t word) {
     h = (h ^ word) * 0xD6E8FEB86659FD93u;
     return h ^ (h >> 32);
@@ -86,16 +94,28 @@ bool View(const ZAV_CltObject* o, KeyView& v) {
     return ViewBare(o, t, v);
 }
 
-uint32_t Hash(const KeyView& v) {
-    const char* p = v.mBytes;
-    uint32_t n = v.mLength;
-    uint64_t h = (static_cast<uint64_t>(v.mKind) << 32 | n) * 0x9E3779B97F4A7C15u;
-    for (; n > 8; n -= 8, p += 8) h = Mix(h, Load<uint64_t>(p));
-    // The last word takes 0 to 8 bytes; where it can it overlaps what went before, so that it is one or two loads.
-    if (n >= 4) {
-        h = Mix(h, Load<uint32_t>(p) | Load<uint32_t>(p + n - 4) << 32);
-    } else if (n > 0) {
-        h = Mix(h, Load<uint8_t>(p) | Load<uint8_t>(p + n / 2) << 8 | Load<uint8_t>(p + n - 1) << 16);
+Brief MakeBrief(const KeyView& v) {
+    const bool cut = v.mLength > 15;
+    const uint32_t n = cut ? 15 : v.mLength;
+    Brief brief = {0, 0};
+    if (n > 8) {
+        brief.mLow = Load<uint64_t>(v.mBytes);
+        brief.mHigh = Load<uint64_t>(v.mBytes + n - 8) >> (8 * (16 - n));
+    } else {
+        brief.mLow = LoadShort(v.mBytes, n);
+    }
+    const uint64_t kind = cut ? 7 : v.mKind;
+    brief.mHigh |= (kind << 5 | static_cast<uint64_t>(v.mWrapped) << 4 | n) << 56;
+    return brief;
+}
+
+uint32_t Hash(const KeyView& v, const Brief& brief) {
+    uint64_t h = Mix(Mix(0x9E3779B97F4A7C15u, brief.mLow), brief.mHigh & ~Brief::WRAPPED);
+    if (brief.IsCut()) {
+        const char* p = v.mBytes + 15;
+        uint32_t n = v.mLength - 15;
+        for (; n > 8; n -= 8, p += 8) h = Mix(h, Load<uint64_t>(p));
+        h = Mix(Mix(h, LoadShort(p, n)), static_cast<uint64_t>(v.mLength) << 16 | v.mKind);
     }
     return static_cast<uint32_t>(Mix(h, 0) >> 20);
 }

@@ -33,8 +33,24 @@ void RegisterKeyClass(const std::type_info& type, BytesOf bytes);
 /// Fills `v` and returns true when the exact class of `o` is known.
 bool View(const ZAV_CltObject* o, KeyView& v);
 
-/// 32 well-mixed bits of the kind and all the bytes.
-uint32_t Hash(const KeyView& v);
+/// A view in 16 bytes: up to 15 bytes of the key and a tag. Of two keys of at most 15 bytes it tells whether they
+/// are equal without looking at the objects again.
+struct Brief {
+    uint64_t mLow;
+    uint64_t mHigh;  ///< the top byte is the tag: 4 bits length, 1 bit wrapped, 3 bits kind
+
+    static const uint64_t WRAPPED = uint64_t{1} << 60;
+
+    bool IsWrapped() const { return (mHigh & WRAPPED) != 0; }
+    /// Whether the bytes behind it count too, because there are more than 15.
+    bool IsCut() const { return mHigh >> 61 == 7; }
+    /// Whether the keys are the same as far as this tells, wrapped or not.
+    bool SameKey(const Brief& b) const { return mLow == b.mLow && ((mHigh ^ b.mHigh) & ~WRAPPED) == 0; }
+};
+Brief MakeBrief(const KeyView& v);
+
+/// 32 well-mixed bits of the kind and all the bytes; the same for wrapped and bare. `brief` is the view's.
+uint32_t Hash(const KeyView& v, const Brief& brief);
 
 }  // namespace zav_strong
 
