@@ -15,7 +15,7 @@ struct ZAV_SetAccess {
     static ZAV_CltObject* Find(const ZAV_Set& set, const zav_strong::KeyView& v, uint32_t hash, IsIt isIt) {
         ZAV_CltObject** slots = set.mContents.mArray;
         if (const ZAV_SetIndex* index = zav_slots::HeaderOf(slots).mIndex)
-            return index->Find(nullptr, v, zav_strong::Hash(v)).mElement;
+            return index->Find(ZAV_SetIndex::Sought(v)).mElement;
         uint32_t i = set.mNbits == 0 ? 0 : hash * 0x9E3779B9u >> (32 - set.mNbits);
         for (uint32_t n = 0; n <= set.mMask; ++n, i = (i - 1) & set.mMask) {
             if (slots[i] == ZAV_Nil()) return nullptr;

@@ -23,17 +23,24 @@ class ZAV_SetIndex {
 public:
     static const uint32_t NONE = 0xFFFFFFFFu;
 
-    /// A key with what finding it takes; of an element whose class is not known nothing but that.
+    /// A key with what finding it takes.
     struct Sought {
+        /// Of an element whose class is not known, nothing but that.
         explicit Sought(const ZAV_CltObject* o) : mKnown(zav_strong::View(o, mView)) {
-            if (!mKnown) return;
-            mBrief = zav_strong::MakeBrief(mView);
-            mStrong = zav_strong::Hash(mView, mBrief);
+            if (mKnown) Prepare();
         }
+        explicit Sought(const zav_strong::KeyView& v) : mKnown(true), mView(v) { Prepare(); }
+
         bool mKnown;
         zav_strong::KeyView mView;
         zav_strong::Brief mBrief;
         uint32_t mStrong;
+
+    private:
+        void Prepare() {
+            mBrief = zav_strong::MakeBrief(mView);
+            mStrong = zav_strong::Hash(mView, mBrief);
+        }
     };
 
     struct Place {
