@@ -133,7 +133,7 @@ bool validBlocks(const Range& r, size_t& i) {
         if ((bits.high & ~(bits.all | used)) != 0) return false;
         if (bits.high == 0) i = afterAscii(r, i);
     }
-    i += (carry & 1) + (carry >> 1 & 1);
+    i += static_cast<size_t>((carry & 1) + (carry >> 1 & 1));
     return true;
 }
 
