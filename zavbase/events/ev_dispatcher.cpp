@@ -45,10 +45,9 @@ ZAV_EvDispatcher::ZAV_EvDispatcher() : mWaiting(0), mStopping(0)
     ZAV_CountLive(instance_counter, 1);
 }
 
-// The first cleanup lets events queue further ones; what other threads post after it goes with the second.
+// Closed first: handlers may be busy posting on other threads and would never let the cleanup end.
 ZAV_EvDispatcher::~ZAV_EvDispatcher()
 {
-    Cleanup();
     ZAV_EvPort& port = Port();
     port.Close();
     Cleanup();

@@ -67,7 +67,7 @@ public:
     /// ZAV_EventStop or remove them. A stopped dispatcher stays stopped, but still takes events.
     void Stop();
 
-    /// Destroys all queued events after their EmergencyCleanup.
+    /// Destroys all queued events after their EmergencyCleanup, also those that are queued meanwhile.
     void Cleanup();
 
     /// Has a sleeping Dispatch wake and poll its listeners every `ms` milliseconds, at most every 2147483;

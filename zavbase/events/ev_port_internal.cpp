@@ -80,7 +80,7 @@ void ZAV_EvPort::NoteLength()
 std::size_t ZAV_EvPort::Drain()
 {
     const Head head = mInbox.load(std::memory_order_relaxed);
-    if (head > kClosed) FetchInbox();
+    if (head > kClosed) FetchInbox(kEmpty);
     while (mArrived != nullptr) {
         ZAV_Event* next = static_cast<ZAV_Event*>(mArrived->mNext);
         mQueue.Push(mArrived);
@@ -89,12 +89,13 @@ std::size_t ZAV_EvPort::Drain()
     return mQueue.Length();
 }
 
-// The inbox has the last event first. Something is left over from the time before only when memory ran out
-// while it was sorted in.
-void ZAV_EvPort::FetchInbox()
+// The inbox, which gets the given mark, has the last event first. Something is left over from the time before
+// only when memory ran out while it was sorted in.
+void ZAV_EvPort::FetchInbox(Head mark)
 {
     NoteLength();
-    ZAV_Event* event = reinterpret_cast<ZAV_Event*>(mInbox.exchange(kEmpty, std::memory_order_acquire));
+    const Head head = mInbox.exchange(mark, std::memory_order_acq_rel);
+    ZAV_Event* event = head > kClosed ? reinterpret_cast<ZAV_Event*>(head) : nullptr;
     ZAV_Event* inOrder = nullptr;
     while (event != nullptr) {
         ZAV_Event* before = static_cast<ZAV_Event*>(event->mNext);
@@ -137,11 +138,5 @@ void ZAV_EvPort::Close()
         ZAV_Mutex::Lock lock(mOwnerLock, B_FALSE);
         mOwner = nullptr;
     }
-    Head head = mInbox.load(std::memory_order_relaxed);
-    do {
-        if (head > kClosed) {
-            FetchInbox();
-            head = kEmpty;
-        }
-    } while (!mInbox.compare_exchange_weak(head, kClosed, std::memory_order_acq_rel));
+    FetchInbox(kClosed);
 }

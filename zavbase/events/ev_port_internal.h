@@ -68,7 +68,7 @@ private:
     ~ZAV_EvPort() override;
     bool Post(ZAV_Event* event);
     void WakeOwner();
-    void FetchInbox();
+    void FetchInbox(Head mark);
     void NoteLength();
 
     std::atomic<int> mUsers{1};

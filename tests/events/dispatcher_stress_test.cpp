@@ -1,0 +1,168 @@
+#include <array>
+#include <atomic>
+#include <memory>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <zavbase/events/ev_dispatcher.h>
+#include <zavbase/events/event.h>
+
+namespace {
+
+const int kProducers = 8;
+const int kEventsEach = 100000;
+const int kHandlers = 4;
+const int kLowest = -5, kHighest = 5;
+
+struct Account {
+    std::atomic<int> handled{0}, cleanedUp{0}, refused{0};
+    int Total() const { return handled + cleanedUp + refused; }
+};
+
+class Counted : public ZAV_Event {
+public:
+    Counted(Account& account, int producer, int number, int priority)
+        : ZAV_Event(0x436E7464), mAccount(account), mProducer(producer), mNumber(number), mMyPriority(priority)
+    {
+    }
+    void EmergencyCleanup() override { ++mAccount.cleanedUp; }
+
+    Account& mAccount;
+    const int mProducer, mNumber, mMyPriority;
+};
+
+// What was last handled, for each producer and priority; the dispatching thread's alone.
+typedef std::array<std::array<int, kHighest - kLowest + 1>, kProducers> LastHandled;
+
+class Unsteady : public ZAV_EvHandlerBody {
+public:
+    Unsteady(LastHandled& last, unsigned seed) : mLast(last), mRandom(seed) {}
+
+protected:
+    int HandleEvent(ZAV_Event* event) override
+    {
+        if (event->IsKindOf(&ZAV_EventStop::classZAV_EventStop)) return 2;
+        Counted* counted = static_cast<Counted*>(event);
+        int& last = mLast[static_cast<std::size_t>(counted->mProducer)]
+                         [static_cast<std::size_t>(counted->mMyPriority - kLowest)];
+        if (counted->mNumber <= last) ++mOutOfOrder;
+        last = counted->mNumber;
+        ++counted->mAccount.handled;
+        return mRandom() % 5000 == 0 ? 2 : 0;
+    }
+
+public:
+    int mOutOfOrder = 0;
+
+private:
+    LastHandled& mLast;
+    std::minstd_rand mRandom;
+};
+
+class Stress {
+public:
+    Stress()
+    {
+        for (auto& priorities : mLast) priorities.fill(-1);
+        for (unsigned h = 0; h < kHandlers; ++h) mHandlers.emplace_back(new Unsteady(mLast, h + 1));
+    }
+
+    // Posts at random and brings handlers back that have gone.
+    void Produce(int producer)
+    {
+        std::minstd_rand random(static_cast<unsigned>(producer + 100));
+        for (int i = 0; i < kEventsEach; ++i) {
+            const ZAV_EvHandlerRef& handler = mHandlers[random() % kHandlers];
+            const int priority = kLowest + static_cast<int>(random() % (kHighest - kLowest + 1));
+            auto event = std::make_unique<Counted>(mAccount, producer, i, priority);
+            if (handler->QueueEvent(event.get(), priority) == 0)
+                event.release();
+            else
+                ++mAccount.refused;
+            if (i % 64 == 0 && !mStopped && !handler->IsActive()) mDispatcher->AddEvHandler(handler);
+            if (producer == 0 && i == kEventsEach / 2) mHalfway = true;
+        }
+    }
+
+    // Stops in the middle; the producers go on.
+    void Run()
+    {
+        for (const ZAV_EvHandlerRef& handler : mHandlers) mDispatcher->AddEvHandler(handler);
+        auto thread = std::make_unique<ZAV_EvDispatcherThread>(*mDispatcher);
+        thread->BeginThread(ZAV_THREAD_CLEANUP_NONE, 0);
+        std::vector<std::thread> producers;
+        for (int p = 0; p < kProducers; ++p) producers.emplace_back([this, p] { Produce(p); });
+        while (!mHalfway || mAccount.handled < 1000) std::this_thread::yield();
+        mStopped = true;
+        thread->StopThread();
+        for (const ZAV_EvHandlerRef& handler : mHandlers) {
+            auto stop = std::make_unique<ZAV_EventStop>();
+            if (handler->QueueEvent(stop.get(), 9) == 0) stop.release();
+        }
+        // A handler may have been brought back after its stop event: it goes by hand.
+        while (thread->Running()) {
+            for (const ZAV_EvHandlerRef& handler : mHandlers)
+                if (handler->IsActive()) mDispatcher->RemoveEvHandler(handler);
+            std::this_thread::yield();
+        }
+        thread->WaitForThread();
+        thread.reset();
+        for (std::thread& producer : producers) producer.join();
+        mDispatcher.reset();
+    }
+
+    Account mAccount;
+    LastHandled mLast;
+    std::vector<ZAV_EvHandlerRef> mHandlers;
+    std::unique_ptr<ZAV_EvDispatcher> mDispatcher = std::make_unique<ZAV_EvDispatcher>();
+    std::atomic<bool> mHalfway{false}, mStopped{false};
+};
+
+TEST(DispatcherStress, AccountsForEveryEvent)
+{
+    const int events = ZAV_Event::instance_counter;
+    {
+        Stress stress;
+        stress.Run();
+        EXPECT_EQ(stress.mAccount.Total(), kProducers * kEventsEach);
+        EXPECT_GT(stress.mAccount.handled, 0);
+        for (const ZAV_EvHandlerRef& handler : stress.mHandlers)
+            EXPECT_EQ(static_cast<Unsteady*>(handler.GetBody())->mOutOfOrder, 0);
+    }
+    EXPECT_EQ(ZAV_Event::instance_counter, events);
+}
+
+// Producers and the destructor of their dispatcher, with nothing in between.
+TEST(DispatcherStress, ADispatcherMayGoWhileOthersPost)
+{
+    const int events = ZAV_Event::instance_counter;
+    Account account;
+    int made = 0;
+    for (int round = 0; round < 200; ++round) {
+        auto dispatcher = std::make_unique<ZAV_EvDispatcher>();
+        const ZAV_EvHandlerRef handler(new ZAV_EvHandlerBody);
+        dispatcher->AddEvHandler(handler);
+        std::atomic<int> posted{0};
+        std::thread producer([&] {
+            for (int taken = 0; taken == 0; ++posted) {
+                auto event = std::make_unique<Counted>(account, 0, posted, 0);
+                taken = handler->QueueEvent(event.get(), round % 3);
+                if (taken == 0)
+                    event.release();
+                else
+                    ++account.refused;
+            }
+        });
+        while (posted < round % 7) std::this_thread::yield();
+        dispatcher.reset();
+        producer.join();
+        made += posted;
+    }
+    EXPECT_EQ(account.cleanedUp + account.refused, made);
+    EXPECT_EQ(ZAV_Event::instance_counter, events);
+}
+
+} // namespace
