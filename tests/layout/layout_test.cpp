@@ -1,5 +1,5 @@
-// The fields of the classes whose layout is part of the contract: their order on every platform, and the sizes
-// of the objects where pointers and long have 32 bits.
+// The fields of the classes whose layout is part of the contract: their order on every platform, and the
+// sizes of the objects where pointers and long have 32 bits.
 #include <zavbase/zavbase.h>
 
 #include <gtest/gtest.h>
@@ -17,12 +17,15 @@ ptrdiff_t Offset(Member Class::*member) {
 
 struct Layout {
     const char* name;
-    size_t size;                     // of the object
-    size_t size32;                   // what it must be with 32-bit pointers
-    std::vector<ptrdiff_t> offsets;  // of the fields in their listed order
+    size_t size;                    // of the object
+    size_t size32;                  // what it must be with 32-bit pointers
+    std::vector<ptrdiff_t> offsets; // of the fields in their listed order
 };
 
-#define LAYOUT(NAME, SIZE32, ...) Layout{#NAME, sizeof(NAME), SIZE32, {__VA_ARGS__}}
+#define LAYOUT(NAME, SIZE32, ...)                                                                            \
+    Layout {                                                                                                 \
+#NAME, sizeof(NAME), SIZE32, { __VA_ARGS__ }                                                         \
+    }
 
 void Check(const std::vector<Layout>& layouts) {
     for (const Layout& layout : layouts) {
@@ -40,13 +43,14 @@ void Check(const std::vector<Layout>& layouts) {
 TEST(Layout, Foundation) {
     using Record = ZAV_RuntimeClass;
     Check({
-        LAYOUT(Record, 16, Offset(&Record::mName), Offset(&Record::mObjectSize), Offset(&Record::mGetBaseClass),
-               Offset(&Record::mReserved)),
+        LAYOUT(Record, 16, Offset(&Record::mName), Offset(&Record::mObjectSize),
+               Offset(&Record::mGetBaseClass), Offset(&Record::mReserved)),
         LAYOUT(ZAV_Object, 4),
         LAYOUT(ZAV_Tracer, 20, Offset(&ZAV_Tracer::mName), Offset(&ZAV_Tracer::mStreamP),
                Offset(&ZAV_Tracer::mMask)),
         LAYOUT(ZAV_Exception, 12, Offset(&ZAV_Exception::mDeletable), Offset(&ZAV_Exception::mDeleted)),
-        LAYOUT(ZAV_FileException, 20, Offset(&ZAV_FileException::mCode), Offset(&ZAV_FileException::mOsError)),
+        LAYOUT(ZAV_FileException, 20, Offset(&ZAV_FileException::mCode),
+               Offset(&ZAV_FileException::mOsError)),
         LAYOUT(ZAV_EXCEPTION_LINK, 8, Offset(&ZAV_EXCEPTION_LINK::mNext),
                Offset(&ZAV_EXCEPTION_LINK::mException)),
         LAYOUT(ZAV_RefCount, 8),
@@ -65,7 +69,8 @@ TEST(Layout, Strings) {
                Offset(&ZAV_SubStr::mOwner)),
         LAYOUT(ZAV_SubString, 12),
         LAYOUT(ZAV_UTFSubString, 12),
-        LAYOUT(ZAV_SystemString, 24, Offset(&ZAV_SystemString::mString), Offset(&ZAV_SystemString::mUtfString)),
+        LAYOUT(ZAV_SystemString, 24, Offset(&ZAV_SystemString::mString),
+               Offset(&ZAV_SystemString::mUtfString)),
         LAYOUT(ZAV_TextEncodingConverter, 8),
     });
 }
@@ -82,7 +87,8 @@ TEST(Layout, Collections) {
         LAYOUT(ZAV_CltUTFString, 20),
         LAYOUT(ZAV_IStream, 8),
         LAYOUT(ZAV_Iterator, 24, Offset(&ZAV_Iterator::mCollection), Offset(&ZAV_Iterator::mIndex),
-               Offset(&ZAV_Iterator::mOccurrence), Offset(&ZAV_Iterator::mCurrent), Offset(&ZAV_Iterator::mState)),
+               Offset(&ZAV_Iterator::mOccurrence), Offset(&ZAV_Iterator::mCurrent),
+               Offset(&ZAV_Iterator::mState)),
         LAYOUT(ZAV_ArrayObj, 12, Offset(&ZAV_ArrayObj::mArray), Offset(&ZAV_ArrayObj::mLength)),
         LAYOUT(ZAV_Set, 28, Offset(&ZAV_Set::mCount), Offset(&ZAV_Set::mNbits), Offset(&ZAV_Set::mMask),
                Offset(&ZAV_Set::mContents)),
@@ -132,14 +138,15 @@ TEST(Layout, MessagesAndPlatform) {
         LAYOUT(ZAV_I18nMsgArg, 60, Offset(&ZAV_I18nMsgArg::mTag), Offset(&ZAV_I18nMsgArg::mType),
                Offset(&ZAV_I18nMsgArg::mMsg)),
         LAYOUT(ZAV_I18nMsgArgList, 20),
-        LAYOUT(ZAV_I18nResource, 56, Offset(&ZAV_I18nResource::mResourceFile), Offset(&ZAV_I18nResource::mDicts)),
+        LAYOUT(ZAV_I18nResource, 56, Offset(&ZAV_I18nResource::mResourceFile),
+               Offset(&ZAV_I18nResource::mDicts)),
         LAYOUT(ZAV_File, 44, Offset(&ZAV_File::mName), Offset(&ZAV_File::mInfo)),
         LAYOUT(ZAV_Point, 4, Offset(&ZAV_Point::mX), Offset(&ZAV_Point::mY)),
         LAYOUT(ZAV_Rect, 8, Offset(&ZAV_Rect::mOrigin), Offset(&ZAV_Rect::mCorner)),
         LAYOUT(ZAV_SharedLib, 96, Offset(&ZAV_SharedLib::mName), Offset(&ZAV_SharedLib::mDirectory),
-               Offset(&ZAV_SharedLib::mFullPath), Offset(&ZAV_SharedLib::mLoaded), Offset(&ZAV_SharedLib::mModule),
-               Offset(&ZAV_SharedLib::mCreateFn), Offset(&ZAV_SharedLib::mFreeFn),
-               Offset(&ZAV_SharedLib::mGetI18nDefsFn)),
+               Offset(&ZAV_SharedLib::mFullPath), Offset(&ZAV_SharedLib::mLoaded),
+               Offset(&ZAV_SharedLib::mModule), Offset(&ZAV_SharedLib::mCreateFn),
+               Offset(&ZAV_SharedLib::mFreeFn), Offset(&ZAV_SharedLib::mGetI18nDefsFn)),
         LAYOUT(ZAV_StaticDll, 36, Offset(&ZAV_StaticDll::mName), Offset(&ZAV_StaticDll::mCreateFn),
                Offset(&ZAV_StaticDll::mFreeFn), Offset(&ZAV_StaticDll::mGetI18nDefsFn)),
     });
@@ -152,20 +159,23 @@ TEST(Layout, ThreadsAndLocks) {
         LAYOUT(ZAV_ThreadError, 4),
         LAYOUT(ZAV_Mutex, 4),
         LAYOUT(ZAV_Mutex::Lock, 8, Offset(&ZAV_Mutex::Lock::mMutex), Offset(&ZAV_Mutex::Lock::mAcquired)),
-        LAYOUT(ZAV_ReentrantMutex, 16, Offset(&ZAV_ReentrantMutex::mOwner), Offset(&ZAV_ReentrantMutex::mCount),
-               Offset(&ZAV_ReentrantMutex::mGuard), Offset(&ZAV_ReentrantMutex::mSemaphore)),
+        LAYOUT(ZAV_ReentrantMutex, 16, Offset(&ZAV_ReentrantMutex::mOwner),
+               Offset(&ZAV_ReentrantMutex::mCount), Offset(&ZAV_ReentrantMutex::mGuard),
+               Offset(&ZAV_ReentrantMutex::mSemaphore)),
         LAYOUT(ZAV_Semaphore, 4),
-        LAYOUT(ZAV_ReadWriteLock, 40, Offset(&RW::mWriteMutex), Offset(&RW::mCountSection), Offset(&RW::mReaders),
-               Offset(&RW::mNoReaders)),
-        LAYOUT(ZAV_ReadWriteLock::ReadLock, 8, Offset(&RW::ReadLock::mLock), Offset(&RW::ReadLock::mAcquired)),
+        LAYOUT(ZAV_ReadWriteLock, 40, Offset(&RW::mWriteMutex), Offset(&RW::mCountSection),
+               Offset(&RW::mReaders), Offset(&RW::mNoReaders)),
+        LAYOUT(ZAV_ReadWriteLock::ReadLock, 8, Offset(&RW::ReadLock::mLock),
+               Offset(&RW::ReadLock::mAcquired)),
         LAYOUT(ZAV_MutexSignaller, 16, Offset(&Signaller::mMutex), Offset(&Signaller::mSemaphore),
                Offset(&Signaller::mWaiters), Offset(&Signaller::mWaitersMutex)),
-        LAYOUT(ZAV_MutexSignaller::Lock, 8, Offset(&Signaller::Lock::mSignaller), Offset(&Signaller::Lock::mHeld)),
+        LAYOUT(ZAV_MutexSignaller::Lock, 8, Offset(&Signaller::Lock::mSignaller),
+               Offset(&Signaller::Lock::mHeld)),
         LAYOUT(ZAV_Monitor, 4),
         LAYOUT(ZAV_ReentrantMonitor, 16),
         LAYOUT(ZAV_Thread, 132, Offset(&ZAV_Thread::mInfoString), Offset(&ZAV_Thread::mHandle),
-               Offset(&ZAV_Thread::mThreadId), Offset(&ZAV_Thread::mRunning), Offset(&ZAV_Thread::mRunningLock),
-               Offset(&ZAV_Thread::mFlag), Offset(&ZAV_Thread::mCleanup)),
+               Offset(&ZAV_Thread::mThreadId), Offset(&ZAV_Thread::mRunning),
+               Offset(&ZAV_Thread::mRunningLock), Offset(&ZAV_Thread::mFlag), Offset(&ZAV_Thread::mCleanup)),
     });
 }
 
@@ -192,6 +202,7 @@ TEST(Layout, Events) {
                Offset(&Dispatcher::mSignaller), Offset(&Dispatcher::mQueue), Offset(&Dispatcher::mWaiting),
                Offset(&Dispatcher::mStopping)),
         LAYOUT(ZAV_TimerMgr, 64, Offset(&Mgr::mTimers), Offset(&Mgr::mLastId), Offset(&Mgr::mTimersMutex),
-               Offset(&Mgr::mStopped), Offset(&Mgr::mThread), Offset(&Mgr::mDispatcher), Offset(&Mgr::mWakeUp)),
+               Offset(&Mgr::mStopped), Offset(&Mgr::mThread), Offset(&Mgr::mDispatcher),
+               Offset(&Mgr::mWakeUp)),
     });
 }

@@ -1,5 +1,5 @@
-// The virtual operations of the classes whose slot order is part of the contract. The destructor takes the first
-// two slots of the table, so GetRuntimeClass stands in slot 2 of every class of the tree.
+// The virtual operations of the classes whose slot order is part of the contract. The destructor takes the
+// first two slots of the table, so GetRuntimeClass stands in slot 2 of every class of the tree.
 #include <zavbase/zavbase.h>
 
 #include <gtest/gtest.h>
@@ -38,14 +38,17 @@ using AtConst = Clt* const& (C::*)(int) const;
 TEST(Slots, ObjectProtocol) {
     Consecutive("ZAV_Object", 2,
                 {Slot(&ZAV_Object::GetRuntimeClass), Slot(&ZAV_Object::PrintOn), Slot(&ZAV_Object::DumpOn)});
-    Consecutive("ZAV_CltObject", 5,
-                {Slot(&Clt::Species), Slot(&Clt::Size), Slot(&Clt::IsEqual), Slot(&Clt::Compare), Slot(&Clt::Hash)});
+    Consecutive(
+        "ZAV_CltObject", 5,
+        {Slot(&Clt::Species), Slot(&Clt::Size), Slot(&Clt::IsEqual), Slot(&Clt::Compare), Slot(&Clt::Hash)});
     Consecutive("ZAV_Exception", 5, {Slot(&ZAV_Exception::ToString)});
     Consecutive("ZAV_Str", 2, {Slot(&ZAV_Str::PrintOn)});
     using Key = ZAV_LookupKey;
     Consecutive("ZAV_LookupKey", 10,
-                {Slot(&Key::ShallowCopy), Slot(&Key::DeepenShallowCopy), Slot(static_cast<Clt* (Key::*)(Clt*)>(&Key::Key)),
-                 Slot(static_cast<Clt* (Key::*)() const>(&Key::Key)), Slot(static_cast<Clt* (Key::*)(Clt*)>(&Key::Value)),
+                {Slot(&Key::ShallowCopy), Slot(&Key::DeepenShallowCopy),
+                 Slot(static_cast<Clt* (Key::*)(Clt*)>(&Key::Key)),
+                 Slot(static_cast<Clt* (Key::*)() const>(&Key::Key)),
+                 Slot(static_cast<Clt* (Key::*)(Clt*)>(&Key::Value)),
                  Slot(static_cast<Clt* (Key::*)() const>(&Key::Value))});
     Consecutive("ZAV_Integer", 10, {Slot(&ZAV_Integer::ShallowCopy), Slot(&ZAV_Integer::DeepenShallowCopy)});
     Consecutive("ZAV_CltString", 10, {Slot(&ZAV_CltString::ShallowCopy)});
@@ -55,14 +58,14 @@ TEST(Slots, Collections) {
     using C = ZAV_Collection;
     Consecutive("ZAV_Collection", 10,
                 {Slot(&C::Add), Slot(&C::AddContentsTo), Slot(static_cast<AtPlain<C>>(&C::At)),
-                 Slot(static_cast<AtConst<C>>(&C::At)), Slot(&C::DoNext), Slot(&C::Remove), Slot(&C::RemoveAndDestroy),
-                 Slot(&C::AddAll), Slot(&C::RemoveAll), Slot(&C::DeepenShallowCopy), Slot(&C::DoFinish),
-                 Slot(&C::DoReset), Slot(&C::Clear), Slot(&C::ClearAndDestroy), Slot(&C::Includes), Slot(&C::IsEmpty),
-                 Slot(&C::OccurrencesOf)});
+                 Slot(static_cast<AtConst<C>>(&C::At)), Slot(&C::DoNext), Slot(&C::Remove),
+                 Slot(&C::RemoveAndDestroy), Slot(&C::AddAll), Slot(&C::RemoveAll),
+                 Slot(&C::DeepenShallowCopy), Slot(&C::DoFinish), Slot(&C::DoReset), Slot(&C::Clear),
+                 Slot(&C::ClearAndDestroy), Slot(&C::Includes), Slot(&C::IsEmpty), Slot(&C::OccurrencesOf)});
     using S = ZAV_Set;
     Consecutive("ZAV_Set", 27,
-                {Slot(&S::ShallowCopy), Slot(&S::FindIndexOf), Slot(&S::Capacity), Slot(&S::FindObjectWithKey),
-                 Slot(&S::ReSize)});
+                {Slot(&S::ShallowCopy), Slot(&S::FindIndexOf), Slot(&S::Capacity),
+                 Slot(&S::FindObjectWithKey), Slot(&S::ReSize)});
     using D = ZAV_Dictionary;
     Consecutive("ZAV_Dictionary", 32,
                 {Slot(&D::AddAssoc), Slot(&D::AddKeysTo), Slot(&D::AddValuesTo), Slot(&D::AssocAt),
@@ -74,26 +77,29 @@ TEST(Slots, Collections) {
                 {Slot(&A::ShallowCopy), Slot(&A::Capacity), Slot(&A::ReSize), Slot(&A::Sort)});
     using Q = ZAV_SeqCltn;
     Consecutive("ZAV_SeqCltn", 27,
-                {Slot(&Q::First), Slot(&Q::Last), Slot(static_cast<int (Q::*)(const Clt*) const>(&Q::IndexOf)),
-                 Slot(&Q::IndexOfSubCollection), Slot(&Q::ReplaceFrom)});
+                {Slot(&Q::First), Slot(&Q::Last),
+                 Slot(static_cast<int (Q::*)(const Clt*) const>(&Q::IndexOf)), Slot(&Q::IndexOfSubCollection),
+                 Slot(&Q::ReplaceFrom)});
 }
 
 TEST(Slots, Values) {
     using V = ZAV_UVal;
     Consecutive("ZAV_UVal", 10,
-                {Slot(&V::DeepCopy), Slot(&V::SetStrValue), Slot(&V::GetStrValue), Slot(&V::SetPtrValue),
-                 Slot(&V::GetPtrValue), Slot(&V::SetCharValue), Slot(&V::GetCharValue), Slot(&V::SetUCharValue),
-                 Slot(&V::GetUCharValue), Slot(&V::SetShortValue), Slot(&V::GetShortValue), Slot(&V::SetUShortValue),
-                 Slot(&V::GetUShortValue), Slot(&V::SetLongValue), Slot(&V::GetLongValue), Slot(&V::SetULongValue),
-                 Slot(&V::GetULongValue), Slot(&V::SetFloatValue), Slot(&V::GetFloatValue), Slot(&V::SetDoubleValue),
-                 Slot(&V::GetDoubleValue), Slot(&V::GetCStringValue), Slot(&V::GetSystemStringValue)});
+                {Slot(&V::DeepCopy),        Slot(&V::SetStrValue),         Slot(&V::GetStrValue),
+                 Slot(&V::SetPtrValue),     Slot(&V::GetPtrValue),         Slot(&V::SetCharValue),
+                 Slot(&V::GetCharValue),    Slot(&V::SetUCharValue),       Slot(&V::GetUCharValue),
+                 Slot(&V::SetShortValue),   Slot(&V::GetShortValue),       Slot(&V::SetUShortValue),
+                 Slot(&V::GetUShortValue),  Slot(&V::SetLongValue),        Slot(&V::GetLongValue),
+                 Slot(&V::SetULongValue),   Slot(&V::GetULongValue),       Slot(&V::SetFloatValue),
+                 Slot(&V::GetFloatValue),   Slot(&V::SetDoubleValue),      Slot(&V::GetDoubleValue),
+                 Slot(&V::GetCStringValue), Slot(&V::GetSystemStringValue)});
 }
 
 TEST(Slots, ThreadsAndEvents) {
     using T = ZAV_Thread;
     Consecutive("ZAV_Thread", 10,
-                {Slot(&T::StopThread), Slot(&T::MySignalHandler), Slot(&T::GetInfoString), Slot(&T::SetInfoString),
-                 Slot(&T::run), Slot(&T::cleanup)});
+                {Slot(&T::StopThread), Slot(&T::MySignalHandler), Slot(&T::GetInfoString),
+                 Slot(static_cast<void (T::*)(char*)>(&T::SetInfoString)), Slot(&T::run), Slot(&T::cleanup)});
     Consecutive("ZAV_Event", 10, {Slot(&ZAV_Event::EmergencyCleanup)});
     Consecutive("ZAV_EvHandlerBody", 5, {Slot(&ZAV_EvHandlerBody::HandleEvent)});
     Consecutive("ZAV_EvHandlerHelper", 5,
