@@ -3,11 +3,12 @@
 
 #include <string>
 
-/// What receives the trace pieces: Take for each, Idle when none has come for a fifth of a second. Both return
-/// false to end the listening.
+/// What receives the trace pieces: Ready once the place is taken, Take for each, Idle when none has come for a fifth of a second. The last
+/// two return false to end the listening.
 class Receiver {
 public:
     virtual ~Receiver() {}
+    virtual void Ready() = 0;
     /// `source` tells pieces of different programs apart where the system knows; 0 otherwise.
     virtual bool Take(unsigned long source, const std::string& piece) = 0;
     virtual bool Idle() = 0;

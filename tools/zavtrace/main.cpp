@@ -11,7 +11,7 @@ namespace {
 enum Exit { DONE = 0, TROUBLE = 2 };
 
 const char* const help =
-    "usage: zavtrace [--match TEXT] [--count N]\n"
+    "usage: zavtrace [--match TEXT] [--count N] [--announce]\n"
     "\n"
     "Shows the trace lines of all programs of this user that use the library, as they come. While a\n"
     "viewer runs they go to it instead of to the debugger (Windows) or standard error (elsewhere).\n"
@@ -20,14 +20,19 @@ const char* const help =
     "\n"
     "  --match TEXT  shows only lines that contain TEXT\n"
     "  --count N     ends after N lines\n"
+    "  --announce    prints a line \"listening\" first, as soon as lines would be shown\n"
     "\n"
     "Ends with Ctrl-C. Exit code: 0 ended by the user or after N lines, 2 the place of the viewer\n"
     "cannot be had (another one runs), or the command line is wrong.\n";
 
 class Printer : public Receiver {
 public:
-    Printer(const std::string& match, unsigned long count) : mLines(match), mCount(count) {}
+    Printer(const std::string& match, unsigned long count, bool announces)
+        : mLines(match), mCount(count), mAnnounces(announces) {}
 
+    void Ready() override {
+        if (mAnnounces) std::cout << "listening" << std::endl;
+    }
     bool Take(unsigned long source, const std::string& piece) override { return Print(mLines.Take(source, piece)); }
     bool Idle() override { return Print(mLines.Rest()); }
 
@@ -45,6 +50,7 @@ private:
 
     TraceLines mLines;
     unsigned long mCount;
+    bool mAnnounces;
 };
 
 } // namespace
@@ -52,17 +58,18 @@ private:
 int main(int argc, char** argv) {
     std::string match;
     unsigned long count = 0;
-    bool wrong = false;
+    bool wrong = false, announces = false;
     for (int i = 1; i < argc; ++i) {
         const std::string option = argv[i];
         if (option == "--help") return std::cout << help, DONE;
         char* end = argv[i];
         if (option == "--match" && i + 1 < argc) match = argv[++i];
         else if (option == "--count" && i + 1 < argc) wrong = (count = std::strtoul(argv[++i], &end, 10)) == 0 || *end;
+        else if (option == "--announce") announces = true;
         else wrong = true;
         if (wrong) return std::cerr << help, TROUBLE;
     }
-    Printer printer(match, count);
+    Printer printer(match, count, announces);
     const std::string problem = Listen(printer);
     if (problem.empty()) return DONE;
     std::cerr << "zavtrace: " << problem << "\n";

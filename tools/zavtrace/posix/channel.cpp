@@ -93,6 +93,7 @@ std::string Listen(Receiver& receiver) {
     const std::string problem = OpenSocket(address, socketFile);
     if (!problem.empty()) return problem;
 
+    receiver.Ready();
     const timespec fifth = {0, 200000000};
     pollfd waiting = {socketFile, POLLIN, 0};
     bool idle = true, more = true;

@@ -54,6 +54,7 @@ std::string Listen(Receiver& receiver) {
                                     description.hInstance, nullptr)))
         return "the window cannot be made";
     SetConsoleCtrlHandler(OnControl, TRUE);
+    receiver.Ready();
     MSG message;
     while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
     return std::string();
