@@ -132,11 +132,13 @@ std::string PathOf(const Setting& s) { return s.a + ":" + s.b + ":" + s.c; }
 Setting Itself(const Setting& s) { return s; }
 
 void PathText(benchmark::State& state) {
-    ReadSettings(state, PathOf, [](const std::string& path) { return SettingsDict().GetUVal(path.c_str()); });
-}
-void PathObject(benchmark::State& state) {
     ReadSettings(state, PathOf,
                  [](const std::string& path) { return SettingsDict().GetValue(path.c_str(), 0L); });
+}
+void PathObject(benchmark::State& state) {
+    ReadSettings(state, PathOf, [](const std::string& path) {
+        return SettingsDict().GetValue(ZAV_DictPath(path.c_str()), 0L);
+    });
 }
 void Config(benchmark::State& state) {
     ZAV_ConfigInit(SettingsDict());

@@ -9,18 +9,19 @@
 /// Lookup in a ZAV_Set by the bytes of a key, without an object that holds them and without calls to the
 /// elements. For a set of exactly class ZAV_Set, all of whose elements are of one registered class.
 struct ZAV_SetAccess {
-    /// The element with the key `v`, whose Hash() would be `hash`; null if there is none. `isIt(element)`
-    /// tells whether an element has the key.
+    /// The side index, or null while the set has none.
+    static const ZAV_SetIndex* Index(const ZAV_Set& set) {
+        return zav_slots::HeaderOf(set.mContents.mArray).mIndex;
+    }
+
+    /// The element of which isIt(element) is true and whose Hash() is `hash`, by probing; null if there is
+    /// none.
     template <class IsIt>
-    static ZAV_CltObject* Find(const ZAV_Set& set, const zav_strong::KeyView& v, uint32_t hash, IsIt isIt) {
-        ZAV_CltObject** slots = set.mContents.mArray;
-        if (const ZAV_SetIndex* index = zav_slots::HeaderOf(slots).mIndex)
-            return index->Find(ZAV_SetIndex::Sought(v)).mElement;
+    static ZAV_CltObject* Probe(const ZAV_Set& set, uint32_t hash, IsIt isIt) {
+        ZAV_CltObject* const* slots = set.mContents.mArray;
         uint32_t i = set.mNbits == 0 ? 0 : hash * 0x9E3779B9u >> (32 - set.mNbits);
-        for (uint32_t n = 0; n <= set.mMask; ++n, i = (i - 1) & set.mMask) {
-            if (slots[i] == ZAV_Nil()) return nullptr;
+        for (uint32_t n = 0; n <= set.mMask && slots[i] != ZAV_Nil(); ++n, i = (i - 1) & set.mMask)
             if (isIt(slots[i])) return slots[i];
-        }
         return nullptr;
     }
 };

@@ -80,11 +80,11 @@ void ZAV_DictPath::AddKeys(const char* text, unsigned int length) {
         const unsigned int start = mPath.Length();
         mPath.Append(text, length);
         if (text[length - 1] != sSeparator) mPath += sSeparator;
-        for (unsigned int i = start; i < mPath.Length(); ++i) {
-            if (mPath.At(i) == sSeparator) {
-                mPath.At(i) = '\0';
-                ++mSize;
-            }
+        const char separator = sSeparator;
+        for (char *p = &mPath.At(start), *end = &mPath.At(mPath.Length()); p != end; ++p) {
+            if (*p != separator) continue;
+            *p = '\0';
+            ++mSize;
         }
     }
     CountAll();

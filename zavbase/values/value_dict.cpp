@@ -49,6 +49,27 @@ bool IsPlainDict(const ZAV_UVal* value) {
 
 } // namespace
 
+/// Keys that collide differ in their last bytes, so these are compared first. The bytes behind a stored key
+/// are NUL, so its length need not be looked up.
+inline ZAV_AssocUVal* ZAV_UValDict::KeyWalk::Find(const ZAV_UValDict& dict, const char* key,
+                                                  unsigned int length) {
+    length = (std::min)(length, static_cast<unsigned int>(ZAV_AssocUVal::kMaxKeyLength));
+    ZAV_CltObject* found;
+    if (const ZAV_SetIndex* index = ZAV_SetAccess::Index(dict.mSet)) {
+        const zav_strong::KeyView view = {key, length, ZAV_EntryKind, 0};
+        found = index->Find(ZAV_SetIndex::Sought(view)).mElement;
+    } else {
+        found = ZAV_SetAccess::Probe(dict.mSet, ZAV_EntryHash(key, length), [=](const ZAV_CltObject* o) {
+            const char* stored = static_cast<const ZAV_AssocUVal*>(o)->mKey;
+            if (stored[length] != '\0') return false;
+            return length == 0 ||
+                   (stored[length - 1] == key[length - 1] && std::memcmp(stored, key, length) == 0);
+        });
+    }
+    if (found || !dict.mCaseInsensitive) return static_cast<ZAV_AssocUVal*>(found);
+    return dict.FindIgnoringCase(key, length);
+}
+
 ZAV_UValDict::ZAV_UValDict(unsigned int capacity)
     : ZAV_UVal(UVAL_DICT, UVAL_FAMILY_DICT), mSet(capacity), mFirst(nullptr), mLast(nullptr),
       mCaseInsensitive(B_FALSE) {
@@ -97,12 +118,12 @@ void ZAV_UValDict::CopyEntriesOf(const ZAV_UValDict& other) {
 ZAV_AssocUVal* ZAV_UValDict::FindUValPath(KeyWalk keys, bool create, ZAV_UValDict** owner) {
     ZAV_UValDict* dict = this;
     while (keys.Next()) {
-        ZAV_AssocUVal* entry = dict->AssocAt(keys.mKey, keys.mLength);
+        ZAV_AssocUVal* entry = KeyWalk::Find(*dict, keys.mKey, keys.mLength);
         if (!entry) {
             if (!create) return nullptr;
-            entry = dict->AddEntry(keys.mKey, keys.mLength, keys.AtLast() ? nullptr : new ZAV_UValDict(16));
+            entry = dict->AddEntry(keys.mKey, keys.mLength, keys.AtEnd() ? nullptr : new ZAV_UValDict(16));
         }
-        if (keys.AtLast()) {
+        if (keys.AtEnd()) {
             if (owner) *owner = dict;
             return entry;
         }
@@ -198,15 +219,7 @@ ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key) const {
 }
 
 ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key, unsigned int length) const {
-    length = (std::min)(length, static_cast<unsigned int>(ZAV_AssocUVal::kMaxKeyLength));
-    const auto hasKey = [=](const ZAV_CltObject* o) {
-        const ZAV_AssocUVal* entry = static_cast<const ZAV_AssocUVal*>(o);
-        return entry->mKeyLength == length && std::memcmp(entry->mKey, key, length) == 0;
-    };
-    const zav_strong::KeyView view = {key, length, ZAV_EntryKind, 0};
-    if (ZAV_CltObject* found = ZAV_SetAccess::Find(mSet, view, ZAV_EntryHash(key, length), hasKey))
-        return static_cast<ZAV_AssocUVal*>(found);
-    return mCaseInsensitive ? FindIgnoringCase(key, length) : nullptr;
+    return KeyWalk::Find(*this, key, length);
 }
 
 ZAV_AssocUVal* ZAV_UValDict::FindIgnoringCase(const char* key, unsigned int length) const {

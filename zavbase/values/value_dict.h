@@ -85,6 +85,12 @@ public:
     ZAV_String GetValue(const ZAV_DictPath& path, const ZAV_String& deflt, long index = 0) const;
     ZAV_UTFString GetValue(const ZAV_DictPath& path, const ZAV_UTFString& deflt, long index = 0) const;
 
+    /// All of these for the text of a path, which is walked as it stands.
+    template <class T>
+    auto GetValue(const char* path, T deflt, long index = 0) const {
+        return ElementOf(GetUVal(path), deflt, index);
+    }
+
     /// Changes an element of an existing value, converted to its type; a missing path is ignored. const char*
     /// acts on strings only, void* on pointers only, null on either.
     void SetValue(const ZAV_DictPath& path, char value, long index = 0);
@@ -158,6 +164,25 @@ public:
     void ReadBinFile(const ZAV_SystemString& file);
 
 private:
+    static char ElementOf(ZAV_UVal* value, char deflt, long index);
+    static unsigned char ElementOf(ZAV_UVal* value, unsigned char deflt, long index);
+    static short ElementOf(ZAV_UVal* value, short deflt, long index);
+    static unsigned short ElementOf(ZAV_UVal* value, unsigned short deflt, long index);
+    static int ElementOf(ZAV_UVal* value, int deflt, long index);
+    static unsigned int ElementOf(ZAV_UVal* value, unsigned int deflt, long index);
+    static long ElementOf(ZAV_UVal* value, long deflt, long index);
+    static unsigned long ElementOf(ZAV_UVal* value, unsigned long deflt, long index);
+    static long long ElementOf(ZAV_UVal* value, long long deflt, long index);
+    static unsigned long long ElementOf(ZAV_UVal* value, unsigned long long deflt, long index);
+    static boolean_t ElementOf(ZAV_UVal* value, boolean_t deflt, long index);
+    static float ElementOf(ZAV_UVal* value, float deflt, long index);
+    static double ElementOf(ZAV_UVal* value, double deflt, long index);
+    static const char* ElementOf(ZAV_UVal* value, const char* deflt, long index);
+    static const char* ElementOf(ZAV_UVal* value, std::nullptr_t deflt, long index);
+    static void* ElementOf(ZAV_UVal* value, void* deflt, long index);
+    static ZAV_String ElementOf(ZAV_UVal* value, const ZAV_String& deflt, long index);
+    static ZAV_UTFString ElementOf(ZAV_UVal* value, const ZAV_UTFString& deflt, long index);
+
     struct KeyWalk;
     ZAV_AssocUVal* FindUValPath(KeyWalk keys, bool create, ZAV_UValDict** owner = nullptr);
     ZAV_UVal* ValueAt(KeyWalk keys) const;

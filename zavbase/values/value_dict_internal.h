@@ -28,7 +28,7 @@ struct ZAV_UValDict::KeyWalk {
         : mAt(text ? text : ""), mEnd(mAt + std::strlen(mAt)), mSeparator(ZAV_DictPath::GetSeparator()) {}
 
     bool Next() {
-        if (mAt >= mEnd) return false;
+        if (AtEnd()) return false;
         const void* stop = std::memchr(mAt, mSeparator, static_cast<std::size_t>(mEnd - mAt));
         const char* end = stop ? static_cast<const char*>(stop) : mEnd;
         mKey = mAt;
@@ -36,7 +36,10 @@ struct ZAV_UValDict::KeyWalk {
         mAt = stop ? end + 1 : end;
         return true;
     }
-    bool AtLast() const { return mAt >= mEnd; }
+    bool AtEnd() const { return mAt >= mEnd; }
+
+    /// AssocAt, without a call through the library's exports.
+    static ZAV_AssocUVal* Find(const ZAV_UValDict& dict, const char* key, unsigned int length);
 
     const char* mAt;
     const char* mEnd;
