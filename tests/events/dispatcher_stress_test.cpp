@@ -102,10 +102,9 @@ public:
             auto stop = std::make_unique<ZAV_EventStop>();
             if (handler->QueueEvent(stop.get(), 9) == 0) stop.release();
         }
-        // A handler may have been brought back after its stop event: it goes by hand.
+        // A handler may have been brought back after its stop event, or twice: it goes by hand.
         while (thread->Running()) {
-            for (const ZAV_EvHandlerRef& handler : mHandlers)
-                if (handler->IsActive()) mDispatcher->RemoveEvHandler(handler);
+            for (const ZAV_EvHandlerRef& handler : mHandlers) mDispatcher->RemoveEvHandler(handler);
             std::this_thread::yield();
         }
         thread->WaitForThread();
