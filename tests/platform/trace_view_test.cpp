@@ -17,8 +17,8 @@ protected:
     TraceView() : mFolder(std::filesystem::absolute("trace_view_test.run")) {
         std::filesystem::create_directory(mFolder);
         std::filesystem::permissions(mFolder, std::filesystem::perms::owner_all);
-        static std::string variable;
-        variable = "XDG_RUNTIME_DIR=" + mFolder.string();
+        // The environment keeps the text itself, so it stays for the life of the process.
+        static std::string variable = "XDG_RUNTIME_DIR=" + mFolder.string();
         putenv(variable.data());
     }
     ~TraceView() override { std::filesystem::remove_all(mFolder); }
