@@ -14,6 +14,15 @@ struct ZAV_SetAccess {
         return zav_slots::HeaderOf(set.mContents.mArray).mIndex;
     }
 
+    /// The first element in the order of the slots of which isIt(element) is true; null if there is none.
+    template <class IsIt>
+    static ZAV_CltObject* First(const ZAV_Set& set, IsIt isIt) {
+        ZAV_CltObject* const* slots = set.mContents.mArray;
+        for (uint32_t i = 0; i <= set.mMask; ++i)
+            if (slots[i] != ZAV_Nil() && isIt(slots[i])) return slots[i];
+        return nullptr;
+    }
+
     /// The element of which isIt(element) is true and whose Hash() is `hash`, by probing; null if there is
     /// none.
     template <class IsIt>

@@ -285,7 +285,7 @@ void ZAV_UValPtr::GetPtrValue(void* p, long index) {
 
 #define ZAV_DEFINE_UVAL(NAME, TYPE, BASE, ...)                                                               \
     ZAV_DEFINE_CLASS(NAME, ZAV_UVal)                                                                         \
-    NAME::NAME(long dimension, void* buffer) : BASE(TYPE, ##__VA_ARGS__, dimension, buffer) {}               \
+    NAME::NAME(long dimension, void* buffer) : BASE(TYPE __VA_OPT__(, ) __VA_ARGS__, dimension, buffer) {}   \
     NAME::NAME(const NAME& other) = default;                                                                 \
     NAME::~NAME() = default;                                                                                 \
     NAME& NAME::operator=(const NAME& other) = default;                                                      \

@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include <zavbase/collections/iterator.h>
 #include <zavbase/collections/set_access_internal.h>
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/values/uval_types.h>
@@ -223,12 +222,10 @@ ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key, unsigned int length) const
 }
 
 ZAV_AssocUVal* ZAV_UValDict::FindIgnoringCase(const char* key, unsigned int length) const {
-    ZAV_Iterator it(&mSet);
-    while (ZAV_CltObject* o = ++it) {
-        ZAV_AssocUVal* entry = static_cast<ZAV_AssocUVal*>(o);
-        if (entry->mKeyLength == length && EqualIgnoringCase(entry->mKey, key, length)) return entry;
-    }
-    return nullptr;
+    return static_cast<ZAV_AssocUVal*>(ZAV_SetAccess::First(mSet, [=](const ZAV_CltObject* o) {
+        const ZAV_AssocUVal* entry = static_cast<const ZAV_AssocUVal*>(o);
+        return entry->mKeyLength == length && EqualIgnoringCase(entry->mKey, key, length);
+    }));
 }
 
 ZAV_UVal* ZAV_UValDict::SetEntry(const char* key, ZAV_UVal* uval) {

@@ -89,7 +89,8 @@ bool ZAV_UValDict::Holds(const ZAV_UValDict* sought) const {
 
 ZAV_UVal* ZAV_UValDict::CopyUValTo(const ZAV_DictPath& path, ZAV_UValDict* dest) const {
     ZAV_UVal* value = GetUVal(path);
-    if (!value || !dest || dest == this) return value;
+    if (!value || !dest) return nullptr;
+    if (dest == this) return value;
     std::unique_ptr<ZAV_UVal> copy(value->DeepCopy());
     ZAV_UVal* there = dest->GetUVal(path);
     if (!AsDict(copy.get()) || !AsDict(there)) return dest->SetUVal(path, copy.release());
@@ -107,7 +108,8 @@ ZAV_UVal* ZAV_UValDict::MoveUValTo(const ZAV_DictPath& path, ZAV_UValDict* dest)
     ZAV_UValDict* owner = nullptr;
     ZAV_AssocUVal* entry = FindUValPath(KeyWalk(path), false, &owner);
     ZAV_UVal* value = entry ? entry->mValue : nullptr;
-    if (!value || !dest || dest == this) return value;
+    if (!value || !dest) return nullptr;
+    if (dest == this) return value;
     if (AsDict(value) && AsDict(value)->Holds(dest)) return CopyUValTo(path, dest);
     ZAV_AssocUVal* there = dest->FindUValPath(KeyWalk(path), true);
     if (!there) return nullptr;
