@@ -16,7 +16,7 @@ namespace {
 constexpr uint64_t kLargestRoom = 0xFFFFFFF0u;
 
 // What does not fit becomes a request that the allocator refuses: the program has a policy for that.
-volatile size_t refusedSize = SIZE_MAX - 64;
+const volatile size_t refusedSize = SIZE_MAX - 64;
 
 uint64_t capacityFor(uint64_t length) { return (length / 16 + 1) * 16; }
 

@@ -73,8 +73,6 @@ ZAV_UTFString& ZAV_UTFString::operator+=(const ZAV_Str& s) { return Append(s.Ptr
 
 ZAV_UTFString& ZAV_UTFString::operator+=(const ZAV_SubStr& s) { return Append(s.Ptr(), s.Size()); }
 
-ZAV_UTFString& ZAV_UTFString::operator+=(char c) { return Append(&c, 1); }
-
 ZAV_UTFString& ZAV_UTFString::Append(const char* p, unsigned int n) {
     const unsigned before = mLength;
     concatInPlace(n, p);

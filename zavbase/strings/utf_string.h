@@ -43,7 +43,11 @@ public:
     ZAV_UTFString& operator+=(const char* p);
     ZAV_UTFString& operator+=(const ZAV_Str& s);
     ZAV_UTFString& operator+=(const ZAV_SubStr& s);
-    ZAV_UTFString& operator+=(char c);
+    ZAV_UTFString& operator+=(char c) {
+        if ((c & 0x80) != 0) return Append(&c, 1);
+        ZAV_String::operator+=(c);
+        return *this;
+    }
     ZAV_UTFString& Append(const char* p, unsigned int n);
 
     ZAV_UTFString operator+(const ZAV_UTFString& u) const;

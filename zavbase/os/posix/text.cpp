@@ -4,10 +4,12 @@
 #include <langinfo.h>
 #include <locale.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 namespace zav_os {
@@ -93,10 +95,20 @@ bool isFreeByte(const std::string& encoding, uint16_t unit) {
     return toUcs.Ok() && toUcs.Run(from, left, to, room) == EILSEQ;
 }
 
-// What Windows puts for a character that the code page lacks but that has a near equivalent: the full-width
-// forms of ASCII. 0 when there is none.
-char nearEquivalent(uint16_t unit) {
-    return unit >= 0xFF01 && unit <= 0xFF5E ? static_cast<char>(unit - 0xFF01 + '!') : '\0';
+// The letters without their marks, from U+00C0 to U+017F; "?" where there is none.
+const char kPlainLetters[] = "AAAAAA?CEEEEIIII?NOOOOO?OUUUUY??aaaaaa?ceeeeiiii?nooooo?ouuuuy?y"
+                             "AaAaAaCcCcCcCcDd?dEeEeEeEeEeGgGgGgGgHhHhIiIiIiIiIi??JjKk?LlLlLl??"
+                             "LlNnNnNn???OoOoOo??RrRrRrSsSsSsSsTtTtTtUuUuUuUuUuUuWwYyYZzZzZz?";
+
+// Windows does not count it as a replacement when a character that the code page lacks has a near equivalent
+// there. Of these the letters with marks and the full-width forms of ASCII are known here, for the code pages
+// of European languages. '?' when there is none.
+char nearEquivalent(int32_t codePage, uint16_t unit) {
+    static const int32_t pages[] = {437,  850,  852,  857,   866,   1250,  1251,
+                                    1252, 1253, 1254, 28591, 28592, 28595, 28605};
+    if (std::find(std::begin(pages), std::end(pages), codePage) == std::end(pages)) return '?';
+    if (unit >= 0xC0 && unit <= 0x17F) return kPlainLetters[unit - 0xC0];
+    return unit >= 0xFF01 && unit <= 0xFF5E ? static_cast<char>(unit - 0xFF01 + '!') : '?';
 }
 
 template <class Unit>
@@ -149,12 +161,9 @@ uint32_t UcsToText(int32_t codePage, const uint16_t* src, char* dst, long room, 
         if (error == E2BIG || space == 0) return fail(kTextNoRoom, dst, units);
         uint16_t unit;
         std::memcpy(&unit, from, sizeof unit);
-        char byte = nearEquivalent(unit);
-        if (byte == '\0' && isFreeByte(encoding, unit)) byte = static_cast<char>(unit);
-        if (byte == '\0') {
-            byte = '?';
-            *replaced = true;
-        }
+        const char byte =
+            isFreeByte(encoding, unit) ? static_cast<char>(unit) : nearEquivalent(codePage, unit);
+        if (byte == '?') *replaced = true;
         *to++ = byte;
         --space;
         from += sizeof unit;
