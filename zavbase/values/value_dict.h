@@ -38,7 +38,7 @@ public:
 
     // Values by path.
 
-    /// The value, or null. All the texts of a path: the text is walked as it stands, without a ZAV_DictPath.
+    /// The value, or null. A path given as text is walked as it stands, which is quicker than a ZAV_DictPath.
     ZAV_UVal* GetUVal(const ZAV_DictPath& path) const;
     ZAV_UVal* GetUVal(const char* path) const;
     ZAV_UVal* GetUVal(const ZAV_String& path) const;
@@ -85,7 +85,7 @@ public:
     ZAV_String GetValue(const ZAV_DictPath& path, const ZAV_String& deflt, long index = 0) const;
     ZAV_UTFString GetValue(const ZAV_DictPath& path, const ZAV_UTFString& deflt, long index = 0) const;
 
-    /// All of these for the text of a path, which is walked as it stands.
+    /// Any of these for the text of a path, which is walked as it stands.
     template <class T>
     auto GetValue(const char* path, T deflt, long index = 0) const {
         return ElementOf(GetUVal(path), deflt, index);
