@@ -23,7 +23,6 @@
 #include <zavbase/events/ev_dispatcher.h>
 #include <zavbase/events/ev_handler.h>
 #include <zavbase/events/event.h>
-#include <zavbase/events/event_pool.h>
 #include <zavbase/events/listener.h>
 #include <zavbase/events/sync_obj.h>
 #include <zavbase/events/timer.h>
@@ -34,6 +33,7 @@
 #include <zavbase/foundation/export.h>
 #include <zavbase/foundation/new_handler.h>
 #include <zavbase/foundation/object.h>
+#include <zavbase/foundation/pooled.h>
 #include <zavbase/foundation/ref.h>
 #include <zavbase/foundation/ref_count.h>
 #include <zavbase/foundation/startup.h>

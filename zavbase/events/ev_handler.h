@@ -3,7 +3,7 @@
 
 #include <atomic>
 
-#include <zavbase/events/event_pool.h>
+#include <zavbase/foundation/pooled.h>
 #include <zavbase/foundation/ref.h>
 
 class ZAV_Event;

@@ -2,7 +2,7 @@
 #define ZAVBASE_EVENTS_EVENT_H
 
 #include <zavbase/collections/link.h>
-#include <zavbase/events/event_pool.h>
+#include <zavbase/foundation/pooled.h>
 
 class ZAV_EvHandlerBody;
 class ZAV_EvHandlerRef;

@@ -44,7 +44,7 @@ ZAV_AssocUVal::ZAV_AssocUVal(const char* key, unsigned int length, ZAV_UVal* val
 }
 
 ZAV_AssocUVal::ZAV_AssocUVal(const ZAV_AssocUVal& other)
-    : ZAV_CltObject(other), mValue(other.mValue), mPrev(nullptr), mNext(nullptr) {
+    : ZAV_CltObject(other), ZAV_Pooled(), mValue(other.mValue), mPrev(nullptr), mNext(nullptr) {
     SetKey(other.mKey, other.mKeyLength);
 }
 

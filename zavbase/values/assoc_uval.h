@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include <zavbase/collections/clt_object.h>
+#include <zavbase/foundation/pooled.h>
 
 class ZAV_UVal;
 
@@ -13,7 +14,7 @@ class ZAV_UVal;
 /// An entry inside a dictionary belongs to it, and so does its value. The entry itself never deletes a value:
 /// the dictionary does, and who takes a value out with Value(ZAV_UVal*) disposes of it. Do not change the key
 /// of an entry that is in a dictionary.
-class ZAV_API ZAV_AssocUVal : public ZAV_CltObject {
+class ZAV_API ZAV_AssocUVal : public ZAV_CltObject, public ZAV_Pooled {
     ZAV_DECLARE_CLASS(ZAV_AssocUVal)
 
 public:

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include <zavbase/collections/clt_object.h>
+#include <zavbase/foundation/pooled.h>
 
 class ZAV_String;
 class ZAV_SystemString;
@@ -43,7 +44,7 @@ enum ZAV_UValFamily : int {
 /// their low bits, a real is truncated toward zero (0 beyond 64 bits) and then narrowed.
 ///
 /// Values are not locked: an object belongs to one thread at a time; several may read it while none writes.
-class ZAV_API ZAV_UVal : public ZAV_CltObject {
+class ZAV_API ZAV_UVal : public ZAV_CltObject, public ZAV_Pooled {
     ZAV_DECLARE_CLASS(ZAV_UVal)
 
 public:

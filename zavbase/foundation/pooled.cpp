@@ -1,4 +1,4 @@
-#include <zavbase/events/event_pool.h>
+#include <zavbase/foundation/pooled.h>
 
 #include <mutex>
 

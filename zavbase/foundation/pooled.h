@@ -1,13 +1,13 @@
-#ifndef ZAVBASE_EVENTS_EVENT_POOL_H
-#define ZAVBASE_EVENTS_EVENT_POOL_H
+#ifndef ZAVBASE_FOUNDATION_POOLED_H
+#define ZAVBASE_FOUNDATION_POOLED_H
 
 #include <cstddef>
 #include <new>
 
 #include <zavbase/foundation/export.h>
 
-/// Base of classes whose objects are made on one thread and destroyed on another by the million: events and
-/// the references that they carry. Blocks of up to 128 bytes come from a store of the process, of which each
+/// Base of classes whose objects are made and destroyed by the million, perhaps on different threads: events and
+/// the references that they carry, values and the entries of their dictionaries. Blocks of up to 128 bytes come from a store of the process, of which each
 /// thread keeps a few at hand, and go back to it when the object is destroyed on whichever thread; larger ones
 /// come from the heap. The base has no data. The store never gives memory back to the heap; it holds as much
 /// as the largest number of such objects ever alive needed.
@@ -21,6 +21,18 @@ public:
     {
         ::operator delete(block, align);
     }
+
+    /// Null when there is no memory.
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+    {
+        try {
+            return operator new(size);
+        } catch (...) {
+            return nullptr;
+        }
+    }
+    /// Called when a constructor throws. Without the size, the block cannot be put back; it is lost.
+    static void operator delete(void*, const std::nothrow_t&) noexcept {}
 
     /// In place, as always.
     static void* operator new(std::size_t, void* place) noexcept { return place; }
