@@ -414,8 +414,8 @@ TYPED_TEST(RandomOps, AgreeWithTheModel) {
         EXPECT_EQ(model.empty(), real.IsEmpty());
         ZAV_CltObject* o = pool.Any();
         if (!values) {
-            EXPECT_EQ(std::count_if(model.begin(), model.end(), [&](auto* e) { return Same(e, o); }),
-                      real.OccurrencesOf(o));
+            const auto n = std::count_if(model.begin(), model.end(), [&](auto* e) { return Same(e, o); });
+            EXPECT_EQ(static_cast<unsigned>(n), real.OccurrencesOf(o));
         }
         std::unique_ptr<ZAV_ArrayObj> array(real.AsArrayObj());
         EXPECT_EQ(walked, Walk(*array));

@@ -78,6 +78,9 @@ TEST(Sort, EveryKindOfElement) {
     Objects nuls;
     for (const char* tail : {"d", "c", "b", "a"}) nuls.emplace_back(new ZAV_CltString(ZAV_String("sameprefix\0", 11) + tail));
     ExpectSorts(nuls);
+    Objects empty;
+    for (int i = 0; i < 3; ++i) empty.emplace_back(new ZAV_CltString(ZAV_String()));
+    ExpectSorts(empty);
 }
 
 // Differences wrap, so that there is no order to find: any order of the same elements will do, the same one that

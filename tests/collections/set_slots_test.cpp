@@ -101,15 +101,19 @@ void ExpectSameSlots(const ZAV_Set& set, const TableModel& model) {
     ASSERT_EQ(model.Count(), set.Size());
 }
 
+} // namespace
+
 typedef std::deque<std::unique_ptr<ZAV_CltObject>> Objects;
 
 /// Makes the i-th key of a kind. Every kind is used with twice as many keys as its tables hold, each in two
 /// equal objects.
-struct Kind {
+struct SetSlotsKind {
     const char* name;
     int keys;
     std::function<ZAV_CltObject*(int i, Objects& parts)> make;
 };
+
+namespace {
 
 ZAV_CltObject* Keep(Objects& parts, ZAV_CltObject* o) {
     parts.emplace_back(o);
@@ -126,7 +130,7 @@ std::string SameHash(int i) {
     return a + b;
 }
 
-const Kind kinds[] = {
+const SetSlotsKind kinds[] = {
     {"host objects", 1500, [](int i, Objects&) { return new Probe(i, static_cast<unsigned>(i % 97)); }},
     {"decimal texts", 6000, [](int i, Objects&) { return new ZAV_CltString(std::to_string(i * 7919).c_str()); }},
     {"texts of one hash", 9000, [](int i, Objects&) { return new ZAV_CltString(SameHash(i).c_str()); }},
@@ -150,12 +154,12 @@ const Kind kinds[] = {
      }},
 };
 
-class SetSlots : public testing::TestWithParam<Kind> {};
+class SetSlots : public testing::TestWithParam<SetSlotsKind> {};
 
 } // namespace
 
 TEST_P(SetSlots, FollowTheModel) {
-    const Kind& kind = GetParam();
+    const SetSlotsKind& kind = GetParam();
     Objects parts, keys;
     for (int copy = 0; copy < 2; ++copy)
         for (int i = 0; i < kind.keys; ++i) keys.emplace_back(kind.make(i, parts));
@@ -273,6 +277,17 @@ TEST(SetSlots, ASlotStoredToByHandCounts) {
     EXPECT_EQ(&twin, set.Remove(keys[123].get()));
     EXPECT_FALSE(set.Includes(&twin));
     EXPECT_EQ(698u, set.Size());
+}
+
+// Enough keys of one length and one beginning that some share all 32 bits of any hash.
+TEST(SetSlots, LongKeysAreComparedWhole) {
+    Objects keys;
+    ZAV_Set set(16);
+    for (int i = 0; i < 300000; ++i) {
+        ZAV_CltObject* o = Keep(keys, new ZAV_CltString(("a beginning of 30 characters  " + std::to_string(100000 + i)).c_str()));
+        ASSERT_EQ(o, set.Add(o));
+    }
+    EXPECT_EQ(300000u, set.Size());
 }
 
 TEST(SetSlots, RemovingWhatIsNotThereDropsTheCount) {
