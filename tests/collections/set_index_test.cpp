@@ -69,7 +69,7 @@ TEST(SetIndex, ServesTheLibrarysKeysAndRegisteredOnes) {
     for (ZAV_CltObject* o : std::initializer_list<ZAV_CltObject*>{&nothing, &probe, &ofProbe, nullptr})
         EXPECT_FALSE(Serves({&a, o}));
 
-    Pair ab("ab1"), twin("ab2"), cd("cd"), bare("ab");
+    Pair ab("ab1"), twin("ab2"), cd("cd");
     EXPECT_FALSE(Serves({&ab, &cd}));
     zav_strong::RegisterKeyClass(typeid(Pair), &Pair::Bytes);
     EXPECT_TRUE(Serves({&ab, &cd, &a}));
