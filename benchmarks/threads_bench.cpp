@@ -11,7 +11,7 @@
 #include <thread>
 
 // The C library takes its mutexes without atomic instructions as long as a process has had one thread only.
-// The runs in "one_thread" come first and measure that; all others come after a second thread was started.
+// Built with ONE_THREAD this measures that and no more; otherwise all comes after a second thread was started.
 // Locks are reached through pointers that the compiler cannot see through, as in most programs.
 
 namespace {
@@ -51,6 +51,8 @@ template <class Guard, class Lockable> void Nested(benchmark::State& state) {
     }
 }
 
+#ifndef ONE_THREAD
+
 template <class Guard, class Lockable> void Contended(benchmark::State& state) {
     static Lockable lock;
     static long shared = 0;
@@ -80,27 +82,30 @@ void BeginAndJoinStd(benchmark::State& state) {
     for (auto _ : state) std::thread([] {}).join();
 }
 
-void SecondThread(const benchmark::State&) { std::thread([] {}).join(); }
+#endif
 
-BENCHMARK(Uncontended<Mutex, ZAV_Mutex>)->Name("Lock/zav/mutex/one_thread");
-BENCHMARK(Uncontended<StdMutex, std::mutex>)->Name("Lock/std/mutex/one_thread");
-BENCHMARK(Uncontended<Reentrant, ZAV_ReentrantMutex>)->Name("Lock/zav/reentrant/one_thread");
-BENCHMARK(Uncontended<StdRecursive, std::recursive_mutex>)->Name("Lock/std/reentrant/one_thread");
+#ifdef ONE_THREAD
+#define FAMILY "OneThread"
+#else
+#define FAMILY "Lock"
+const bool theSecondThread = (std::thread([] {}).join(), true);
+#endif
 
-
-BENCHMARK(Uncontended<Mutex, ZAV_Mutex>)->Setup(SecondThread)->Name("Lock/zav/mutex");
-BENCHMARK(Uncontended<StdMutex, std::mutex>)->Name("Lock/std/mutex");
-BENCHMARK(Uncontended<Reentrant, ZAV_ReentrantMutex>)->Name("Lock/zav/reentrant");
-BENCHMARK(Uncontended<StdRecursive, std::recursive_mutex>)->Name("Lock/std/reentrant");
-BENCHMARK(Nested<Reentrant, ZAV_ReentrantMutex>)->Name("Lock/zav/reentrant_nested");
-BENCHMARK(Nested<StdRecursive, std::recursive_mutex>)->Name("Lock/std/reentrant_nested");
-BENCHMARK(Uncontended<Read, ZAV_ReadWriteLock>)->Name("Lock/zav/read");
-BENCHMARK(Uncontended<StdRead, std::shared_mutex>)->Name("Lock/std/read");
-BENCHMARK(Uncontended<Write, ZAV_ReadWriteLock>)->Name("Lock/zav/write");
-BENCHMARK(Uncontended<StdWrite, std::shared_mutex>)->Name("Lock/std/write");
+BENCHMARK(Uncontended<Mutex, ZAV_Mutex>)->Name(FAMILY "/zav/mutex");
+BENCHMARK(Uncontended<StdMutex, std::mutex>)->Name(FAMILY "/std/mutex");
+BENCHMARK(Uncontended<Reentrant, ZAV_ReentrantMutex>)->Name(FAMILY "/zav/reentrant");
+BENCHMARK(Uncontended<StdRecursive, std::recursive_mutex>)->Name(FAMILY "/std/reentrant");
+BENCHMARK(Nested<Reentrant, ZAV_ReentrantMutex>)->Name(FAMILY "/zav/reentrant_nested");
+BENCHMARK(Nested<StdRecursive, std::recursive_mutex>)->Name(FAMILY "/std/reentrant_nested");
+BENCHMARK(Uncontended<Read, ZAV_ReadWriteLock>)->Name(FAMILY "/zav/read");
+BENCHMARK(Uncontended<StdRead, std::shared_mutex>)->Name(FAMILY "/std/read");
+BENCHMARK(Uncontended<Write, ZAV_ReadWriteLock>)->Name(FAMILY "/zav/write");
+BENCHMARK(Uncontended<StdWrite, std::shared_mutex>)->Name(FAMILY "/std/write");
+#ifndef ONE_THREAD
 BENCHMARK(Contended<Mutex, ZAV_Mutex>)->Threads(2)->UseRealTime()->Name("Lock/zav/contended");
 BENCHMARK(Contended<StdMutex, std::mutex>)->Threads(2)->UseRealTime()->Name("Lock/std/contended");
 BENCHMARK(BeginAndJoin)->UseRealTime()->Name("Thread/zav/begin_join");
 BENCHMARK(BeginAndJoinStd)->UseRealTime()->Name("Thread/std/begin_join");
+#endif
 
 } // namespace

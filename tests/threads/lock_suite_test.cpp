@@ -1,3 +1,5 @@
+#include <tests/threads/platform.h>
+
 #include <zavbase/threads/monitor.h>
 #include <zavbase/threads/read_write_lock.h>
 #include <zavbase/threads/semaphore.h>
@@ -72,7 +74,7 @@ TYPED_TEST_SUITE(TryLockSuite, Trying);
 
 TYPED_TEST(LockSuite, LetsOneThreadInAtATime) {
     typename TypeParam::Lock lock;
-    constexpr int kThreads = 4, kRounds = 5000;
+    const int kThreads = 4, kRounds = 500 * kEffort;
     long entries = 0;
     int inside = 0;
     std::vector<std::thread> threads;

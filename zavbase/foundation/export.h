@@ -15,13 +15,10 @@
 
 /// How the system's locks are made. ZAV_LOCKS_ARE_WORDS is 1 where a lock is a word in memory, which the
 /// calling code itself takes and gives back as long as nobody waits, and 0 where it is a kernel object.
-/// ZAV_THREAD_MARK is a number that differs between live threads, had in one instruction; 0 where unused.
 #if defined(_WIN32)
 #define ZAV_LOCKS_ARE_WORDS 0
-#define ZAV_THREAD_MARK 0
 #else
 #define ZAV_LOCKS_ARE_WORDS 1
-#define ZAV_THREAD_MARK reinterpret_cast<uintptr_t>(__builtin_thread_pointer())
 #endif
 
 #endif

@@ -20,8 +20,9 @@ void SemaphoreClose(Word& semaphore);
 Wait SemaphoreWait(Word& semaphore, uint32_t milliseconds);
 void SemaphoreRelease(Word& semaphore, uint32_t units);
 
-/// A lock that its thread may take again. Where locks are words, `guard` is not used, and whoever leaves counts
-/// down and clears the owner before the call.
+/// A lock that its thread may take again. Where locks are words, the owner and the count are the caller's: it
+/// enters only if it is not the owner, and sets them then; it leaves for the last time only, after clearing the
+/// owner; `guard` is not used.
 struct Reentrant {
     std::atomic<uintptr_t>& owner;
     std::atomic<uint32_t>& count;

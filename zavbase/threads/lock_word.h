@@ -38,6 +38,14 @@ inline bool SingleThreaded() {
 #endif
 }
 
+#if ZAV_LOCKS_ARE_WORDS
+/// A number that no other thread has or had, for owners; 0 until the library gave the thread one.
+extern ZAV_API __thread uintptr_t theThreadMark __attribute__((tls_model("initial-exec")));
+inline uintptr_t ThreadMark() { return theThreadMark; }
+#else
+inline uintptr_t ThreadMark() { return 0; }
+#endif
+
 inline bool Exchange(Word& word, uintptr_t from, uintptr_t to, std::memory_order order) {
     if (SingleThreaded()) {
         if (word.load(std::memory_order_relaxed) != from) return false;

@@ -38,29 +38,34 @@ private:
     boolean_t Enter(boolean_t tryOnly);
     void Leave();  ///< where locks are words, the owner and the count are settled already
 
-    std::atomic<uintptr_t> mOwner;  ///< the mark or identifier of the owning thread, 0 = none
+    std::atomic<uintptr_t> mOwner;  ///< the owning thread's mark or identifier, 0 = none
     std::atomic<uint32_t> mCount;   ///< guards alive
     zav_lock::Word mGuard;          ///< guards the two above where locks are kernel objects
     zav_lock::Word mSemaphore;      ///< the lock itself
 };
 
-// The owner is compared without a lock: a thread finds its own mark there only if it put it there itself.
+// The owner is compared without a lock: a thread finds its own mark there only if it put it there itself. The
+// count means nothing while there is no owner.
 inline bool ZAV_ReentrantMutex::EnterUnwaited() {
-    if (!ZAV_LOCKS_ARE_WORDS) return false;
-    const uintptr_t self = ZAV_THREAD_MARK;
-    if (mOwner.load(std::memory_order_relaxed) != self) {
-        if (!zav_lock::Take(mSemaphore)) return false;
-        mOwner.store(self, std::memory_order_relaxed);
+    const uintptr_t self = zav_lock::ThreadMark();
+    if (self == 0) return false;
+    if (mOwner.load(std::memory_order_relaxed) == self) {
+        mCount.store(mCount.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+        return true;
     }
-    mCount.store(mCount.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    if (!zav_lock::Take(mSemaphore)) return false;
+    mOwner.store(self, std::memory_order_relaxed);
+    mCount.store(1, std::memory_order_relaxed);
     return true;
 }
 
 inline bool ZAV_ReentrantMutex::LeaveUnwaited() {
     if (!ZAV_LOCKS_ARE_WORDS) return false;
     const uint32_t left = mCount.load(std::memory_order_relaxed) - 1;
-    mCount.store(left, std::memory_order_relaxed);
-    if (left != 0) return true;
+    if (left != 0) {
+        mCount.store(left, std::memory_order_relaxed);
+        return true;
+    }
     mOwner.store(0, std::memory_order_relaxed);
     return zav_lock::Give(mSemaphore);
 }

@@ -200,23 +200,26 @@ void ZAV_Thread::create(void* argument) {
 }
 
 ZAV_ThreadError ZAV_Thread::exit_thread() {
-    if (!caller_is_self()) return ZAV_ThreadError::MapOSError(22);
-    ZAV_SetThreadLinkHead(nullptr);
     {
         ZAV_Mutex::Lock guard(threadsmutex(), B_FALSE);
+        if (!caller_is_self()) return ZAV_ThreadError::MapOSError(22);
         delete ownRun;
     }
+    ZAV_SetThreadLinkHead(nullptr);
     zav_os::ThreadExit();
 }
 
+// The handle and the identifier are read under the mutex, as the new thread may be quicker than BeginThread.
 boolean_t ZAV_Thread::caller_is_self() const { return ZAV_Bool(zav_os::IsCurrentThread(mHandle, mThreadId)); }
 
 ZAV_ThreadError ZAV_Thread::StopThread() {
-    if (caller_is_self()) return exit_thread();
+    bool self;
     {
         ZAV_Mutex::Lock guard(threadsmutex(), B_FALSE);
-        Run::StopAwaited(this);
+        self = caller_is_self();
+        if (!self) Run::StopAwaited(this);
     }
+    if (self) return exit_thread();
     Running(B_FALSE);
     return ZAV_ThreadError(0);
 }
@@ -225,10 +228,17 @@ ZAV_ThreadError ZAV_Thread::WaitForThread() { return WaitForThread(zav_os::kFore
 
 ZAV_ThreadError ZAV_Thread::WaitForThread(unsigned long milliseconds) {
     ZAV_ThreadError result(0);
-    if (caller_is_self()) {
+    uintptr_t handle;
+    bool self;
+    {
+        ZAV_Mutex::Lock guard(threadsmutex(), B_FALSE);
+        handle = mHandle;
+        self = caller_is_self();
+    }
+    if (self) {
         result = ZAV_ThreadError::MapOSError(36);
-    } else if (mHandle != kNoHandle) {
-        const zav_os::Wait wait = zav_os::ThreadWait(mHandle, static_cast<uint32_t>(milliseconds));
+    } else if (handle != kNoHandle) {
+        const zav_os::Wait wait = zav_os::ThreadWait(handle, static_cast<uint32_t>(milliseconds));
         if (wait == zav_os::Wait::TimedOut) return ZAV_ThreadError::MapOSError(62);
         if (wait == zav_os::Wait::Failed) result = LastOSError();
     }

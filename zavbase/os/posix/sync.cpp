@@ -1,7 +1,5 @@
 #include <zavbase/os/posix/futex.h>
 
-#include <zavbase/foundation/export.h>
-
 #include <bit>
 #include <cerrno>
 #include <climits>
@@ -107,11 +105,7 @@ void ReentrantOpen(const Reentrant& lock) {
 void ReentrantClose(const Reentrant&) {}
 
 bool ReentrantEnter(const Reentrant& lock, bool tryOnly) {
-    // That the caller is not the owner was seen before the call.
-    if (SemaphoreWait(lock.semaphore, tryOnly ? 0 : kForever) != Wait::Done) return false;
-    lock.owner.store(ZAV_THREAD_MARK, std::memory_order_relaxed);
-    lock.count.store(1, std::memory_order_relaxed);
-    return true;
+    return SemaphoreWait(lock.semaphore, tryOnly ? 0 : kForever) == Wait::Done;
 }
 
 void ReentrantLeave(const Reentrant& lock) { SemaphoreRelease(lock.semaphore, 1); }
@@ -128,7 +122,7 @@ constexpr uintptr_t kReader = uintptr_t(1) << 32;
 
 /// What a read-write lock notes about its writer; the section is the room for it. Only the writer writes it.
 struct Writer {
-    std::atomic<uintptr_t> mark;
+    std::atomic<void*> thread;
     Writer* next;
     Writer* previous;
     Word* word;
@@ -148,11 +142,14 @@ struct ThreadEnd {
 };
 thread_local ThreadEnd threadEnd;
 
-bool IsOwner(const Writer& writer) { return writer.mark.load(std::memory_order_relaxed) == ZAV_THREAD_MARK; }
+// A thread's address may be the next one's when it has ended, but then it holds no write lock any more.
+void* ThisThread() { return __builtin_thread_pointer(); }
+
+bool IsOwner(const Writer& writer) { return writer.thread.load(std::memory_order_relaxed) == ThisThread(); }
 
 void Note(Writer& writer) {
     threadEnd.armed = true;
-    writer.mark.store(ZAV_THREAD_MARK, std::memory_order_relaxed);
+    writer.thread.store(ThisThread(), std::memory_order_relaxed);
     writer.depth = 1;
     writer.previous = nullptr;
     writer.next = heldWriters;
@@ -161,7 +158,7 @@ void Note(Writer& writer) {
 }
 
 void Forget(Writer& writer) {
-    writer.mark.store(0, std::memory_order_relaxed);
+    writer.thread.store(nullptr, std::memory_order_relaxed);
     (writer.previous ? writer.previous->next : heldWriters) = writer.next;
     if (writer.next) writer.next->previous = writer.previous;
 }
@@ -206,7 +203,7 @@ void ReadWriteOpen(const ReadWrite& lock) {
     lock.writeMutex.store(0, std::memory_order_relaxed);
     lock.readers = 0;
     lock.noReaders.store(0, std::memory_order_relaxed);
-    new (lock.section) Writer{{0}, nullptr, nullptr, &lock.writeMutex, 0};
+    new (lock.section) Writer{{nullptr}, nullptr, nullptr, &lock.writeMutex, 0};
 }
 
 void ReadWriteClose(const ReadWrite& lock) {

@@ -106,8 +106,8 @@ Wait ThreadWait(uintptr_t handle, uint32_t milliseconds) {
         return Wait::Failed;
     }
     if (milliseconds == kForever && !thread->joined.exchange(true)) {
-        pthread_join(thread->thread, nullptr);
-        return Wait::Done;
+        if (pthread_join(thread->thread, nullptr) == 0) return Wait::Done;
+        thread->joined = false;  // two threads wait for each other: so be it, for ever
     }
     const timespec end = milliseconds == kForever ? timespec() : Deadline(milliseconds);
     for (uint32_t state = 0; !HasEnded(*thread); state = 0) {

@@ -1,4 +1,5 @@
-#include <cstddef>
+#include <tests/threads/platform.h>
+
 #include <filesystem>
 #include <iterator>
 
@@ -8,3 +9,5 @@ static size_t Entries(const char* folder) {
 }
 
 size_t SystemObjects() { return Entries("/proc/self/fd") + Entries("/proc/self/task"); }
+
+const int kEffort = 10;

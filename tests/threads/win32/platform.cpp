@@ -1,4 +1,4 @@
-#include <cstddef>
+#include <tests/threads/platform.h>
 
 #include <windows.h>
 
@@ -7,3 +7,5 @@ size_t SystemObjects() {
     GetProcessHandleCount(GetCurrentProcess(), &count);
     return count;
 }
+
+const int kEffort = 1;  // a contended lock is a call of the kernel, and slow where that is emulated
