@@ -93,9 +93,9 @@ bool SortNumbers(Element* slots, uint32_t n) {
 // The first 8 characters as a number that orders as strcmp does; what follows a NUL does not count.
 uint64_t PrefixOf(const char* text) {
     uint64_t prefix = 0;
-    int i = 0;
-    for (; i < 8 && text[i]; ++i) prefix = prefix << 8 | static_cast<unsigned char>(text[i]);
-    return i < 8 ? prefix << (8 * (8 - i)) : prefix;
+    for (int shift = 56; shift >= 0 && *text; shift -= 8)
+        prefix |= static_cast<uint64_t>(static_cast<unsigned char>(*text++)) << shift;
+    return prefix;
 }
 
 struct Texted {
