@@ -1,6 +1,7 @@
 // Collections beside the standard containers. A set or dictionary of ours holds pointers to keys that are there
 // already, the peer copies the key into its node; both are given keys made beforehand. Hits look up equal keys in
-// other objects, in another order. Taking down what was built is not timed.
+// other objects, in another order; a set tells whether it has the key, a dictionary gives the value. Taking down
+// what was built is not timed.
 #include <zavbase/collections/clt_string.h>
 #include <zavbase/collections/dictionary.h>
 #include <zavbase/collections/integer.h>
@@ -68,7 +69,7 @@ struct SetSide {
         for (const auto& t : in.texts) set.Add(t.get());
     }
     static bool Hit(SetSide& s, const Input& in, size_t i) {
-        return s.set.FindObjectWithKey(in.soughtTexts[i].get())->Size() > 0;
+        return s.set.Includes(in.soughtTexts[i].get()) == B_TRUE;
     }
     static uintptr_t Sum(SetSide& s) {
         uintptr_t sum = 0;
@@ -100,7 +101,7 @@ struct MapSide {
     }
     static bool Hit(MapSide& s, const Input& in, size_t i) {
         const auto at = s.map.find(in.sought[i]);
-        return at != s.map.end() && !at->first.empty();
+        return at != s.map.end() && at->second == nullptr;
     }
     static uintptr_t Sum(MapSide& s) {
         uintptr_t sum = 0;
