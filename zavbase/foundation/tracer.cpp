@@ -11,6 +11,7 @@
 #include <cstring>
 #include <mutex>
 #include <sstream>
+#include <thread>
 
 namespace {
 
@@ -25,17 +26,15 @@ union Table {
 };
 constinit Table theTable;
 
-// A mutex is not built by the compiler everywhere; a flag is.
+// A mutex is not built by the compiler everywhere; a flag is. Its wait is not used, as it misses notifications in
+// the Windows run-time library; the table is in use for moments only.
 constinit std::atomic_flag theTableInUse;
 class TableLock {
 public:
     TableLock() {
-        while (theTableInUse.test_and_set(std::memory_order_acquire)) theTableInUse.wait(true);
+        while (theTableInUse.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
     }
-    ~TableLock() {
-        theTableInUse.clear(std::memory_order_release);
-        theTableInUse.notify_one();
-    }
+    ~TableLock() { theTableInUse.clear(std::memory_order_release); }
 };
 
 // Lines are written under this lock. It is taken again by a thread whose sink writes trace lines itself.
