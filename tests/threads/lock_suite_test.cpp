@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <latch>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -94,14 +93,14 @@ TYPED_TEST(LockSuite, LetsOneThreadInAtATime) {
 TYPED_TEST(LockSuite, AWaiterGetsItWhenItIsGivenBack) {
     typename TypeParam::Lock lock;
     auto held = std::make_unique<typename TypeParam::Guard>(lock, B_FALSE);
-    std::latch waiting(1);
+    ZAV_Semaphore waiting;
     bool givenBack = false;
     std::thread waiter([&] {
-        waiting.count_down();
+        waiting.Signal();
         typename TypeParam::Guard guard(lock, B_FALSE);
         EXPECT_TRUE(givenBack);
     });
-    waiting.wait();
+    waiting.Wait();
     givenBack = true;
     held.reset();
     waiter.join();
