@@ -29,7 +29,7 @@ int KindOf(ZAV_UValType number);
 
 /// Puts a tree piece by piece. A piece is what belongs to one entry up to its elements, made in one go (right
 /// in the caller's buffer when it has room); elements are copied from where they are.
-class ZAV_BinPackUValDict::Writer {
+class ZAV_LOCAL ZAV_BinPackUValDict::Writer {
 public:
     /// Checks the tree; throws ZAV_BinPackException*.
     explicit Writer(ZAV_UValDict& dict);
@@ -58,7 +58,7 @@ private:
 
 /// Builds a tree atom by atom: what atom comes next, with its kind and count, is known from those before. An
 /// atom that the caller's buffer holds in part is collected until it is whole.
-class ZAV_BinPackUValDict::Reader {
+class ZAV_LOCAL ZAV_BinPackUValDict::Reader {
 public:
     explicit Reader(ZAV_UValDict& dict);
     int Get(const unsigned char** cursor, const unsigned char* limit);

@@ -22,7 +22,7 @@ inline uint32_t ZAV_EntryHash(const char* key, uint32_t length) {
 inline bool ZAV_IsDict(const ZAV_UVal* value) { return value && value->GetType() == UVAL_DICT; }
 
 /// Walks the keys of a path: each runs to the separator, or to the end.
-struct ZAV_UValDict::KeyWalk {
+struct ZAV_LOCAL ZAV_UValDict::KeyWalk {
     explicit KeyWalk(const ZAV_DictPath& path) : mAt(path.mFirstKey), mEnd(path.mEnd), mSeparator('\0') {}
     explicit KeyWalk(const char* text)
         : mAt(text ? text : ""), mEnd(mAt + std::strlen(mAt)), mSeparator(ZAV_DictPath::GetSeparator()) {}

@@ -14,7 +14,7 @@ ZAV_UValDict* AsDict(ZAV_UVal* value) {
 
 /// One pair of dictionaries that are being merged, with the next entry to look at. Entries that arrive behind
 /// mLast while the merging goes on were not there at the call.
-struct ZAV_UValDict::MergeLevel {
+struct ZAV_LOCAL ZAV_UValDict::MergeLevel {
     MergeLevel(ZAV_UValDict& from, ZAV_UValDict& to)
         : mFrom(&from), mTo(&to), mNext(from.mFirst), mLast(from.mLast) {}
 
