@@ -11,13 +11,15 @@
 #include <thread>
 
 // The C library takes its mutexes without atomic instructions as long as a process has had one thread only.
-// Built with ONE_THREAD this measures that and no more; otherwise all comes after a second thread was started.
-// Locks are reached through pointers that the compiler cannot see through, as in most programs.
+// Built with ONE_THREAD this measures that and no more; otherwise all comes after a second thread was
+// started. Locks are reached through pointers that the compiler cannot see through, as in most programs.
 
 namespace {
 
-template <class Lock> struct Zav : Lock {
-    template <class Lockable> explicit Zav(Lockable& lock) : Lock(lock, B_FALSE) {}
+template <class Lock>
+struct Zav : Lock {
+    template <class Lockable>
+    explicit Zav(Lockable& lock) : Lock(lock, B_FALSE) {}
 };
 using Mutex = Zav<ZAV_Mutex::Lock>;
 using Reentrant = Zav<ZAV_ReentrantMutex::Lock>;
@@ -28,13 +30,15 @@ using StdRecursive = std::lock_guard<std::recursive_mutex>;
 using StdRead = std::shared_lock<std::shared_mutex>;
 using StdWrite = std::unique_lock<std::shared_mutex>;
 
-template <class Lockable> std::unique_ptr<Lockable> Opaque() {
+template <class Lockable>
+std::unique_ptr<Lockable> Opaque() {
     Lockable* lock = new Lockable;
     benchmark::DoNotOptimize(lock);
     return std::unique_ptr<Lockable>(lock);
 }
 
-template <class Guard, class Lockable> void Uncontended(benchmark::State& state) {
+template <class Guard, class Lockable>
+void Uncontended(benchmark::State& state) {
     const std::unique_ptr<Lockable> lock = Opaque<Lockable>();
     for (auto _ : state) {
         Guard guard(*lock);
@@ -42,7 +46,8 @@ template <class Guard, class Lockable> void Uncontended(benchmark::State& state)
     }
 }
 
-template <class Guard, class Lockable> void Nested(benchmark::State& state) {
+template <class Guard, class Lockable>
+void Nested(benchmark::State& state) {
     const std::unique_ptr<Lockable> lock = Opaque<Lockable>();
     Guard outer(*lock);
     for (auto _ : state) {
@@ -53,7 +58,8 @@ template <class Guard, class Lockable> void Nested(benchmark::State& state) {
 
 #ifndef ONE_THREAD
 
-template <class Guard, class Lockable> void Contended(benchmark::State& state) {
+template <class Guard, class Lockable>
+void Contended(benchmark::State& state) {
     static Lockable lock;
     static long shared = 0;
     for (auto _ : state) {

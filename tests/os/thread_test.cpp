@@ -80,7 +80,7 @@ TEST(OsThread, NoHandleIsAnErrorOfTheSystem) {
 TEST(OsSemaphore, KeepsItsUnitsWithinThirtyOneBits) {
     zav_os::Word semaphore;
     zav_os::SemaphoreOpen(semaphore, 2);
-    zav_os::SemaphoreRelease(semaphore, 0x7FFFFFFF);  // too many: without effect
+    zav_os::SemaphoreRelease(semaphore, 0x7FFFFFFF); // too many: without effect
     EXPECT_EQ(zav_os::Wait::Done, zav_os::SemaphoreWait(semaphore, 0));
     EXPECT_EQ(zav_os::Wait::Done, zav_os::SemaphoreWait(semaphore, 0));
     EXPECT_EQ(zav_os::Wait::TimedOut, zav_os::SemaphoreWait(semaphore, 0));

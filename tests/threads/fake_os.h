@@ -9,7 +9,7 @@ struct FakeOS {
     uint32_t lastError = 0;
     uintptr_t startHandle = 0;
     uint32_t startId = 0;
-    uint32_t waitFails = 0;  ///< the error of a wait; 0: it succeeds
+    uint32_t waitFails = 0; ///< the error of a wait; 0: it succeeds
     int anySlot = -1;
     uint32_t callerId = 77;
     uint32_t ticks = 0;

@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
-// One suite for everything that lets one thread in at a time. A guard type is made from a lock and from whether
-// only to try.
+// One suite for everything that lets one thread in at a time. A guard type is made from a lock and from
+// whether only to try.
 
 namespace {
 
@@ -48,7 +48,8 @@ struct SemaphoreGuard {
     boolean_t mAcquired;
 };
 
-template <class L, class G> struct Kind {
+template <class L, class G>
+struct Kind {
     using Lock = L;
     using Guard = G;
 };
@@ -61,11 +62,13 @@ using Signaller = Kind<ZAV_MutexSignaller, SignallerGuard>;
 using Monitor = Kind<ZAV_Monitor, MonitorGuard>;
 using ReentrantMonitor = Kind<ZAV_ReentrantMonitor, ReentrantMonitorGuard>;
 
-template <class K> class LockSuite : public testing::Test {};
+template <class K>
+class LockSuite : public testing::Test {};
 using All = testing::Types<Mutex, Reentrant, Semaphore, Writing, Signaller, Monitor, ReentrantMonitor>;
 TYPED_TEST_SUITE(LockSuite, All);
 
-template <class K> class TryLockSuite : public testing::Test {};
+template <class K>
+class TryLockSuite : public testing::Test {};
 using Trying = testing::Types<Mutex, Reentrant, Semaphore, Writing>;
 TYPED_TEST_SUITE(TryLockSuite, Trying);
 

@@ -17,11 +17,16 @@ namespace {
 
 using RW = ZAV_ReadWriteLock;
 
-template <class F> void OnThread(F f) { std::thread(f).join(); }
+template <class F>
+void OnThread(F f) {
+    std::thread(f).join();
+}
 
 /// A guard that is destroyed only if asked to.
-template <class Guard> struct Manual {
-    template <class Lock> Manual(Lock& lock, boolean_t tryOnly) : guard(*new (room) Guard(lock, tryOnly)) {}
+template <class Guard>
+struct Manual {
+    template <class Lock>
+    Manual(Lock& lock, boolean_t tryOnly) : guard(*new (room) Guard(lock, tryOnly)) {}
     void Destroy() { guard.~Guard(); }
     boolean_t Acquired() const { return guard.LockAcquired(); }
 
@@ -30,7 +35,8 @@ template <class Guard> struct Manual {
 };
 
 /// Whether a try on another thread succeeds; a failed one is not released, as its destruction might do.
-template <class Guard, class Lock> bool OtherGets(Lock& lock) {
+template <class Guard, class Lock>
+bool OtherGets(Lock& lock) {
     bool acquired = false;
     OnThread([&] {
         Manual<Guard> guard(lock, B_TRUE);
@@ -77,7 +83,8 @@ TEST(ReentrantMutex, StaysLockedWhenItsThreadHasEnded) {
     ZAV_ReentrantMutex mutex;
     OnThread([&] { Manual<ZAV_ReentrantMutex::Lock> leftBehind(mutex, B_FALSE); });
     for (int i = 0; i < 3; ++i)
-        EXPECT_FALSE(OtherGets<ZAV_ReentrantMutex::Lock>(mutex)) << "a thread in the same place passed for the owner";
+        EXPECT_FALSE(OtherGets<ZAV_ReentrantMutex::Lock>(mutex))
+            << "a thread in the same place passed for the owner";
 }
 
 TEST(Semaphore, CountsUnits) {
@@ -125,8 +132,14 @@ TEST(ReadWriteLock, TheWriterMayReadAndWriteAgain) {
     RW lock;
     {
         RW::WriteLock outer(lock, B_FALSE);
-        { RW::WriteLock inner(lock, B_TRUE); EXPECT_TRUE(inner.LockAcquired()); }
-        { RW::ReadLock reader(lock, B_TRUE); EXPECT_TRUE(reader.LockAcquired()); }
+        {
+            RW::WriteLock inner(lock, B_TRUE);
+            EXPECT_TRUE(inner.LockAcquired());
+        }
+        {
+            RW::ReadLock reader(lock, B_TRUE);
+            EXPECT_TRUE(reader.LockAcquired());
+        }
         EXPECT_FALSE(OtherGets<RW::ReadLock>(lock));
         EXPECT_FALSE(OtherGets<RW::WriteLock>(lock));
     }
@@ -175,7 +188,8 @@ TEST(ReadWriteLock, AFailedTryToWriteReleasesWhatItsThreadHolds) {
         EXPECT_FALSE(OtherGets<RW::WriteLock>(lock)) << "another thread's guard released it";
         RW::ReadLock reader(lock, B_FALSE);
         EXPECT_FALSE(RW::WriteLock(lock, B_TRUE).LockAcquired()) << "the reader keeps it out";
-        EXPECT_TRUE(OtherGets<RW::ReadLock>(lock)) << "the inner guard's end should have given up the outer hold";
+        EXPECT_TRUE(OtherGets<RW::ReadLock>(lock))
+            << "the inner guard's end should have given up the outer hold";
     }
     EXPECT_TRUE(OtherGets<RW::WriteLock>(lock));
 }

@@ -15,7 +15,6 @@
 #include <thread>
 #include <vector>
 
-
 namespace {
 
 class Worker : public ZAV_Thread {
@@ -80,7 +79,7 @@ TEST(Thread, AStopBeforeTheBodyIsNotLost) {
         w.StopThread();
         EXPECT_EQ(0, w.WaitForThread());
     }
-    for (int i = 0; i < 200; ++i) Worker(UntilStopped).Begin();  // the destructor stops it
+    for (int i = 0; i < 200; ++i) Worker(UntilStopped).Begin(); // the destructor stops it
 }
 
 TEST(Thread, AnyNumberMayWaitForIt) {
@@ -189,7 +188,7 @@ TEST(Thread, PriorityIsCutToTheRange) {
     EXPECT_EQ(0, w.SetPriority(-100));
     EXPECT_EQ(0, w.GetPriority(&priority));
     EXPECT_EQ(-15, priority);
-    if (w.SetPriority(100) == 0) {  // raising it may be refused
+    if (w.SetPriority(100) == 0) { // raising it may be refused
         w.GetPriority(&priority);
         EXPECT_EQ(15, priority);
     }
@@ -202,7 +201,8 @@ TEST(Thread, NamesAreCutTo63) {
     ZAV_Thread::GetInfoStringFromID(nullptr, byId);
     EXPECT_STREQ("", byId) << "this thread is not registered";
     Worker w([&](Worker& self) {
-        ZAV_Thread::GetInfoStringFromID(reinterpret_cast<void*>(static_cast<uintptr_t>(ZAV_Thread::OSThreadId())), byId);
+        ZAV_Thread::GetInfoStringFromID(
+            reinterpret_cast<void*>(static_cast<uintptr_t>(ZAV_Thread::OSThreadId())), byId);
         UntilStopped(self);
     });
     w.SetInfoString(longName.c_str());
@@ -229,7 +229,7 @@ TEST(Thread, ManyBeginningsAndEndsLeaveNothingBehind) {
         w.StopThread();
         w.WaitForThread();
     };
-    for (int i = 0; i < 10; ++i) cycle(i);  // what is made once
+    for (int i = 0; i < 10; ++i) cycle(i); // what is made once
     const size_t before = SystemObjects();
     for (int i = 0; i < 1000 * kEffort; ++i) cycle(i);
     EXPECT_EQ(before, SystemObjects());

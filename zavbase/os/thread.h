@@ -13,8 +13,8 @@ uintptr_t ThreadStart(void (*entry)(void*), void* argument, unsigned stackSize, 
 /// Ends the calling thread, which ThreadStart made, at once: nothing on its stack is destroyed.
 [[noreturn]] void ThreadExit();
 
-/// Waits for the end of the thread, from any number of threads and any number of times. Failed leaves the last
-/// error set; the handle may be 0.
+/// Waits for the end of the thread, from any number of threads and any number of times. Failed leaves the
+/// last error set; the handle may be 0.
 Wait ThreadWait(uintptr_t handle, uint32_t milliseconds);
 
 /// Closes the handle, whether the thread has ended or runs on.

@@ -14,8 +14,8 @@
 ///
 /// A word holds a kernel object's handle where locks are kernel objects. Elsewhere it is a counting semaphore
 /// by itself: twice the number of units, plus 1 when threads may be asleep waiting for one. A mutex is a
-/// semaphore with one unit. Free and held below are its states with nobody waiting; only these two are handled
-/// in the caller's code, everything else in the library.
+/// semaphore with one unit. Free and held below are its states with nobody waiting; only these two are
+/// handled in the caller's code, everything else in the library.
 namespace zav_lock {
 
 typedef std::atomic<uintptr_t> Word;
@@ -56,9 +56,13 @@ inline bool Exchange(Word& word, uintptr_t from, uintptr_t to, std::memory_order
 }
 
 /// Takes a free mutex; false when it is not free or not a word.
-inline bool Take(Word& word) { return ZAV_LOCKS_ARE_WORDS && Exchange(word, kFree, kHeld, std::memory_order_acquire); }
+inline bool Take(Word& word) {
+    return ZAV_LOCKS_ARE_WORDS && Exchange(word, kFree, kHeld, std::memory_order_acquire);
+}
 /// Gives back a mutex that nobody waits for; false when somebody may, or when it is not a word.
-inline bool Give(Word& word) { return ZAV_LOCKS_ARE_WORDS && Exchange(word, kHeld, kFree, std::memory_order_release); }
+inline bool Give(Word& word) {
+    return ZAV_LOCKS_ARE_WORDS && Exchange(word, kHeld, kFree, std::memory_order_release);
+}
 
 } // namespace zav_lock
 

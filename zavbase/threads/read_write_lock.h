@@ -3,16 +3,18 @@
 
 #include <zavbase/threads/lock_word.h>
 
-/// A lock for many readers or one writer, inside one process. A writer that waits goes before readers that come
-/// after it.
+/// A lock for many readers or one writer, inside one process. A writer that waits goes before readers that
+/// come after it.
 ///
 /// - The thread that holds a write guard may take read guards and further write guards. A thread that holds a
 ///   read guard and asks for a write guard waits for ever.
-/// - Write guards belong to their thread. When it ends without destroying them, the lock becomes free. A write
+/// - Write guards belong to their thread. When it ends without destroying them, the lock becomes free. A
+/// write
 ///   guard destroyed on another thread has no effect. The lock must outlive the thread or its write guards.
 /// - DESTROYING A GUARD RELEASES, WHETHER IT ACQUIRED OR NOT. A failed try for reading, destroyed, takes one
-///   reader off the count: with no reader left the next reader is not seen by writers. A failed try for writing
-///   does no harm on a thread that holds no write guard; on one that does, its destruction gives that up.
+///   reader off the count: with no reader left the next reader is not seen by writers. A failed try for
+///   writing does no harm on a thread that holds no write guard; on one that does, its destruction gives that
+///   up.
 class ZAV_API ZAV_ReadWriteLock {
 public:
     ZAV_ReadWriteLock();
@@ -53,10 +55,10 @@ public:
 private:
     // Where locks are words the first word is the whole lock, the section notes its owner, and the other two
     // stay unused.
-    zav_lock::Word mWriteMutex;       ///< held by a writer, and by a reader for an instant
-    zav_lock::Section mCountSection;  ///< guards the count
+    zav_lock::Word mWriteMutex;      ///< held by a writer, and by a reader for an instant
+    zav_lock::Section mCountSection; ///< guards the count
     uint32_t mReaders;
-    zav_lock::Word mNoReaders;        ///< an event, set when the count falls to 0 and reset when it leaves 0
+    zav_lock::Word mNoReaders; ///< an event, set when the count falls to 0 and reset when it leaves 0
 };
 
 #endif

@@ -12,7 +12,8 @@ __thread uintptr_t zav_lock::theThreadMark = 0;
 
 static uintptr_t OwnMark() {
     static std::atomic<uintptr_t> last{0};
-    if (zav_lock::theThreadMark == 0) zav_lock::theThreadMark = last.fetch_add(1, std::memory_order_relaxed) + 1;
+    if (zav_lock::theThreadMark == 0)
+        zav_lock::theThreadMark = last.fetch_add(1, std::memory_order_relaxed) + 1;
     return zav_lock::theThreadMark;
 }
 #else

@@ -3,9 +3,9 @@
 
 #include <zavbase/threads/lock_word.h>
 
-/// A lock that the thread holding it may take again, any number of times; others get it when the last of these
-/// guards is destroyed. A guard may be destroyed on another thread, but not while the owner takes or gives back
-/// a guard of its own. A thread that ends while holding it leaves it locked.
+/// A lock that the thread holding it may take again, any number of times; others get it when the last of
+/// these guards is destroyed. A guard may be destroyed on another thread, but not while the owner takes or
+/// gives back a guard of its own. A thread that ends while holding it leaves it locked.
 class ZAV_API ZAV_ReentrantMutex {
 public:
     ZAV_ReentrantMutex();
@@ -36,12 +36,12 @@ private:
     inline bool EnterUnwaited();
     inline bool LeaveUnwaited();
     boolean_t Enter(boolean_t tryOnly);
-    void Leave();  ///< where locks are words, the owner and the count are settled already
+    void Leave(); ///< where locks are words, the owner and the count are settled already
 
-    std::atomic<uintptr_t> mOwner;  ///< the owning thread's mark or identifier, 0 = none
-    std::atomic<uint32_t> mCount;   ///< guards alive
-    zav_lock::Word mGuard;          ///< guards the two above where locks are kernel objects
-    zav_lock::Word mSemaphore;      ///< the lock itself
+    std::atomic<uintptr_t> mOwner; ///< the owning thread's mark or identifier, 0 = none
+    std::atomic<uint32_t> mCount;  ///< guards alive
+    zav_lock::Word mGuard;         ///< guards the two above where locks are kernel objects
+    zav_lock::Word mSemaphore;     ///< the lock itself
 };
 
 // The owner is compared without a lock: a thread finds its own mark there only if it put it there itself. The

@@ -11,8 +11,11 @@ void ZAV_Semaphore::Signal() { zav_os::SemaphoreRelease(mSemaphore, 1); }
 
 int ZAV_Semaphore::TryWait() {
     switch (zav_os::SemaphoreWait(mSemaphore, 0)) {
-    case zav_os::Wait::Done: return 0;
-    case zav_os::Wait::TimedOut: return 16;
-    default: return 22;
+    case zav_os::Wait::Done:
+        return 0;
+    case zav_os::Wait::TimedOut:
+        return 16;
+    default:
+        return 22;
     }
 }

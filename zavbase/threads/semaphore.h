@@ -11,9 +11,9 @@ public:
     ZAV_Semaphore(const ZAV_Semaphore&) = delete;
     ZAV_Semaphore& operator=(const ZAV_Semaphore&) = delete;
 
-    void Wait();    ///< takes one unit, waiting for it without limit
-    void Signal();  ///< gives one unit
-    int TryWait();  ///< 0 took a unit, 16 there was none, 22 the wait failed
+    void Wait();   ///< takes one unit, waiting for it without limit
+    void Signal(); ///< gives one unit
+    int TryWait(); ///< 0 took a unit, 16 there was none, 22 the wait failed
 
 private:
     ZAV_Semaphore(unsigned int unused, int initial);

@@ -4,7 +4,8 @@
 #include <zavbase/threads/mutex.h>
 #include <zavbase/threads/thread_error.h>
 
-/// A mutex with a condition: a thread that holds the lock may wait for a signal, giving up the lock meanwhile.
+/// A mutex with a condition: a thread that holds the lock may wait for a signal, giving up the lock
+/// meanwhile.
 ///
 /// A signal is kept for as many waiters as were counted when it was given; with none it is lost. It may be
 /// consumed by a thread that began to wait later, so a waiter tests its condition again. A waiter that timed
@@ -16,34 +17,34 @@ public:
     ZAV_MutexSignaller(const ZAV_MutexSignaller&) = delete;
     ZAV_MutexSignaller& operator=(const ZAV_MutexSignaller&) = delete;
 
-    void Signal();     ///< wakes one waiter; need not hold the lock
-    void Broadcast();  ///< wakes every waiter counted now
+    void Signal();    ///< wakes one waiter; need not hold the lock
+    void Broadcast(); ///< wakes every waiter counted now
 
     class ZAV_API Lock {
     public:
-        explicit Lock(ZAV_MutexSignaller& signaller);  ///< waits without limit
+        explicit Lock(ZAV_MutexSignaller& signaller); ///< waits without limit
         ~Lock();
         Lock(const Lock&) = delete;
         Lock& operator=(const Lock&) = delete;
 
         /// Gives up the lock, waits for a signal and takes the lock again.
         void Wait();
-        /// The same for at most `microseconds`, rounded towards zero to whole milliseconds: 999 does not wait,
-        /// -1000 waits without limit. Returns 62 when the time ran out, 0 otherwise; the lock is held again
-        /// in both cases.
+        /// The same for at most `microseconds`, rounded towards zero to whole milliseconds: 999 does not
+        /// wait, -1000 waits without limit. Returns 62 when the time ran out, 0 otherwise; the lock is held
+        /// again in both cases.
         ZAV_ThreadError TimedWait(int microseconds);
 
     private:
         int WaitFor(uint32_t milliseconds);
 
         ZAV_MutexSignaller* mSignaller;
-        ZAV_Mutex::Lock* mHeld;  ///< null only while waiting
+        ZAV_Mutex::Lock* mHeld; ///< null only while waiting
     };
 
 private:
     void Release(bool all);
 
-    ZAV_Mutex mMutex;  ///< what users hold
+    ZAV_Mutex mMutex; ///< what users hold
     zav_lock::Word mSemaphore;
     uint32_t mWaiters;
     ZAV_Mutex mWaitersMutex;

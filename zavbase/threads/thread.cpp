@@ -19,8 +19,8 @@ namespace {
 
 constexpr uintptr_t kNoHandle = UINTPTR_MAX;
 
-/// One start of a thread, owned by the new thread and listed until that ends; for everything that concerns the
-/// thread while its object may be stopped, started again or destroyed. Used under threadsmutex.
+/// One start of a thread, owned by the new thread and listed until that ends; for everything that concerns
+/// the thread while its object may be stopped, started again or destroyed. Used under threadsmutex.
 struct Run {
     explicit Run(ZAV_Thread* object);
     ~Run();
@@ -31,9 +31,9 @@ struct Run {
     static void StopAwaited(const ZAV_Thread* object);
     static void Cut(const ZAV_Thread* object);
 
-    ZAV_Thread* thread;    ///< null when the object is being destroyed: the thread must not use it
-    bool entered = false;  ///< the new thread has come here
-    bool stopped = false;  ///< StopThread came before it
+    ZAV_Thread* thread;   ///< null when the object is being destroyed: the thread must not use it
+    bool entered = false; ///< the new thread has come here
+    bool stopped = false; ///< StopThread came before it
     Run* next;
     Run* previous = nullptr;
 };

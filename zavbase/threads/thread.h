@@ -11,8 +11,8 @@ struct ZAV_EXCEPTION_LINK;
 
 enum ZAV_ThreadFlag : int {
     ZAV_THREAD_PLAIN = 0,
-    ZAV_THREAD_JOINED = 1,    ///< what the library's own threads use; the same as plain
-    ZAV_THREAD_DETACHED = 5,  ///< the destructor does not wait for the thread to end
+    ZAV_THREAD_JOINED = 1,   ///< what the library's own threads use; the same as plain
+    ZAV_THREAD_DETACHED = 5, ///< the destructor does not wait for the thread to end
 };
 
 /// Stored by BeginThread; no value has an effect.
@@ -29,13 +29,14 @@ enum ZAV_ThreadCleanup : int { ZAV_THREAD_CLEANUP_NONE = 0 };
 ///         void run() override { while (Running()) WorkSome(); }
 ///     };
 ///
-/// Ownership: the owner of the object destroys it. The destructor stops the thread and waits for it, unless it
-/// was constructed detached. When it runs, the derived part of the object is gone already: a derived destructor
-/// therefore calls FinishThread first, or the owner calls StopThread and WaitForThread before destroying. A
-/// detached object may be destroyed while its thread runs on; `run` must then not use it any more.
+/// Ownership: the owner of the object destroys it. The destructor stops the thread and waits for it, unless
+/// it was constructed detached. When it runs, the derived part of the object is gone already: a derived
+/// destructor therefore calls FinishThread first, or the owner calls StopThread and WaitForThread before
+/// destroying. A detached object may be destroyed while its thread runs on; `run` must then not use it any
+/// more.
 ///
-/// Threads: BeginThread and the destructor are for the owner; everything else for any thread. An exception that
-/// leaves `run`, other than ZAV_Thread::ExitException, ends the process.
+/// Threads: BeginThread and the destructor are for the owner; everything else for any thread. An exception
+/// that leaves `run`, other than ZAV_Thread::ExitException, ends the process.
 class ZAV_API ZAV_Thread : public ZAV_CltObject {
     ZAV_DECLARE_CLASS(ZAV_Thread)
 public:
@@ -48,7 +49,8 @@ public:
     ~ZAV_Thread() override;
 
     /// Starts the thread, with a stack of `stackSize` bytes or, for 0, the system's default. 22 when it is
-    /// running or about to. A stopped object can be started again. Running() may still be false just after this.
+    /// running or about to. A stopped object can be started again. Running() may still be false just after
+    /// this.
     ZAV_ThreadError BeginThread(ZAV_ThreadCleanup cleanup, unsigned int stackSize);
     /// Asks the thread to stop: Running() becomes false. On the thread itself it does not return: the thread
     /// ends at once, without destroying the objects on its stack.
@@ -57,41 +59,41 @@ public:
     /// Waits until the thread has ended. Any number of threads may wait. On the thread itself 36. In every
     /// case the thread is no longer registered afterwards (CurrentThread does not find it).
     ZAV_ThreadError WaitForThread();
-    /// The same for at most `milliseconds` (0xFFFFFFFF: without limit); 62 when the time ran out, and then the
-    /// thread stays registered.
+    /// The same for at most `milliseconds` (0xFFFFFFFF: without limit); 62 when the time ran out, and then
+    /// the thread stays registered.
     ZAV_ThreadError WaitForThread(unsigned long milliseconds);
     /// Waits for the end of one of the registered running threads. It hands the system thread identifiers
-    /// where that expects handles, so it nearly always returns the system's error, with `which` null; kept for
-    /// the hosts that know it so.
+    /// where that expects handles, so it nearly always returns the system's error, with `which` null; kept
+    /// for the hosts that know it so.
     static ZAV_ThreadError WaitForAnyThread(ZAV_Thread*& which);
 
     /// Whether the body is running and was not asked to stop.
     boolean_t Running();
     void Running(boolean_t running);
 
-    /// -15 (idle) to 15 (time-critical), others are cut; 0 is normal. On Linux it is the negated nice value of
-    /// the thread, which only privileged processes may lower.
+    /// -15 (idle) to 15 (time-critical), others are cut; 0 is normal. On Linux it is the negated nice value
+    /// of the thread, which only privileged processes may lower.
     ZAV_ThreadError SetPriority(int priority);
-    ZAV_ThreadError GetPriority(int* priority);  ///< stores 0 on an error
+    ZAV_ThreadError GetPriority(int* priority); ///< stores 0 on an error
 
-    virtual void MySignalHandler(int signal);  ///< no effect
+    virtual void MySignalHandler(int signal); ///< no effect
     /// A name for people, at most 63 characters; longer ones are cut.
     virtual char* GetInfoString();
     virtual void SetInfoString(char* text);
     void SetInfoString(const char* text) { SetInfoString(const_cast<char*>(text)); }
-    /// Copies the name of the thread registered under an identifier (null: the calling thread) to `out`, which
-    /// has room for 64 characters; an empty name if there is none.
+    /// Copies the name of the thread registered under an identifier (null: the calling thread) to `out`,
+    /// which has room for 64 characters; an empty name if there is none.
     static void GetInfoStringFromID(void* id, char* out);
 
     /// The thread's handle, not its identifier; -1 while it was not started.
     const uintptr_t& ThreadId() const { return mHandle; }
-    static unsigned long OSThreadId();   ///< the identifier of the calling thread, 32 bits
-    static ZAV_Thread* CurrentThread();  ///< the registered object of the calling thread, or null
+    static unsigned long OSThreadId();  ///< the identifier of the calling thread, 32 bits
+    static ZAV_Thread* CurrentThread(); ///< the registered object of the calling thread, or null
 
-    static void yield(const ZAV_Thread* ignored);  ///< lets other threads run
+    static void yield(const ZAV_Thread* ignored); ///< lets other threads run
     static boolean_t ThreadingAvailable() { return B_TRUE; }
-    ZAV_ThreadError SendSignalToThread(int) { return ZAV_ThreadError(0); }  ///< no effect
-    static void ThreadSignalHandler(int) {}                                 ///< no effect
+    ZAV_ThreadError SendSignalToThread(int) { return ZAV_ThreadError(0); } ///< no effect
+    static void ThreadSignalHandler(int) {}                                ///< no effect
 
 protected:
     /// Ends the calling thread, which must be this object's, at once, as StopThread does there. Otherwise
@@ -122,7 +124,7 @@ private:
     ZAV_ReadWriteLock mRunningLock;
     ZAV_ThreadFlag mFlag;
     ZAV_ThreadCleanup mCleanup;
-    ZAV_EXCEPTION_LINK* mLinkHead;  ///< of the chain of handler scopes on this thread
+    ZAV_EXCEPTION_LINK* mLinkHead; ///< of the chain of handler scopes on this thread
 };
 
 #endif

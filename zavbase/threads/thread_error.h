@@ -9,15 +9,16 @@ struct ZAV_ThreadErrorStrEntry {
     const char* text;
 };
 
-/// The result of every operation on threads. 0 is success and -1 means that there is no result yet. The library
-/// itself uses 22 (not allowed in this state), 36 (a thread waits for itself), 3 (no such thread) and 62 (the
-/// time ran out), with these numbers on every system; other numbers are the system's own, passed through.
+/// The result of every operation on threads. 0 is success and -1 means that there is no result yet. The
+/// library itself uses 22 (not allowed in this state), 36 (a thread waits for itself), 3 (no such thread) and
+/// 62 (the time ran out), with these numbers on every system; other numbers are the system's own, passed
+/// through.
 class ZAV_API ZAV_ThreadError {
 public:
     ZAV_ThreadError() : mCode(-1) {}
     ZAV_ThreadError(long code) : mCode(static_cast<int32_t>(code)) {}
 
-    bool operator!() const { return mCode == 0; }  ///< true on success
+    bool operator!() const { return mCode == 0; } ///< true on success
     operator long() const { return mCode; }
 
     /// The text of the first entry of the table whose code, as an unsigned number, is not below this one:
@@ -31,7 +32,7 @@ public:
     static ZAV_ThreadErrorStrEntry* SetStringTable(ZAV_ThreadErrorStrEntry* newTable);
     static const char* SetNoString(const char* text);
 
-    static ZAV_ThreadError MapOSError();  ///< the calling thread's errno
+    static ZAV_ThreadError MapOSError(); ///< the calling thread's errno
     static ZAV_ThreadError MapOSError(int code) { return ZAV_ThreadError(code); }
 
 private:

@@ -8,4 +8,4 @@ size_t SystemObjects() {
     return count;
 }
 
-const int kEffort = 1;  // a contended lock is a call of the kernel, and slow where that is emulated
+const int kEffort = 1; // a contended lock is a call of the kernel, and slow where that is emulated

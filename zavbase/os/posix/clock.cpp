@@ -20,7 +20,8 @@ void Sleep(uint32_t milliseconds) {
         return;
     }
     while (milliseconds == 0xFFFFFFFF) pause();
-    timespec left = {static_cast<time_t>(milliseconds / 1000), static_cast<long>(milliseconds % 1000) * 1000000};
+    timespec left = {static_cast<time_t>(milliseconds / 1000),
+                     static_cast<long>(milliseconds % 1000) * 1000000};
     while (clock_nanosleep(CLOCK_MONOTONIC, 0, &left, &left) == EINTR) {
     }
 }

@@ -27,8 +27,8 @@ timespec Deadline(uint32_t milliseconds) {
 
 bool FutexWait(const void* word, uint32_t value, const timespec* deadline) {
     const int saved = errno;
-    const bool inTime = syscall(SYS_futex, word, FUTEX_WAIT_BITSET | FUTEX_PRIVATE_FLAG, value, deadline, nullptr,
-                                FUTEX_BITSET_MATCH_ANY) == 0 ||
+    const bool inTime = syscall(SYS_futex, word, FUTEX_WAIT_BITSET | FUTEX_PRIVATE_FLAG, value, deadline,
+                                nullptr, FUTEX_BITSET_MATCH_ANY) == 0 ||
                         errno != ETIMEDOUT;
     errno = saved;
     return inTime;
@@ -54,7 +54,8 @@ bool TakeUnit(Word& semaphore, uintptr_t& state, bool slept) {
     while (state >= kUnit) {
         uintptr_t taken = state - kUnit;
         if (slept && taken < kUnit) taken |= kSleepers;
-        if (!semaphore.compare_exchange_weak(state, taken, std::memory_order_acquire, std::memory_order_relaxed))
+        if (!semaphore.compare_exchange_weak(state, taken, std::memory_order_acquire,
+                                             std::memory_order_relaxed))
             continue;
         if (slept && taken >= kUnit) FutexWake(&semaphore, 1);
         return true;
@@ -78,7 +79,8 @@ Wait SemaphoreWait(Word& semaphore, uint32_t milliseconds) {
     bool inTime = true;
     for (bool slept = false; !TakeUnit(semaphore, state, slept);) {
         if (!inTime) return Wait::TimedOut;
-        if (state == kSleepers || semaphore.compare_exchange_weak(state, kSleepers, std::memory_order_relaxed)) {
+        if (state == kSleepers ||
+            semaphore.compare_exchange_weak(state, kSleepers, std::memory_order_relaxed)) {
             inTime = FutexWait(&semaphore, kSleepers, milliseconds == kForever ? nullptr : &end);
             slept = true;
             state = semaphore.load(std::memory_order_relaxed);
@@ -91,8 +93,8 @@ void SemaphoreRelease(Word& semaphore, uint32_t units) {
     uintptr_t state = semaphore.load(std::memory_order_relaxed);
     do {
         if (state / kUnit + units > kMaxUnits) return;
-    } while (!semaphore.compare_exchange_weak(state, (state & ~kSleepers) + units * kUnit, std::memory_order_release,
-                                              std::memory_order_relaxed));
+    } while (!semaphore.compare_exchange_weak(state, (state & ~kSleepers) + units * kUnit,
+                                              std::memory_order_release, std::memory_order_relaxed));
     if (state & kSleepers) FutexWake(&semaphore, units);
 }
 
@@ -110,14 +112,14 @@ bool ReentrantEnter(const Reentrant& lock, bool tryOnly) {
 
 void ReentrantLeave(const Reentrant& lock) { SemaphoreRelease(lock.semaphore, 1); }
 
-// A read-write lock's word: flags in the lower half, the count of readers in the upper. The write mutex is the
-// first flag; a reader's instant in it is the one exchange that counts the reader. kOccupied is the event "no
-// readers", inverted: it follows the count only when that leaves or reaches 0.
+// A read-write lock's word: flags in the lower half, the count of readers in the upper. The write mutex is
+// the first flag; a reader's instant in it is the one exchange that counts the reader. kOccupied is the event
+// "no readers", inverted: it follows the count only when that leaves or reaches 0.
 namespace {
 
 constexpr uintptr_t kWriter = 1;
 constexpr uintptr_t kOccupied = 2;
-constexpr uintptr_t kWaiting = 4;  ///< threads may be asleep until one of the two above is cleared
+constexpr uintptr_t kWaiting = 4; ///< threads may be asleep until one of the two above is cleared
 constexpr uintptr_t kReader = uintptr_t(1) << 32;
 
 /// What a read-write lock notes about its writer; the section is the room for it. Only the writer writes it.
@@ -165,7 +167,9 @@ void Forget(Writer& writer) {
 
 /// Sleeps until the state that keeps the caller out may have changed, and reads it again.
 void Sleep(Word& word, uintptr_t& state) {
-    if (!(state & kWaiting) && !word.compare_exchange_weak(state, state | kWaiting, std::memory_order_relaxed)) return;
+    if (!(state & kWaiting) &&
+        !word.compare_exchange_weak(state, state | kWaiting, std::memory_order_relaxed))
+        return;
     FutexWait(&word, static_cast<uint32_t>(state | kWaiting), nullptr);
     state = word.load(std::memory_order_relaxed);
 }
@@ -173,7 +177,8 @@ void Sleep(Word& word, uintptr_t& state) {
 void FreeWriteSide(Writer& writer) {
     Word& word = *writer.word;
     Forget(writer);
-    if (word.fetch_and(~(kWriter | kWaiting), std::memory_order_release) & kWaiting) FutexWake(&word, INT_MAX);
+    if (word.fetch_and(~(kWriter | kWaiting), std::memory_order_release) & kWaiting)
+        FutexWake(&word, INT_MAX);
 }
 
 bool TakeWriteSide(const ReadWrite& lock, bool tryOnly) {
@@ -183,8 +188,9 @@ bool TakeWriteSide(const ReadWrite& lock, bool tryOnly) {
         return true;
     }
     uintptr_t state = lock.writeMutex.load(std::memory_order_relaxed);
-    while ((state & kWriter) || !lock.writeMutex.compare_exchange_weak(
-                                    state, state | kWriter, std::memory_order_acquire, std::memory_order_relaxed)) {
+    while ((state & kWriter) ||
+           !lock.writeMutex.compare_exchange_weak(state, state | kWriter, std::memory_order_acquire,
+                                                  std::memory_order_relaxed)) {
         if (!(state & kWriter)) continue;
         if (tryOnly) return false;
         Sleep(lock.writeMutex, state);
@@ -232,7 +238,8 @@ void ReadLeave(const ReadWrite& lock) {
     do {
         left = state - kReader;
         if (left < kReader) left &= ~(kOccupied | kWaiting);
-    } while (!lock.writeMutex.compare_exchange_weak(state, left, std::memory_order_release, std::memory_order_relaxed));
+    } while (!lock.writeMutex.compare_exchange_weak(state, left, std::memory_order_release,
+                                                    std::memory_order_relaxed));
     if (left < kReader && (state & kWaiting)) FutexWake(&lock.writeMutex, INT_MAX);
 }
 

@@ -15,7 +15,7 @@ namespace zav_os {
 namespace {
 
 constexpr uint32_t kEnded = 1;
-constexpr uint32_t kAwaited = 2;  ///< not ended, and threads may sleep on the word
+constexpr uint32_t kAwaited = 2; ///< not ended, and threads may sleep on the word
 
 /// What a handle points to; owned by the handle and by the thread.
 struct Thread {
@@ -24,7 +24,7 @@ struct Thread {
     pthread_t thread;
     std::atomic<uint32_t> id{0};
     std::atomic<uint32_t> state{0};
-    std::atomic<bool> joined{false};  ///< one of the waiters joins; the others wait for the state
+    std::atomic<bool> joined{false}; ///< one of the waiters joins; the others wait for the state
     std::atomic<int> owners{2};
     jmp_buf end;
 };
@@ -107,13 +107,14 @@ Wait ThreadWait(uintptr_t handle, uint32_t milliseconds) {
     }
     if (milliseconds == kForever && !thread->joined.exchange(true)) {
         if (pthread_join(thread->thread, nullptr) == 0) return Wait::Done;
-        thread->joined = false;  // two threads wait for each other: so be it, for ever
+        thread->joined = false; // two threads wait for each other: so be it, for ever
     }
     const timespec end = milliseconds == kForever ? timespec() : Deadline(milliseconds);
     for (uint32_t state = 0; !HasEnded(*thread); state = 0) {
         thread->state.compare_exchange_strong(state, kAwaited);
         if (state == kEnded) break;
-        if (!FutexWait(&thread->state, kAwaited, milliseconds == kForever ? nullptr : &end)) return Wait::TimedOut;
+        if (!FutexWait(&thread->state, kAwaited, milliseconds == kForever ? nullptr : &end))
+            return Wait::TimedOut;
     }
     return Wait::Done;
 }
@@ -128,7 +129,7 @@ void ThreadClose(uintptr_t handle) {
 }
 
 int WaitForAny(const uint32_t*, unsigned) {
-    errno = EINVAL;  // the system has no handles to wait for
+    errno = EINVAL; // the system has no handles to wait for
     return -1;
 }
 
@@ -139,7 +140,7 @@ bool IsCurrentThread(uintptr_t handle, uint32_t) { return self && self == Of(han
 uint32_t SetThreadPriority(uintptr_t handle, int priority) {
     const Thread* thread = Of(handle);
     if (!thread) return EINVAL;
-    if (HasEnded(*thread)) return ESRCH;  // its identifier may be another's now
+    if (HasEnded(*thread)) return ESRCH; // its identifier may be another's now
     return setpriority(PRIO_PROCESS, IdOf(*thread), -priority) == 0 ? 0 : static_cast<uint32_t>(errno);
 }
 

@@ -41,7 +41,7 @@ uintptr_t ThreadStart(void (*entry)(void*), void* argument, unsigned stackSize, 
 
 void ThreadExit() {
     _endthreadex(0);
-    for (;;) {  // not reached; the function is not declared so
+    for (;;) { // not reached; the function is not declared so
     }
 }
 
