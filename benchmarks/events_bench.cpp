@@ -86,7 +86,7 @@ void PostZav(benchmark::State& state)
     }
     state.SetItemsProcessed(state.iterations() * kEvents);
 }
-BENCHMARK(PostZav)->Name("Post/zav/producers")->Arg(1)->Arg(4)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(PostZav)->Name("Post/zav/producers")->Arg(1)->Arg(4)->UseRealTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 
 // Fills and drains on one thread, with priorities 0 to range - 1 at random.
 std::vector<long> Priorities(long range)
@@ -176,7 +176,7 @@ std::vector<unsigned> DueTimes()
 {
     std::mt19937 random(2);
     std::vector<unsigned> due(kTimers);
-    for (unsigned& ms : due) ms = kFirstDue + random() % kDueRange;
+    for (unsigned& ms : due) ms = kFirstDue + static_cast<unsigned>(random()) % kDueRange;
     return due;
 }
 
@@ -297,7 +297,7 @@ void PostAsio(benchmark::State& state)
     }
     state.SetItemsProcessed(state.iterations() * kEvents);
 }
-BENCHMARK(PostAsio)->Name("Post/asio/producers")->Arg(1)->Arg(4)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(PostAsio)->Name("Post/asio/producers")->Arg(1)->Arg(4)->UseRealTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 #endif
 
 #ifdef HAVE_QT
@@ -336,7 +336,7 @@ void PostQt(benchmark::State& state)
     }
     state.SetItemsProcessed(state.iterations() * kEvents);
 }
-BENCHMARK(PostQt)->Name("Post/qt/producers")->Arg(1)->Arg(4)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(PostQt)->Name("Post/qt/producers")->Arg(1)->Arg(4)->UseRealTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 #endif
 
 } // namespace

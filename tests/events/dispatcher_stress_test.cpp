@@ -140,7 +140,7 @@ TEST(DispatcherStress, ADispatcherMayGoWhileOthersPost)
     const int events = ZAV_Event::instance_counter;
     Account account;
     int made = 0;
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 60; ++round) {
         auto dispatcher = std::make_unique<ZAV_EvDispatcher>();
         const ZAV_EvHandlerRef handler(new ZAV_EvHandlerBody);
         dispatcher->AddEvHandler(handler);

@@ -88,9 +88,14 @@ void ZAV_EvDispatcher::AddEvHandler(const ZAV_EvHandlerRef& handler)
     mHandlers.Add(entry.release());
 }
 
+void ZAV_EvDispatcher::RemoveEvHandler(const ZAV_EvHandlerRef& handler)
+{
+    RemoveHandler(handler.GetBody());
+}
+
 // The entry is destroyed outside the lock: it may be the last reference, and the handler's destructor is the
 // host's.
-void ZAV_EvDispatcher::RemoveEvHandler(const ZAV_EvHandlerRef& handler)
+void ZAV_EvDispatcher::RemoveHandler(ZAV_EvHandlerBody* handler)
 {
     std::unique_ptr<ZAV_Link> entry;
     bool lastWhenStopping = false;
@@ -199,11 +204,10 @@ void ZAV_EvDispatcher::Dispatch(ZAV_EvDispatcherControl control)
 void ZAV_EvDispatcher::DispatchBatch()
 {
     ZAV_EvPort& port = Port();
-    std::size_t rest = port.Drain();
+    std::uint32_t rest = port.Length();
     do {
         PollListeners();
-        const std::size_t length = port.Drain();
-        if (length < rest) rest = length;
+        if (!port.HasAtLeast(rest)) rest = port.Length();
         if (rest == 0) return;
         ZAV_Event* event = port.Take();
         if (event->mPriority < 1) --rest;
@@ -231,13 +235,23 @@ void ZAV_EvDispatcher::PollListeners()
     }
 }
 
+// The count on the handler that was the event's.
+struct ZAV_EvDispatcher::HeldHandler {
+    explicit HeldHandler(ZAV_EvHandlerBody* counted) : body(counted) {}
+    ~HeldHandler() { body->LetGo(); }
+    HeldHandler(const HeldHandler&) = delete;
+    HeldHandler& operator=(const HeldHandler&) = delete;
+
+    ZAV_EvHandlerBody* const body;
+};
+
 namespace {
 
 // Destroys an event that was handled, whatever way the handler was left, unless the handler kept it. A
 // destination means that it was queued again without being kept: it is the queue's then.
 class HandledEvent {
 public:
-    explicit HandledEvent(ZAV_Event* event, ZAV_EvHandlerRef* const& destination)
+    HandledEvent(ZAV_Event* event, ZAV_EvHandlerBody* const& destination)
         : mEvent(event), mDestination(destination)
     {
     }
@@ -253,27 +267,27 @@ public:
 
 private:
     ZAV_Event* mEvent;
-    ZAV_EvHandlerRef* const& mDestination;
+    ZAV_EvHandlerBody* const& mDestination;
 };
 
 } // namespace
 
 void ZAV_EvDispatcher::DispatchEvent(ZAV_Event* event)
 {
-    std::unique_ptr<ZAV_EvHandlerRef> handler(event->RemoveDestination());
+    const HeldHandler handler(event->TakeDestination());
     HandledEvent handled(event, event->mDestination);
     int flags = 0;
     {
         ZAV_EXCEPTION_LINK link;
         try {
-            flags = HandOver(event, handler->GetBody());
+            flags = HandOver(event, handler.body);
         } catch (ZAV_Exception* e) {
             link.mException = e;
             ZAV_TraceCaught("DispatchEvent caught exception :", e);
         }
     }
     if ((flags & 1) != 0) handled.Keep();
-    if ((flags & 2) != 0) RemoveEvHandler(*handler);
+    if ((flags & 2) != 0) RemoveHandler(handler.body);
 }
 
 int ZAV_EvDispatcher::HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler)
@@ -288,7 +302,7 @@ int ZAV_EvDispatcher::HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler)
 bool ZAV_EvDispatcher::EndOrSleep()
 {
     ZAV_EvPort& port = Port();
-    if (mStopping == 0 && port.Drain() != 0) return false;
+    if (mStopping == 0 && port.Length() != 0) return false;
     unsigned seenChanges;
     {
         ZAV_MutexSignaller::Lock lock(mSignaller);
@@ -344,7 +358,7 @@ void ZAV_EvDispatcher::Finish()
 void ZAV_EvDispatcher::Cleanup()
 {
     ZAV_EvPort& port = Port();
-    while (port.Drain() != 0) ZAV_EvPort::Discard(port.Take());
+    while (ZAV_Event* event = port.Take()) ZAV_EvPort::Discard(event);
 }
 
 void ZAV_EvDispatcher::SetEventTracer(EventTracerFn fn)

@@ -95,6 +95,8 @@ private:
     ZAV_EvPort& Port() const;
     void TraceEvent(const char* text, ZAV_Event* event, ZAV_EvHandlerBody* handler);
     void DispatchBatch();
+    struct HeldHandler;
+    void RemoveHandler(ZAV_EvHandlerBody* handler);
     int HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler);
     void PollListeners();
     bool HasHandlers();

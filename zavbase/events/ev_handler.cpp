@@ -130,9 +130,20 @@ void ZAV_EvHandlerBody::Detach()
         current->active.store(false, std::memory_order_release);
 }
 
+// What a reference does, for events: they would need one each.
+void ZAV_EvHandlerBody::Hold()
+{
+    mRefCount.fetch_add(1, std::memory_order_relaxed);
+}
+
+void ZAV_EvHandlerBody::LetGo()
+{
+    if (mRefCount.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+}
+
 ZAV_EvHandlerRef::ZAV_EvHandlerRef(ZAV_EvHandlerBody* body) : ZAV_Ref(body) {}
 
-ZAV_EvHandlerRef::ZAV_EvHandlerRef(const ZAV_EvHandlerRef& other) : ZAV_Ref(other), ZAV_Pooled() {}
+ZAV_EvHandlerRef::ZAV_EvHandlerRef(const ZAV_EvHandlerRef& other) : ZAV_Ref(other) {}
 
 ZAV_EvHandlerRef::~ZAV_EvHandlerRef() {}
 

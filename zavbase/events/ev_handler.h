@@ -3,7 +3,6 @@
 
 #include <atomic>
 
-#include <zavbase/foundation/pooled.h>
 #include <zavbase/foundation/ref.h>
 
 class ZAV_Event;
@@ -54,6 +53,8 @@ protected:
     virtual int HandleEvent(ZAV_Event* event);
 
     friend class ZAV_EvDispatcher;
+    friend class ZAV_EvPort;
+    friend class ZAV_Event;
 
     /// The dispatcher's port, which outlives it; null until first registered.
     std::atomic<ZAV_EvRegistration*> mDispatcher;
@@ -61,10 +62,12 @@ protected:
 private:
     void Attach(ZAV_EvPort* port);
     void Detach();
+    void Hold();
+    void LetGo();
 };
 
 /// A counted reference to a handler. It always refers to one: there is no default constructor.
-class ZAV_API ZAV_EvHandlerRef : public ZAV_Ref, public ZAV_Pooled {
+class ZAV_API ZAV_EvHandlerRef : public ZAV_Ref {
     ZAV_DECLARE_CLASS(ZAV_EvHandlerRef)
 public:
     ZAV_EvHandlerRef(ZAV_EvHandlerBody* body);

@@ -6,6 +6,7 @@
 
 #include <zavbase/collections/link.h>
 #include <zavbase/events/event_queue_internal.h>
+#include <zavbase/events/spin_lock_internal.h>
 #include <zavbase/threads/mutex.h>
 
 class ZAV_Event;
@@ -16,10 +17,9 @@ class ZAV_EvHandlerBody;
 /// handler that was ever registered with it hold a count, so a handler may be used on any thread while the
 /// dispatcher is destroyed: the port is then closed and takes nothing more.
 ///
-/// Any thread posts, by one exchange of the inbox's head; the dispatching thread takes the whole inbox at a
-/// time, sorts it into its queue by priority, and works from there without a lock. It looks into the inbox
-/// before every event, so an event is taken exactly in the order that one locked list would give. The head
-/// also says when the dispatcher sleeps: who replaces that mark wakes it.
+/// Any thread posts, under the lock. The dispatching thread takes all events of the highest priority at a time
+/// and works through them without the lock; before each it looks whether one of a higher priority was posted
+/// meanwhile, and then puts the rest back. So the order is exactly that of one locked list.
 class ZAV_EvPort : public ZAV_Link {
 public:
     explicit ZAV_EvPort(ZAV_EvDispatcher* owner);  ///< counted once, for the owner
@@ -27,19 +27,21 @@ public:
     void Release();
 
     /// Addresses the event to the handler and posts it; when closed, discards it. Afterwards the event, its
-    /// handler and even the port may be gone unless the caller holds them.
+    /// handler and even the port may be gone unless the caller holds them. When memory runs out it throws and
+    /// the event stays the caller's.
     void Send(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority);
     /// Destroys an event that will not be handled, after its EmergencyCleanup.
     static void Discard(ZAV_Event* event);
-    bool IsClosed() const { return mInbox.load(std::memory_order_acquire) == kClosed; }
+    bool IsClosed() const { return mClosed.load(std::memory_order_acquire); }
 
-    std::uint32_t Length() const;
-    std::uint32_t HighWater() const;
+    std::uint32_t Length() const { return mPosted.load(std::memory_order_relaxed) + AtHand(); }
+    std::uint32_t HighWater() const { return mHighWater.load(std::memory_order_relaxed); }
 
     /// For the dispatching thread only.
-    std::size_t Drain();  ///< fetches what was posted; the number of events now at hand
-    ZAV_Event* Take();    ///< the first of the events at hand, or null
-    /// False, and nothing happens, when events are there. In the other case posts wake the owner.
+    ZAV_Event* Take();  ///< the first event, or null
+    /// Whether at least so many events are there. Does not look at what others write if it can do without.
+    bool HasAtLeast(std::uint32_t count) const { return AtHand() >= count || Length() >= count; }
+    /// False, and nothing happens, when events are there. In the other case the next post wakes the owner.
     bool BeginSleep();
     void EndSleep();
 
@@ -60,29 +62,30 @@ public:
     Walk* mWalks = nullptr;
 
 private:
-    typedef std::uintptr_t Head;
-    static const Head kEmpty = 0;
-    static const Head kSleeping = 1;
-    static const Head kClosed = 2;
+    static const std::int64_t kNothing = INT64_MIN;
 
     ~ZAV_EvPort() override;
     bool Post(ZAV_Event* event);
     void WakeOwner();
-    void FetchInbox(Head mark);
-    void NoteLength();
+    void Fetch();
+    void NotePosted();
+    std::uint32_t AtHand() const { return mAtHand.load(std::memory_order_relaxed); }
 
     std::atomic<int> mUsers{1};
-    std::atomic<std::uint32_t> mPosted{0};
-    std::atomic<Head> mInbox{kEmpty};  // or the last event posted, linked to the one before
-    char mApart[64];                   // producers and the consumer write to different cache lines
-
-    ZAV_Event* mArrived = nullptr;  // fetched and in the order of posting, not sorted in yet
-    ZAV_EventQueue mQueue;
-    std::atomic<std::uint32_t> mTaken{0};
-    std::atomic<std::uint32_t> mHighWater{0};
-
     ZAV_Mutex mOwnerLock;
     ZAV_EvDispatcher* mOwner;
+
+    // What the dispatching thread writes for every event lies apart from what producers write; what it reads
+    // for every event changes only when the highest priority does.
+    alignas(64) ZAV_EventQueue::Chain mCurrent;  // taken out and not yet handled
+    std::atomic<std::uint32_t> mAtHand{0};       // its count
+    alignas(64) std::atomic<std::int64_t> mHighest{kNothing};  // the highest priority posted
+    std::atomic<bool> mClosed{false};
+    alignas(64) ZAV_SpinLock mLock;  // of all that follows; who waits for it leaves that alone
+    alignas(64) bool mSleeping = false;
+    std::atomic<std::uint32_t> mPosted{0};
+    std::atomic<std::uint32_t> mHighWater{0};
+    ZAV_EventQueue mQueue;
 };
 
 /// A handler's tie to a port. A handler keeps those it ever had until it is destroyed, so that another thread

@@ -22,7 +22,7 @@ void TypeText(long type, char* text)
 
 } // namespace
 
-int ZAV_Event::instance_counter = 0;
+alignas(64) int ZAV_Event::instance_counter = 0;
 
 ZAV_Event::ZAV_Event(long type) : mDestination(nullptr), mType(static_cast<zav_long32>(type)), mPriority(0)
 {
@@ -43,7 +43,7 @@ ZAV_Event& ZAV_Event::operator=(const ZAV_Event& other)
 
 ZAV_Event::~ZAV_Event()
 {
-    delete mDestination;
+    if (mDestination != nullptr) mDestination->LetGo();
     ZAV_CountLive(instance_counter, -1);
 }
 
@@ -65,21 +65,32 @@ void ZAV_Event::PrintOn(std::ostream& os)
 
 void ZAV_Event::EmergencyCleanup() {}
 
-// The new reference is made first: the old one may be the last on the same handler.
+// The new handler is counted before the old one is let go: the event's may be the last reference to it.
 void ZAV_Event::SetDestination(ZAV_EvHandlerBody* handler, long priority)
 {
-    ZAV_EvHandlerRef* old = mDestination;
-    mDestination = new ZAV_EvHandlerRef(handler);
     mPriority = static_cast<zav_long32>(priority);
-    delete old;
+    if (handler == mDestination) return;
+    ZAV_EvHandlerBody* old = mDestination;
+    handler->Hold();
+    mDestination = handler;
+    if (old != nullptr) old->LetGo();
+}
+
+// The count that the event held is the caller's now.
+ZAV_EvHandlerBody* ZAV_Event::TakeDestination()
+{
+    ZAV_EvHandlerBody* handler = mDestination;
+    mDestination = nullptr;
+    mPriority = 0;
+    return handler;
 }
 
 ZAV_EvHandlerRef* ZAV_Event::RemoveDestination()
 {
-    ZAV_EvHandlerRef* destination = mDestination;
-    mDestination = nullptr;
-    mPriority = 0;
-    return destination;
+    if (mDestination == nullptr) return nullptr;
+    ZAV_EvHandlerRef* reference = new ZAV_EvHandlerRef(mDestination);
+    TakeDestination()->LetGo();
+    return reference;
 }
 
 ZAV_EventStart::ZAV_EventStart() : ZAV_Event(kTypeStart) {}

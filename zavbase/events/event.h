@@ -37,9 +37,10 @@ public:
     virtual void EmergencyCleanup();
 
 protected:
-    /// Makes the event refer to the handler, with a counted reference, and stores the priority.
+    /// Makes the event refer to the handler, which it then keeps alive, and stores the priority.
     void SetDestination(ZAV_EvHandlerBody* handler, long priority);
-    /// Gives the reference to the caller, who deletes it; the priority becomes 0. Null when not queued.
+    /// Gives the caller a reference in place of the event's own, to delete; the priority becomes 0. Null when
+    /// the event is not queued.
     ZAV_EvHandlerRef* RemoveDestination();
 
     friend class ZAV_EvDispatcher;
@@ -47,9 +48,12 @@ protected:
     friend class ZAV_EventQueue;
     friend class ZAV_TimerMgr;
 
-    ZAV_EvHandlerRef* mDestination;
+    ZAV_EvHandlerBody* mDestination;  ///< counted like by a reference; null when not queued
     zav_long32 mType;
     zav_long32 mPriority;
+
+private:
+    ZAV_EvHandlerBody* TakeDestination();
 };
 
 /// Asks a handler to begin its work; the library gives it no other meaning. Type "Strt".

@@ -13,44 +13,51 @@ class ZAV_Event;
 /// event costs the same however many are pending, and only a priority that comes into or goes out of use costs
 /// the logarithm of the number of priorities in use.
 ///
-/// Does not own the events, and is used by one thread at a time.
+/// Events come out a bucket at a time; what is left of one can be put back. Does not own the events, and is
+/// used by one thread at a time. Push and PutBack throw, and change nothing, when memory runs out.
 class ZAV_EventQueue {
 public:
+    /// Events of one priority, linked in their order.
+    struct Chain {
+        ZAV_Event* first = nullptr;
+        ZAV_Event* last = nullptr;
+        std::uint32_t count = 0;
+        std::int32_t priority = 0;
+
+        ZAV_Event* TakeFirst();  ///< null when empty
+    };
+
     ZAV_EventQueue() = default;
     ZAV_EventQueue(const ZAV_EventQueue&) = delete;
     ZAV_EventQueue& operator=(const ZAV_EventQueue&) = delete;
 
-    /// Puts the event in by its own priority. When memory runs out it throws and the event is not in.
-    void Push(ZAV_Event* event);
-    /// Takes the first event out; null when empty.
-    ZAV_Event* Pop();
+    void Push(ZAV_Event* event);    ///< by its own priority
+    Chain TakeHighest();            ///< the whole bucket of the highest priority; an empty chain if there is none
+    void PutBack(Chain& chain);     ///< before all others of its priority; leaves an empty chain
 
-    std::size_t Length() const { return mLength; }
+    std::uint32_t Length() const { return mLength; }
+    bool IsEmpty() const { return mHeap.empty(); }
+    std::int32_t HighestPriority() const { return mHeap.front().priority; }  ///< not when empty
 
 private:
-    struct Bucket {
-        std::int32_t priority;
-        ZAV_Event* first;  // null: not in the heap
-        ZAV_Event* last;
-    };
     struct HeapEntry {
         std::int32_t priority;
         std::uint32_t bucket;
         bool operator<(const HeapEntry& other) const { return priority < other.priority; }
     };
 
-    std::uint32_t BucketFor(std::int32_t priority);
+    Chain& Bucket(std::int32_t priority);
+    std::uint32_t BucketNumber(std::int32_t priority);
     std::uint32_t* Slot(std::int32_t priority);
     void Rehash(std::size_t slots);
     void FillSlots();
     void ForgetEmptyBuckets();
-    void ForgetBuckets();
 
-    std::vector<Bucket> mBuckets;
+    std::vector<Chain> mBuckets;        // those that hold events and some that did
     std::vector<std::uint32_t> mSlots;  // open addressing; bucket number + 1, or 0
     std::vector<HeapEntry> mHeap;       // the buckets that hold events, highest priority on top
     std::uint32_t mLastUsed = 0;
-    std::size_t mLength = 0;
+    std::uint32_t mLength = 0;
 };
 
 #endif

@@ -260,7 +260,7 @@ bool ZAV_TimerMgr::FireOne()
 void ZAV_TimerMgr::QueueTimer(ZAV_EventTimer* timer)
 {
     std::unique_ptr<ZAV_EventTimer> owned(timer);
-    const ZAV_EvHandlerRef handler(*timer->mDestination);
+    const ZAV_EvHandlerRef handler(timer->mDestination);
     ZAV_EXCEPTION_LINK link;
     try {
         const bool taken = handler->QueueEvent(timer, timer->mPriority) >= 0;

@@ -1,80 +1,81 @@
 #include <zavbase/foundation/pooled.h>
 
+#include <bit>
 #include <mutex>
+#include <utility>
 
-// Each thread has two magazines a size class: lists of free blocks. It takes from and gives to the current one;
+// Each thread has two magazines a size class: arrays of free blocks. It takes from and gives to the current one;
 // when that runs empty or full the spare steps in, and only when the spare cannot does a whole magazine go from
 // or to the depot, under its lock. So blocks that travel from a producing to a consuming thread come back 64 at
-// a time.
+// a time. Free blocks themselves are not written to: most have left the processor's cache.
 namespace {
 
-const std::size_t kGrain = 16;
-const std::size_t kClasses = 8;
+// Sizes are powers of two, so that no block lies across more cache lines than it must.
+const std::size_t kSmallest = 32, kLargest = 128;
+const std::size_t kClasses = 3;
+const std::size_t kCacheLine = 64;
 const unsigned kMagazineSize = 64;
+const unsigned kAhead = 3;  // blocks that the processor is told of before they are needed
 
-struct Block {
-    Block* next;
-    Block* nextMagazine;  // in the first block of a magazine that lies in the depot
-};
+std::size_t ClassOf(std::size_t size)
+{
+    return static_cast<std::size_t>(std::bit_width((size - 1) / kSmallest));
+}
 
 struct Magazine {
-    Block* first = nullptr;
-    unsigned count = 0;
-
-    void Push(Block* block)
-    {
-        block->next = first;
-        first = block;
-        ++count;
-    }
-    Block* Pop()
-    {
-        Block* block = first;
-        first = block->next;
-        --count;
-        return block;
-    }
+    Magazine* next;
+    unsigned count;
+    void* blocks[kMagazineSize];
 };
 
 struct Depot {
     std::mutex lock;
-    Block* magazines = nullptr;  // full ones
-    Magazine loose;              // what ending threads left over
+    Magazine* filled = nullptr;  // most of them full; those of ended threads may be less so
+    Magazine* empty = nullptr;
 };
 
 struct ThreadCache {
-    Magazine current[kClasses];
-    Magazine spare[kClasses];
-    bool janitorCalled = false;
-    bool ended = false;  // the thread's janitor has run: nothing may be left here any more
+    Magazine* current[kClasses];
+    Magazine* spare[kClasses];
+    bool janitorCalled;
+    bool ended;  // the thread's janitor has run: nothing may be left here any more
 };
 
 constinit Depot theDepots[kClasses];
-thread_local constinit ThreadCache tCache;
+thread_local constinit ThreadCache tCache = {};
 
-void PutMagazine(std::size_t c, Magazine& magazine)
+void Put(Magazine*& list, Magazine* magazine)
 {
-    std::lock_guard<std::mutex> guard(theDepots[c].lock);
-    magazine.first->nextMagazine = theDepots[c].magazines;
-    theDepots[c].magazines = magazine.first;
-    magazine = Magazine();
+    magazine->next = list;
+    list = magazine;
 }
 
-void PutLoose(std::size_t c, Magazine& magazine)
+Magazine* Take(Magazine*& list)
 {
-    std::lock_guard<std::mutex> guard(theDepots[c].lock);
-    while (magazine.count != 0) theDepots[c].loose.Push(magazine.Pop());
+    Magazine* magazine = list;
+    if (magazine != nullptr) list = magazine->next;
+    return magazine;
 }
 
-// Gives what an ending thread holds back. Blocks freed later, by destructors of other thread-local objects, go
-// straight to the depot.
+// Takes a magazine of the thread's away; it may be none.
+void GiveBack(std::size_t c, Magazine*& magazine)
+{
+    if (magazine == nullptr) return;
+    Depot& depot = theDepots[c];
+    std::lock_guard<std::mutex> guard(depot.lock);
+    Put(magazine->count != 0 ? depot.filled : depot.empty, magazine);
+    magazine = nullptr;
+}
+
+// Gives what an ending thread holds back. Blocks that destructors of other thread-local objects use later do
+// not stay with the thread.
 struct Janitor {
     ~Janitor()
     {
         tCache.ended = true;
         for (std::size_t c = 0; c < kClasses; ++c) {
-            PutLoose(c, tCache.current[c]);
-            PutLoose(c, tCache.spare[c]);
+            GiveBack(c, tCache.current[c]);
+            GiveBack(c, tCache.spare[c]);
         }
     }
     void Attend() { tCache.janitorCalled = true; }
@@ -87,59 +88,64 @@ void CallJanitor()
     janitor.Attend();
 }
 
-Magazine NewMagazine(std::size_t c)
+Magazine* TakeEmpty(std::size_t c)
 {
-    const std::size_t size = (c + 1) * kGrain;
-    char* chunk = static_cast<char*>(::operator new(size * kMagazineSize));
-    Magazine magazine;
-    for (std::size_t i = kMagazineSize; i-- > 0;) magazine.Push(reinterpret_cast<Block*>(chunk + i * size));
+    {
+        std::lock_guard<std::mutex> guard(theDepots[c].lock);
+        if (Magazine* magazine = Take(theDepots[c].empty)) return magazine;
+    }
+    Magazine* magazine = new Magazine;
+    magazine->count = 0;
     return magazine;
 }
 
-Magazine TakeMagazine(std::size_t c)
+void Fill(std::size_t c, Magazine* magazine)
 {
-    Magazine magazine;
-    {
-        std::lock_guard<std::mutex> guard(theDepots[c].lock);
-        if (Block* first = theDepots[c].magazines) {
-            theDepots[c].magazines = first->nextMagazine;
-            magazine.first = first;
-            magazine.count = kMagazineSize;
-            return magazine;
-        }
-        while (magazine.count < kMagazineSize && theDepots[c].loose.count != 0)
-            magazine.Push(theDepots[c].loose.Pop());
-    }
-    return magazine.count != 0 ? magazine : NewMagazine(c);
+    const std::size_t size = kSmallest << c;
+    char* chunk = static_cast<char*>(::operator new(size * kMagazineSize, std::align_val_t(kCacheLine)));
+    for (std::size_t i = kMagazineSize; i-- > 0;) magazine->blocks[magazine->count++] = chunk + i * size;
+}
+
+Magazine* TakeFilled(std::size_t c)
+{
+    std::lock_guard<std::mutex> guard(theDepots[c].lock);
+    return Take(theDepots[c].filled);
 }
 
 void* AllocateSlow(std::size_t c)
 {
     ThreadCache& cache = tCache;
     if (!cache.janitorCalled) CallJanitor();
-    Magazine& current = cache.current[c];
-    if (cache.spare[c].count != 0) {
-        current = cache.spare[c];
-        cache.spare[c] = Magazine();
-    } else {
-        current = TakeMagazine(c);
+    std::swap(cache.current[c], cache.spare[c]);
+    Magazine*& current = cache.current[c];
+    if (current == nullptr || current->count == 0) {
+        if (Magazine* filled = TakeFilled(c)) {
+            GiveBack(c, current);
+            current = filled;
+        } else {
+            if (current == nullptr) current = TakeEmpty(c);
+            Fill(c, current);
+        }
     }
-    Block* block = current.Pop();
-    if (cache.ended) PutLoose(c, current);
+    void* block = current->blocks[--current->count];
+    if (cache.ended) GiveBack(c, current);
     return block;
 }
 
-void ReleaseSlow(std::size_t c, Block* block)
-{
+// When there is no memory for another magazine, the block is not used again.
+void ReleaseSlow(std::size_t c, void* block) noexcept
+try {
     ThreadCache& cache = tCache;
     if (!cache.janitorCalled) CallJanitor();
-    if (cache.current[c].count == kMagazineSize) {
-        if (cache.spare[c].count != 0) PutMagazine(c, cache.spare[c]);
-        cache.spare[c] = cache.current[c];
-        cache.current[c] = Magazine();
+    std::swap(cache.current[c], cache.spare[c]);
+    Magazine*& current = cache.current[c];
+    if (current == nullptr || current->count == kMagazineSize) {
+        GiveBack(c, current);
+        current = TakeEmpty(c);
     }
-    cache.current[c].Push(block);
-    if (cache.ended) PutLoose(c, cache.current[c]);
+    current->blocks[current->count++] = block;
+    if (cache.ended) GiveBack(c, current);
+} catch (...) {
 }
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -152,19 +158,23 @@ const bool kPooled = true;
 
 void* ZAV_Pooled::operator new(std::size_t size)
 {
-    const std::size_t c = (size - 1) / kGrain;
-    if (!kPooled || c >= kClasses) return ::operator new(size);
-    Magazine& current = tCache.current[c];
-    return current.count != 0 ? current.Pop() : AllocateSlow(c);
+    if (!kPooled || size > kLargest) return ::operator new(size);
+    const std::size_t c = ClassOf(size);
+    Magazine* current = tCache.current[c];
+    if (current == nullptr || current->count == 0) return AllocateSlow(c);
+    const unsigned rest = --current->count;
+    if (rest >= kAhead) __builtin_prefetch(current->blocks[rest - kAhead], 1);
+    return current->blocks[rest];
 }
 
 void ZAV_Pooled::operator delete(void* block, std::size_t size) noexcept
 {
     if (block == nullptr) return;
-    const std::size_t c = (size - 1) / kGrain;
-    if (!kPooled || c >= kClasses) return ::operator delete(block);
-    ThreadCache& cache = tCache;
-    if (cache.current[c].count == kMagazineSize || cache.current[c].count == 0)
-        return ReleaseSlow(c, static_cast<Block*>(block));
-    cache.current[c].Push(static_cast<Block*>(block));
+    if (!kPooled || size > kLargest) return ::operator delete(block);
+    const std::size_t c = ClassOf(size);
+    Magazine* current = tCache.current[c];
+    if (current != nullptr && current->count != kMagazineSize)
+        current->blocks[current->count++] = block;
+    else
+        ReleaseSlow(c, block);
 }
