@@ -158,6 +158,11 @@ TEST(ValueDict, CaseIsIgnoredWhereTheDictionarySaysSo) {
     EXPECT_NE(nullptr, ZAV_UValDict(dict).GetUVal("SUB:Inner"));
     dict.SetUVal("Width", Number(3));
     EXPECT_EQ("width=3 sub{Inner=2}", Show(dict));
+    ZAV_UValDict both;
+    Fill(both, "a=1 A=2");
+    dict.Clear();
+    both.CopyTo(&dict);
+    EXPECT_EQ("a=2", Show(dict));
 }
 
 /// Against a plain list: keys that collide in the table, with all the ways to change and to look.

@@ -90,9 +90,7 @@ void ZAV_ConfigInit(const ZAV_SystemString& file) {
     if (!theConfig) theConfig = new (std::nothrow) ZAV_UValDict(16);
     if (!theConfig) ZAV_ThrowMemoryException();
     try {
-        ZAV_UValDict read(16);
-        read.ReadFile(file);
-        read.MoveTo(theConfig);
+        theConfig->ReadFile(file);
     } catch (ZAV_Exception* e) {
         ZAV_BASE_TRACE(0x04, "ERROR ZAV_ConfigInit(" << file << ") :" << *e);
         throw;

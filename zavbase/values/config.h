@@ -3,11 +3,8 @@
 
 #include <cstddef>
 
-#include <zavbase/foundation/types.h>
+#include <zavbase/strings/system_string.h>
 
-class ZAV_String;
-class ZAV_SystemString;
-class ZAV_UTFString;
 class ZAV_UVal;
 class ZAV_UValDict;
 

@@ -67,6 +67,11 @@ private:
     int32_t mSize;
 };
 
+inline boolean_t operator==(const char* text, const ZAV_DictPath& path) { return path == text; }
+inline boolean_t operator==(const ZAV_String& text, const ZAV_DictPath& path) { return path == text; }
+inline boolean_t operator!=(const char* text, const ZAV_DictPath& path) { return path != text; }
+inline boolean_t operator!=(const ZAV_String& text, const ZAV_DictPath& path) { return path != text; }
+
 ZAV_API std::ostream& operator<<(std::ostream& os, const ZAV_DictPath& path);
 
 #endif

@@ -4,8 +4,7 @@
 #include <cstddef>
 
 #include <zavbase/collections/set.h>
-#include <zavbase/strings/byte_string.h>
-#include <zavbase/strings/utf_string.h>
+#include <zavbase/strings/system_string.h>
 #include <zavbase/values/assoc_uval.h>
 #include <zavbase/values/dict_path.h>
 #include <zavbase/values/uval.h>

@@ -33,7 +33,7 @@ struct ZAV_LOCAL ZAV_UValDict::MergeLevel {
 /// Moves what `from` holds into `to`, which does not lie inside `from`. `from` may lie inside `to` and be
 /// replaced on the way: what is replaced is deleted only at the end, hung on the entries that were moved.
 void ZAV_UValDict::Merge(ZAV_UValDict& from, ZAV_UValDict& to) {
-    if (!to.mFirst) {
+    if (!to.mFirst && !to.mCaseInsensitive) {
         from.MoveAllInto(to);
         return;
     }
@@ -64,7 +64,7 @@ void ZAV_UValDict::Merge(ZAV_UValDict& from, ZAV_UValDict& to) {
     DestroyEntries(replaced);
 }
 
-/// Merging into an empty dictionary: no lookups, and the table is emptied at once.
+/// Merging into an empty dictionary in which case counts: no lookups, and the table is emptied at once.
 void ZAV_UValDict::MoveAllInto(ZAV_UValDict& empty) {
     ZAV_AssocUVal* chain = TakeAll();
     while (chain) {
