@@ -27,19 +27,29 @@
 
 namespace {
 
-constexpr int SECTIONS = 2000, GROUPS = 10, VALUES = 70;
+constexpr int SECTIONS = 2000, GROUPS = 10;
+
+// The names of a group's 70 values, as an instrument has them.
+std::vector<std::string> Names() {
+    std::vector<std::string> names;
+    for (const char* part : {"shutter", "slit", "grating", "lamp", "detector", "stage_x", "stage_y", "pump", "valve", "cell"})
+        for (const char* what : {"speed", "position", "limit", "delay_ms", "gain", "name", "comment"})
+            names.push_back(std::string(part) + "_" + what);
+    return names;
+}
 
 // Calls `put` for every value of the data, as section, group, key, and either a number, a real or a text.
 template <class Open, class Close, class Number, class Real, class Text>
 void Generate(Open open, Close close, Number number, Real real, Text text) {
+    const std::vector<std::string> names = Names();
     unsigned state = 1;
     for (int s = 0; s < SECTIONS; ++s) {
         open("section" + std::to_string(s));
         for (int g = 0; g < GROUPS; ++g) {
             open("group" + std::to_string(g));
-            for (int v = 0; v < VALUES; ++v) {
+            for (size_t v = 0; v < names.size(); ++v) {
                 state = state * 1664525 + 1013904223;
-                std::string key = "variable_" + std::to_string(v);
+                const std::string& key = names[v];
                 if (v % 7 < 4) number(key, static_cast<int>(state >> 4) % 2000000 - 1000000);
                 else if (v % 7 < 5) real(key, static_cast<double>(state % 1000000) / 64.0);
                 else text(key, "a text of some words " + std::to_string(state % 1000));

@@ -145,7 +145,7 @@ TEST(BinPack, RefusesWrongBytes) {
         Bytes("\3\6\0\4\xff\xff\xff\xff", 8),                    // a negative dimension
         Bytes("\3\6\0\4\2\0\0\0\x14\0\0\0\3", 13),               // another count than the dimension
         Bytes("\3\6\0\4\1\0\0\0\x14\0\0\0\1\1\0\0\0", 17),
-        Bytes("\3\x0c\0\4\1\0\x10\0", 8),                        // too many pointers
+        Bytes("\3\x0c\0\4\1\0\1\0", 8),                        // too many pointers
         Bytes("\3\x0a\0\4\0\0\0\0\3\0\0", 11),                   // a text without room for its NUL
         Bytes("\3\x0a\0\4\0\0\0\0\3\2\0\x12\0\0\0\2xx", 18),     // a text without NUL
     };

@@ -113,6 +113,6 @@ private:
 };
 
 /// Pointers have no bytes in the file, so nothing but this bounds what a short file may ask for.
-constexpr unsigned long ZAV_BINPACK_MAX_POINTERS = 1048576;
+constexpr unsigned long ZAV_BINPACK_MAX_POINTERS = 65536;
 
 #endif

@@ -168,7 +168,7 @@ void ZAV_BinPackUValDict::Reader::TakeDimension(int32_t dimension) {
         mPointers += static_cast<unsigned long>(dimension);
         if (mPointers > ZAV_BINPACK_MAX_POINTERS) ZAV_ThrowBinPackException();
         std::unique_ptr<ZAV_UVal> value(ZAV_NewUVal(UVAL_PTR, dimension));
-        for (long i = 0; i < value->GetDimension(); ++i) value->SetPtrValue(nullptr, i);
+        std::fill_n(static_cast<ZAV_UValPtr&>(*value).GetValuePtr(0), value->GetDimension(), nullptr);
         StoreEntry(value.release());
         NextEntry();
     } else if (mType == UVAL_STRING || mType == UVAL_UTFSTRING) {
