@@ -1,9 +1,10 @@
 #include "text_support.h"
 
-#include <functional>
+#include <random>
 
 #include <gtest/gtest.h>
 
+#include <zavbase/collections/iterator.h>
 #include <zavbase/values/bin_pack.h>
 
 #include "../support/file_support.h"
@@ -174,6 +175,39 @@ TEST(BinPack, RefusesWrongBytes) {
         GetAll(reader, entry + Bytes(type, 13), 1000, &more);
         EXPECT_NE(more, 0);
         EXPECT_EQ(dict.GetSize(), 0u);
+    }
+}
+
+// Keys in the order in which the table has them, and its capacity.
+std::string TableOf(ZAV_UValDict& dict) {
+    std::string keys = std::to_string(dict.GetValuePtr()->Capacity());
+    ZAV_Iterator it(dict.GetValuePtr());
+    while (ZAV_CltObject* entry = ++it) (keys += ' ') += static_cast<ZAV_AssocUVal*>(entry)->Key();
+    return keys;
+}
+
+TEST(BinPack, ReadersFillTablesAsAddingOneByOneDoes) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 400; ++round) {
+        ZAV_UValDict dict(16), read(16);
+        std::string text = "<<";
+        for (auto n = random() % (round % 20 ? 150 : 1500); n > 0; --n) {
+            // Numbered keys, whose hashes collide, random ones, or some of which come twice.
+            std::string key = round % 3 == 0 ? "key" + std::to_string(n) : "k" + std::to_string(random());
+            if (round % 3 == 2) key = std::string(1 + random() % 70, static_cast<char>('a' + random() % 3));
+            dict.SetEntry(key.c_str(), new ZAV_UValLong);
+            dict.GetUVal(key.c_str())->SetLongValue(static_cast<long>(n), 0);
+            text += " /" + key + " " + std::to_string(n);
+        }
+        UValOwner value = ReadValue(text + " >>");
+        ASSERT_EQ(TableOf(static_cast<ZAV_UValDict&>(*value)), TableOf(dict)) << text;
+        ASSERT_EQ(Printed(*value), Printed(dict));
+        ZAV_BinPackUValDict writer(dict), reader(read);
+        int more = 1;
+        GetAll(reader, PutAll(writer, 1000), 1000, &more);
+        ASSERT_EQ(TableOf(read), TableOf(dict));
+        ASSERT_EQ(Printed(read), Printed(dict));
+        for (ZAV_AssocUVal* e = dict.GetNextAssoc(nullptr); e; e = e->GetNext()) ASSERT_TRUE(read.AssocAt(e->Key()));
     }
 }
 

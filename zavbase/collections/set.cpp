@@ -170,6 +170,18 @@ void ZAV_Set::CountAdded() {
         ReSize(Capacity() * 2);
 }
 
+// The slots were filled from outside; gives them the index that adding one by one would have.
+void ZAV_Set::CountStored(uint32_t count) {
+    mCount = count;
+    bool wanted = count >= INDEXED_COUNT;
+    uint32_t cluster = 0;
+    for (uint32_t i = 0; !wanted && count >= CLUSTERED_COUNT && i <= mMask; ++i) {
+        cluster = mContents.mArray[i] == ZAV_Nil() ? 0 : cluster + 1;
+        wanted = cluster > LONG_CLUSTER;
+    }
+    if (wanted) TryIndex();
+}
+
 bool ZAV_Set::StandsInLongCluster(uint32_t slot) const {
     if (mMask < 63) return false;
     for (uint32_t n = 1; n <= LONG_CLUSTER; ++n)

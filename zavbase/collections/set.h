@@ -79,6 +79,7 @@ private:
     void TryIndex();
     ZAV_CltObject* AddByIndex(ZAV_CltObject* o, ZAV_SetIndex& index, bool& added);
     void CountAdded();
+    void CountStored(uint32_t count);
     bool StandsInLongCluster(uint32_t slot) const;
     void CloseGap(uint32_t hole);
     void Rehash(unsigned int n);

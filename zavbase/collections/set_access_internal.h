@@ -6,7 +6,7 @@
 #include <zavbase/collections/set_index_internal.h>
 #include <zavbase/collections/slot_block_internal.h>
 
-/// Lookup in a ZAV_Set by the bytes of a key, without an object that holds them and without calls to the
+/// Lookup in, and filling of, a ZAV_Set by the bytes of a key, without an object that holds them and without calls to the
 /// elements. For a set of exactly class ZAV_Set, all of whose elements are of one registered class.
 struct ZAV_SetAccess {
     /// The side index, or null while the set has none.
@@ -33,6 +33,18 @@ struct ZAV_SetAccess {
             if (isIt(slots[i])) return slots[i];
         return nullptr;
     }
+
+    // Filling an empty set at once, by who has worked out where the elements would come to stand.
+
+    /// The table has 2^Bits slots; an element is sought from its home down.
+    static uint32_t Bits(const ZAV_Set& set) { return set.mNbits; }
+    static uint32_t Home(uint32_t hash, uint32_t nbits) { return hash * 0x9E3779B9u >> (32 - nbits); }
+    static void MakeTable(ZAV_Set& set, uint32_t nbits) {
+        if (nbits != set.mNbits) set.ZAV_Set::ReSize(1u << (nbits - 1));
+    }
+    static void Store(ZAV_Set& set, uint32_t slot, ZAV_CltObject* o) { set.mContents.mArray[slot] = o; }
+    /// To be called when all `count` elements are stored.
+    static void Stored(ZAV_Set& set, uint32_t count) { set.CountStored(count); }
 };
 
 #endif

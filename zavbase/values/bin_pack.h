@@ -99,8 +99,8 @@ public:
     int Put(unsigned char** cursor, const unsigned char* limit);
 
     /// Adds what it reads to the dictionary, keys as they stand (no paths). Throws ZAV_BinPackException* for
-    /// bytes that no Put writes, or that nest deeper than ZAV_GetUValNestingLimit(); the dictionary then holds
-    /// the entries read so far, so give it an empty one. Memory is taken only for data that has arrived.
+    /// bytes that no Put writes, or that nest deeper than ZAV_GetUValNestingLimit(). The entries appear in the
+    /// dictionary when all of it has been read. Memory is taken only for data that has arrived.
     int Get(const unsigned char** cursor, const unsigned char* limit);
     int Get(unsigned char** cursor, const unsigned char* limit);
 

@@ -5,9 +5,7 @@
 #include <vector>
 
 #include <zavbase/values/bin_pack.h>
-#include <zavbase/values/uval.h>
-
-class ZAV_AssocUVal;
+#include <zavbase/values/value_dict_fill_internal.h>
 
 namespace zav_pack {
 
@@ -68,6 +66,7 @@ private:
     struct Level {
         ZAV_UValDict* mDict;
         unsigned int mEntriesLeft;
+        ZAV_UValDict::Chain mEntries;  // put into the dictionary when all are there
     };
 
     void Expect(Step step, int kind, uint32_t count);
@@ -102,6 +101,7 @@ private:
     int32_t mTextsLeft;
     std::string mTexts;          // the texts of an array, one after the other, and their lengths
     std::vector<unsigned int> mTextLengths;
+    ZAV_UValDict::Filler mFiller;
 };
 
 #endif

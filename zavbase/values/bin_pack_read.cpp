@@ -115,12 +115,17 @@ void ZAV_BinPackUValDict::Reader::Take(const unsigned char* elements) {
 
 void ZAV_BinPackUValDict::Reader::TakeEntryCount(unsigned int count) {
     if (mNestingLimit && mLevels.size() >= mNestingLimit) ZAV_ThrowBinPackException();
-    mLevels.push_back(Level{mOpened, count});
+    mLevels.push_back(Level{mOpened, count, {}});
     NextEntry();
 }
 
 void ZAV_BinPackUValDict::Reader::NextEntry() {
-    while (!mLevels.empty() && mLevels.back().mEntriesLeft == 0) mLevels.pop_back();
+    while (!mLevels.empty() && mLevels.back().mEntriesLeft == 0) {
+        Level& level = mLevels.back();
+        // A key that is there twice was never written by us.
+        if (!mFiller.Fill(*level.mDict, level.mEntries)) ZAV_ThrowBinPackException();
+        mLevels.pop_back();
+    }
     if (mLevels.empty()) {
         mStep = DONE;
         return;
@@ -137,13 +142,9 @@ void ZAV_BinPackUValDict::Reader::TakeKey(const unsigned char* text) {
     Expect(TYPE, BINPACK_16, 1);
 }
 
-// Takes `value`, which may be null. A key that is there already was never written by us.
+// Takes `value`, which may be null.
 void ZAV_BinPackUValDict::Reader::StoreEntry(ZAV_UVal* value) {
-    std::unique_ptr<ZAV_UVal> owned(value);
-    ZAV_UValDict& dict = *mLevels.back().mDict;
-    unsigned int before = dict.GetSize();
-    dict.SetEntry(mKey, mKeyLength, owned.release());
-    if (dict.GetSize() == before) ZAV_ThrowBinPackException();
+    mLevels.back().mEntries.Append(mKey, mKeyLength, value);
 }
 
 void ZAV_BinPackUValDict::Reader::TakeType(unsigned int type) {

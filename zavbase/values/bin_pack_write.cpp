@@ -61,6 +61,7 @@ Elements ElementsOf(ZAV_UVal& number) {
 } // namespace zav_pack
 
 using namespace zav_pack;
+typedef ZAV_UValDict::Fields Fields;
 
 ZAV_BinPackUValDict::Writer::Writer(ZAV_UValDict& dict) : mTexts(nullptr), mTextsLeft(0) {
     Check(dict);
@@ -74,8 +75,8 @@ void ZAV_BinPackUValDict::Writer::Check(ZAV_UValDict& top) {
         ZAV_UValDict* dict = dicts.back();
         dicts.pop_back();
         if (dict->GetSize() > MOST_ENTRIES) ZAV_ThrowBinPackException();
-        for (ZAV_AssocUVal* entry = dict->GetNextAssoc(nullptr); entry; entry = entry->GetNext()) {
-            ZAV_UVal* value = entry->Value();
+        for (ZAV_AssocUVal* entry = Fields::First(*dict); entry; entry = Fields::Next(*entry)) {
+            ZAV_UVal* value = Fields::Value(*entry);
             if (!value) continue;
             ZAV_UValType type = value->GetType();
             if (type < UVAL_DICT || type > UVAL_PTR) ZAV_ThrowBinPackException();
@@ -108,7 +109,7 @@ int ZAV_BinPackUValDict::Writer::Put(unsigned char** cursor, const unsigned char
 unsigned char* ZAV_BinPackUValDict::Writer::MakePiece(unsigned char* out) {
     if (mTextsLeft > 0) return PutText(out);
     ZAV_AssocUVal& entry = *mNext.back();
-    mNext.back() = entry.GetNext();
+    mNext.back() = Fields::Next(entry);
     if (!mNext.back()) mNext.pop_back();
     return PutEntry(out, entry);
 }
@@ -116,9 +117,9 @@ unsigned char* ZAV_BinPackUValDict::Writer::MakePiece(unsigned char* out) {
 unsigned char* ZAV_BinPackUValDict::Writer::PutEntry(unsigned char* out, ZAV_AssocUVal& entry) {
     unsigned int length = entry.KeyLength() + 1;
     out = PutHeader(PutNumber(out, length), BINPACK_BLOCK, length);
-    std::memcpy(out, entry.Key(), length);
+    std::memcpy(out, Fields::Key(entry), length);
     out += length;
-    ZAV_UVal* value = entry.Value();
+    ZAV_UVal* value = Fields::Value(entry);
     out = PutNumber(out, value ? static_cast<unsigned int>(value->GetType()) : 0);
     if (!value) return out;
     if (value->GetType() == UVAL_DICT) return PutDict(out, static_cast<ZAV_UValDict&>(*value));
@@ -126,7 +127,7 @@ unsigned char* ZAV_BinPackUValDict::Writer::PutEntry(unsigned char* out, ZAV_Ass
 }
 
 unsigned char* ZAV_BinPackUValDict::Writer::PutDict(unsigned char* out, ZAV_UValDict& dict) {
-    if (ZAV_AssocUVal* first = dict.GetNextAssoc(nullptr)) mNext.push_back(first);
+    if (ZAV_AssocUVal* first = Fields::First(dict)) mNext.push_back(first);
     return PutNumber(out, dict.GetSize());
 }
 

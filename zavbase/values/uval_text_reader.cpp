@@ -223,14 +223,47 @@ void Reader::CloseDict() {
     if ((mItems.size() - mark) % 2 == 0) Fail(PAIR_COUNT_ERROR);
     std::unique_ptr<ZAV_UValDict> dict(new ZAV_UValDict(16));
     uint32_t depth = 0;
-    for (size_t i = mark + 1; i < mItems.size(); i += 2)
-        depth = (std::max)(depth, StorePair(*dict, mItems[i], mItems[i + 1]));
-    for (size_t i = mark + 1; i < mItems.size(); i += 2)
-        if (mItems[i].mKind == ITEM_VALUE) delete mItems[i].mValue;
+    if (HasPlainKeys(mark + 1)) {
+        for (size_t i = mark + 1; i < mItems.size(); i += 2) depth = (std::max)(depth, CheckedDepth(mItems[i + 1], 0));
+        FillPlain(*dict, mark + 1);
+    } else {
+        for (size_t i = mark + 1; i < mItems.size(); i += 2)
+            depth = (std::max)(depth, StorePair(*dict, mItems[i], mItems[i + 1]));
+        for (size_t i = mark + 1; i < mItems.size(); i += 2)
+            if (mItems[i].mKind == ITEM_VALUE) delete mItems[i].mValue;
+    }
     CloseMark(mark);
     --mOpenDicts;
     PushValue(dict.get(), depth + 1);
     dict.release();
+}
+
+// Whether all pairs from this item on are a name that is one key, and a value: no path is to be walked, and
+// nothing can be wrong with them.
+bool Reader::HasPlainKeys(size_t first) const {
+    char separator = ZAV_DictPath::GetSeparator();
+    for (size_t i = first; i < mItems.size(); i += 2) {
+        const Item& key = mItems[i];
+        if (key.mKind != ITEM_NAME || mItems[i + 1].mKind != ITEM_VALUE || key.mLength == 0) return false;
+        if (std::memchr(key.mText, separator, key.mLength)) return false;
+    }
+    return true;
+}
+
+void Reader::FillPlain(ZAV_UValDict& dict, size_t first) {
+    ZAV_UValDict::Chain chain;
+    for (size_t i = first; i < mItems.size(); i += 2) {
+        mItems[i + 1].mKind = ITEM_NAME;  // the chain takes it
+        chain.Append(mItems[i].mText, mItems[i].mLength, mItems[i + 1].mValue);
+    }
+    mFiller.Fill(dict, chain);
+}
+
+// How deep dictionaries nest in an entry whose key puts so many levels around its value.
+uint32_t Reader::CheckedDepth(const Item& value, uint32_t levels) {
+    uint32_t depth = value.mLength + levels;
+    if (depth >= mNestingLimit && mNestingLimit) Fail(HIERARCHY_ERROR);
+    return depth;
 }
 
 // Moves one value into the dictionary and returns how deep dictionaries nest in its entry.
@@ -248,8 +281,7 @@ uint32_t Reader::StorePair(ZAV_UValDict& dict, const Item& key, Item& value) {
         Fail(PAIR_ERROR);
     }
     if (value.mKind != ITEM_VALUE) Fail(PAIR_ERROR);
-    uint32_t depth = value.mLength + LevelsOf(text, length);
-    if (depth >= mNestingLimit && mNestingLimit) Fail(HIERARCHY_ERROR);
+    uint32_t depth = CheckedDepth(value, LevelsOf(text, length));
     ZAV_UVal* owned = value.mValue;
     value.mKind = ITEM_NAME;  // the dictionary owns it, or has deleted it
     if (IsOneKey(text, length)) {

@@ -7,8 +7,7 @@
 
 #include <zavbase/values/uval.h>
 #include <zavbase/values/uval_text_token_internal.h>
-
-class ZAV_UValDict;
+#include <zavbase/values/value_dict_fill_internal.h>
 
 namespace zav_text {
 
@@ -80,6 +79,9 @@ private:
     bool FillNumbers(ZAV_UVal& value, size_t first) const;
 
     void CloseDict();
+    bool HasPlainKeys(size_t first) const;
+    void FillPlain(ZAV_UValDict& dict, size_t first);
+    uint32_t CheckedDepth(const Item& value, uint32_t levels);
     uint32_t StorePair(ZAV_UValDict& dict, const Item& key, Item& value);
 
     bool InArray() const { return mMark != NO_MARK && mItems[mMark].mKind == ITEM_ARRAY; }
@@ -96,6 +98,7 @@ private:
     size_t mMark;             // the innermost open mark
     unsigned long mOpenDicts;
     unsigned long mNestingLimit;
+    ZAV_UValDict::Filler mFiller;
 };
 
 /// Cuts the dictionary called `name` out of a stream, from its "<<" to its ">>", and stores it in `text` with

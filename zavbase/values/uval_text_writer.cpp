@@ -9,7 +9,7 @@
 #include <zavbase/strings/number_text_internal.h>
 #include <zavbase/values/uval_text_token_internal.h>
 #include <zavbase/values/uval_types.h>
-#include <zavbase/values/value_dict.h>
+#include <zavbase/values/value_dict_fill_internal.h>
 
 namespace zav_text {
 
@@ -138,6 +138,8 @@ void Output::Key(const char* key, size_t length) {
     mText.append(key, length);
 }
 
+typedef ZAV_UValDict::Fields Fields;
+
 // Writes a tree without recursion: open dictionaries wait on a stack of their own.
 class Writer {
 public:
@@ -179,7 +181,7 @@ void Writer::Open(ZAV_UValDict& dict) {
         mOut.Indent(mIndent);
     }
     mOut.Literal("<<\n");
-    mNext.push_back(dict.GetNextAssoc(nullptr));
+    mNext.push_back(Fields::First(dict));
 }
 
 // The next line of the innermost open dictionary: an entry or its end.
@@ -192,11 +194,11 @@ void Writer::WriteNext() {
         if (!mNext.empty()) mOut.Char('\n');
         return;
     }
-    mNext.back() = entry->GetNext();
-    ZAV_UVal* value = entry->Value();
+    mNext.back() = Fields::Next(*entry);
+    ZAV_UVal* value = Fields::Value(*entry);
     if (!value) return;
     mOut.Indent(mIndent);
-    mOut.Key(entry->Key(), entry->KeyLength());
+    mOut.Key(Fields::Key(*entry), entry->KeyLength());
     mOut.Char(' ');
     if (value->GetType() == UVAL_DICT) {
         ++mIndent;

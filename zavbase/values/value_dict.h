@@ -131,6 +131,11 @@ public:
     void ReSize(unsigned int capacity) { mSet.ReSize(capacity); }
     void Clear();
 
+    /// For the readers and writers of files: many entries at once.
+    struct Chain;
+    struct Fields;
+    struct Filler;
+
     // Merging. Where both sides hold a dictionary its entries are merged one by one; anything else in the
     // destination is replaced. Entries without a value are passed over. The destination may be this
     // dictionary (nothing happens) or lie inside it or around it: what is taken is the state at the call.
