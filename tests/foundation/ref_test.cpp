@@ -110,6 +110,8 @@ TEST(AllocMem, ASizeOfZeroKeepsTheBlock) {
     EXPECT_EQ(nullptr, ref->GetPointer());
     EXPECT_EQ(0u, ref->GetSize());
     ref->MemSet(1);
+    ref = new ZAV_AllocMemBody(8, 0);
+    EXPECT_EQ(8u, ref->GetSize());
 }
 
 TEST(AllocMem, ASizeThatWrapsIsAFailedAllocation) {

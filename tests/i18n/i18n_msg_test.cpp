@@ -109,6 +109,9 @@ TEST(I18nMsg, SubMessagesAreFormattedAndListedDepthFirst) {
     EXPECT_EQ(
         (std::vector<std::string>{"A{B{C{D{BD}<<2>>}<<2>>}<<2>>}", "B{C{D{B<<2>>}<<2>>}<<2>>}", "D{B<<2>>}"}),
         Texts(a.FormatAll("", &resource, nullptr), true));
+    ZAV_OrderedCltn whole = ZAV_I18nMsg(ZAV_UTFString("a\0b", 3)).FormatAll("", nullptr, nullptr);
+    EXPECT_EQ(3u, whole[0]->Size());
+    whole.ClearAndDestroy();
 
     std::ostringstream os;
     os << static_cast<ZAV_Object&>(a);

@@ -70,3 +70,8 @@ ZAV_AllocMemRef& ZAV_AllocMemRef::operator=(const ZAV_AllocMemRef& other) {
     ZAV_Ref::operator=(other);
     return *this;
 }
+
+ZAV_AllocMemRef& ZAV_AllocMemRef::operator=(ZAV_AllocMemBody* body) {
+    ZAV_Ref::operator=(body);
+    return *this;
+}

@@ -72,7 +72,7 @@ ZAV_String& ZAV_ExitException::ToString(ZAV_String& s) const {
 
 namespace {
 
-// Made with the library, in place and for good: throwing it takes no memory, at any time.
+// Made in place by the first throw, and for good: throwing it takes no memory, at any time.
 ZAV_MemoryException* StaticMemoryException() {
     alignas(ZAV_MemoryException) static unsigned char storage[sizeof(ZAV_MemoryException)];
     static ZAV_MemoryException* const exception = new (storage) ZAV_MemoryException(B_FALSE);

@@ -116,8 +116,12 @@ void ZAV_Tracer::Initialize(ZAV_UValDict& dict) {
 }
 
 void ZAV_Tracer::GetNameList(ZAV_Collection* collection) {
-    for (const ZAV_Tracer& slot : theTable.slots)
-        if (slot.mName[0]) collection->Add(new (std::nothrow) ZAV_CltString(""));
+    int named = 0;
+    {
+        TableLock lock;
+        for (const ZAV_Tracer& slot : theTable.slots) named += slot.mName[0] != 0;
+    }
+    while (named-- > 0) collection->Add(new (std::nothrow) ZAV_CltString(""));
 }
 
 std::ostream* ZAV_TraceLine::Sink(ZAV_Tracer*& cache, const char* name, long level) {

@@ -21,7 +21,8 @@ class ZAV_UValDict;
 ///     0x100 dispatcher termination        0x200 one line a dispatched event
 ///
 /// Threads: lookups, settings and trace statements may run on any thread at once; each statement's line
-/// arrives whole. What hosts stream into dout themselves is not ordered with these lines.
+/// arrives whole. Lines reach their streams one at a time, so a stream must not wait for another thread that
+/// traces. What hosts stream into dout themselves is not ordered with these lines.
 class ZAV_API ZAV_Tracer {
 public:
     constexpr ZAV_Tracer() : mName{}, mStreamP(nullptr), mMask(0) {}

@@ -278,7 +278,11 @@ ZAV_OrderedCltn ZAV_I18nMsg::FormatAll(const char* lang, ZAV_I18nResource* resou
                                        ZAV_I18nResource* baseResources) const {
     ZAV_I18nMsgFormatter formatter(lang, resources, baseResources);
     ZAV_OrderedCltn list(16);
-    auto add = [&](const ZAV_I18nMsg& msg) { list.Add(new ZAV_CltUTFString(formatter.Format(msg).Ptr())); };
+    auto add = [&](const ZAV_I18nMsg& msg) {
+        ZAV_CltUTFString* text = new ZAV_CltUTFString("");
+        *text = formatter.Format(msg); // with what stands behind a NUL
+        list.Add(text);
+    };
     add(*this);
     ZAV_I18nMsgFormatter::VisitSubErrors(*this, add);
     return list;

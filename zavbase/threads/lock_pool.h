@@ -14,7 +14,8 @@
 ///
 /// Every operation reads the file, decides, and writes the file back if something changed. A name is a
 /// dictionary path: "a:b" is the entry b in the entry a. Such a group entry has no owner of its own:
-/// GetLockState("a") and ClearOwnLocks then throw.
+/// GetLockState("a") and ClearOwnLocks then throw. Names differ in the first 64 characters of a level. A name
+/// with an empty level ("a::b", ":b") is not kept by the text form: Lock grants it to everybody, every time.
 ///
 /// The file is replaced as a whole, so that readers find the old or the new content and nothing else; it is
 /// never created or written through a link. By itself the pool does not keep two processes from reading the
