@@ -99,6 +99,7 @@ TEST(ByteString, NulBytesSurviveCopiesAndSums) {
     EXPECT_EQ(bytes(s(0, 3) + s), raw + raw);
     EXPECT_EQ(bytes(s(0, 3) + s(0, 3)), raw + raw);
     EXPECT_EQ(bytes(s(0, 1) + "z"), "az");
+    EXPECT_TRUE(s(0, 1) + s(2, 1) == "ab" && s(0, 1) + ZAV_Str(s(2, 1)) + "c" == "abc") << "no addresses";
     EXPECT_EQ(bytes('x' + s), "x" + raw);
     EXPECT_EQ(bytes("x" + s(1, 2)), "x" + raw.substr(1));
     t(1, 1) = s;
@@ -112,6 +113,7 @@ TEST(ByteString, EqualityIsBinaryAndTheRestEndsAtNul) {
     EXPECT_FALSE(ab != ac);
     EXPECT_TRUE(ab <= ac && ab >= ac && !(ab < ac));
     EXPECT_TRUE(ab == "a" && "a" == ab && !("a" != ab) && ab != nullptr && ZAV_String() == nullptr);
+    EXPECT_TRUE(ab(0, 1) > nullptr && ab(0, 0) == nullptr);
     EXPECT_TRUE("a" < b && b > "a" && "c" > b && b <= "b" && "b" >= b);
     // A range and a text that agree so far: the shorter one is less.
     const ZAV_String text("abcabc");

@@ -170,6 +170,12 @@ ZAV_SubString& ZAV_SubString::operator=(const char* p) {
     return *this;
 }
 
+ZAV_String ZAV_SubString::operator+(const ZAV_SubStr& s) const {
+    return sum(mStart, mLength, s.Ptr(), s.Size());
+}
+
+ZAV_String ZAV_SubString::operator+(const ZAV_Str& s) const { return sum(mStart, mLength, s.Ptr(), s.Size()); }
+
 ZAV_String ZAV_SubString::operator+(const char* p) const {
     return sum(mStart, mLength, p, static_cast<unsigned>(std::strlen(p)));
 }
@@ -186,7 +192,7 @@ ZAV_SubString& ZAV_SubString::ToUpper() {
     return *this;
 }
 
-int ZAV_SubString::compare(const char* p) const { return ZAV_SubStr::compare(p, lengthOf(p)); }
+int ZAV_SubString::compare(const char* p) const { return ZAV_SubStr::compare(p ? p : "", lengthOf(p)); }
 
 double ZAV_atof(const char* text, char decimalSeparator) {
     return zav_number::ParseReal(text, SIZE_MAX, decimalSeparator);

@@ -152,7 +152,10 @@ public:
     ZAV_SubString& operator=(const ZAV_Str& s);
     ZAV_SubString& operator=(const char* p);
 
-    using ZAV_SubStr::operator+;
+    /// A ZAV_String, unlike the base's: the sum can be compared and added to.
+    ZAV_String operator+(const ZAV_SubStr& s) const;
+    ZAV_String operator+(const ZAV_Str& s) const;
+    /// `p` must not be null.
     ZAV_String operator+(const char* p) const;
 
     /// The byte index of the range within the owner.
