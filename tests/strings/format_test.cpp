@@ -65,6 +65,10 @@ TEST(Format, TextsAndTheRest) {
     int count = -1;
     EXPECT_EQ(made("100%%%n!", &count), "100%!");
     EXPECT_EQ(count, 4);
+    signed char small[] = {-1, -1};
+    long long large = -1;
+    EXPECT_EQ(made("a%hhnb%lln", small, &large), "ab");
+    EXPECT_TRUE(small[0] == 1 && small[1] == -1 && large == 2) << "no byte more or less than asked for";
     EXPECT_EQ(made("%y%"), "%y%") << "what is no conversion stays as it is";
     EXPECT_EQ(made("a%cb", 0), "a") << "the length is that of the text up to its NUL";
     EXPECT_EQ(made(nullptr), "");

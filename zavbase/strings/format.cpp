@@ -388,12 +388,26 @@ private:
     void storeCount(const Conversion& c) {
         void* const to = va_arg(mArgs, void*);
         const int n = static_cast<int>(mText.Length());
-        if (c.size == Size::Short)
+        switch (c.size) {
+        case Size::Char:
+            *static_cast<signed char*>(to) = static_cast<signed char>(n);
+            break;
+        case Size::Short:
             *static_cast<short*>(to) = static_cast<short>(n);
-        else if (c.size == Size::Long)
+            break;
+        case Size::Long:
             *static_cast<long*>(to) = n;
-        else
+            break;
+        case Size::LongLong:
+            *static_cast<long long*>(to) = n;
+            break;
+        case Size::Pointer:
+            *static_cast<ptrdiff_t*>(to) = n;
+            break;
+        default:
             *static_cast<int*>(to) = n;
+            break;
+        }
     }
 
     va_list mArgs;
