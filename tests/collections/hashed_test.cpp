@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <sstream>
+#include <vector>
 
 #include "tests/support/probe.h"
 
@@ -155,6 +156,17 @@ TEST(Set, NeitherNullNorNilFillsASlot) {
     EXPECT_EQ(1u, set.Size());
     ZAV_Iterator it(&set);
     EXPECT_EQ(nullptr, ++it);
+}
+
+TEST(Set, GrowsWhenTheCountHasGoneBelowZero) {
+    ZAV_Set set(16);
+    ZAV_Integer absent(-1);
+    for (int i = 0; i < 40; ++i) set.Remove(&absent);
+    EXPECT_EQ(0u - 40, set.Size());
+    std::vector<ZAV_Integer> numbers;
+    for (int i = 0; i < 33; ++i) numbers.emplace_back(i);
+    for (ZAV_Integer& n : numbers) set.Add(&n);
+    for (ZAV_Integer& n : numbers) EXPECT_EQ(&n, set.FindObjectWithKey(&n));
 }
 
 TEST(Iterator, EqualAtTheSamePlaceOfTheSameCollection) {

@@ -313,7 +313,8 @@ void ZAV_Set::ReSize(unsigned int n) {
 void ZAV_Set::Rehash(unsigned int n) {
     ZAV_Set table(n);
     if (TakeByIndex(table)) return SwapTable(table);
-    ZAV_OrderedCltn elements((std::max)(mCount, 1u));
+    // Removing what was absent may have taken the count below 0.
+    ZAV_OrderedCltn elements((std::min)(mCount, mMask + 1));
     ZAV_Iterator it(this);
     while (ZAV_CltObject* o = ZAV_Set::DoNext(&it)) elements.Add(o);
     SwapTable(table);
