@@ -9,7 +9,7 @@ namespace {
 
 template <class T> std::string Text(const T& value) {
     std::ostringstream os;
-    os << value;
+    os << std::hex << std::showpos << value; // which is decimal all the same
     return os.str();
 }
 

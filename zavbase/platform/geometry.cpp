@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <string>
 
 namespace {
 
@@ -55,7 +56,10 @@ ZAV_Point ZAV_Point::Min(const ZAV_Point& p) const {
     return ZAV_Point((std::min)(mX, p.mX), (std::min)(mY, p.mY));
 }
 
-void ZAV_Point::PrintOn(std::ostream& os) const { os << "(" << mX << "," << mY << ")"; }
+void ZAV_Point::PrintOn(std::ostream& os) const {
+    // Decimal whatever the stream's flags and locale are.
+    os << "(" << std::to_string(mX) << "," << std::to_string(mY) << ")";
+}
 
 ZAV_Point operator+(const ZAV_Point& a, const ZAV_Point& b) {
     return ZAV_Point(Low16(Bits(a.X()) + Bits(b.X())), Low16(Bits(a.Y()) + Bits(b.Y())));
