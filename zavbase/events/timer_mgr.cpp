@@ -236,7 +236,8 @@ void ZAV_TimerMgr::Listen(ZAV_ListenerControl control)
     if (control == LISTEN_POLL && Store().mPending.load(std::memory_order_relaxed) == 0) return;
     do {
         const unsigned seenChanges = control == LISTEN_BLOCK ? SeenChanges() : 0;
-        while (FireOne() && mStopped == 0) {
+        std::uint32_t now = static_cast<std::uint32_t>(ZAV_CurrentTime());
+        while (FireOne(now) && mStopped == 0) {
         }
         if (control != LISTEN_BLOCK || mStopped != 0) return;
         SleepUnlessChanged(seenChanges);
@@ -244,13 +245,15 @@ void ZAV_TimerMgr::Listen(ZAV_ListenerControl control)
 }
 
 // Takes under the lock, queues outside: that may destroy the event, its handler, and call the host.
-bool ZAV_TimerMgr::FireOne()
+// The clock is read again only when nothing is due any more at the time it told last.
+bool ZAV_TimerMgr::FireOne(std::uint32_t& now)
 {
     ZAV_EventTimer* timer;
     {
         ZAV_Mutex::Lock lock(mTimersMutex, B_FALSE);
         ZAV_TimerStore& store = Store();
-        timer = store.mQueue.TakeDue(static_cast<std::uint32_t>(ZAV_CurrentTime()));
+        timer = store.mQueue.TakeDue(now);
+        if (timer == nullptr) timer = store.mQueue.TakeDue(now = static_cast<std::uint32_t>(ZAV_CurrentTime()));
         store.mPending.store(store.mQueue.Count(), std::memory_order_relaxed);
     }
     if (timer != nullptr) QueueTimer(timer);

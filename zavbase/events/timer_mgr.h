@@ -94,7 +94,7 @@ protected:
 
 private:
     ZAV_TimerStore& Store();
-    bool FireOne();
+    bool FireOne(std::uint32_t& now);
     void QueueTimer(ZAV_EventTimer* timer);
     unsigned SeenChanges();
     void SleepUnlessChanged(unsigned seenChanges);

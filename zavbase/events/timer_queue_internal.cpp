@@ -6,6 +6,7 @@
 namespace {
 
 const std::size_t kFewPlaces = 1024;
+const std::size_t kNear = 3, kFar = 6;
 // A clock reading that is overtaken by another thread's must not look like a wrap of the ticks.
 const std::uint32_t kLeap = 0xFFFF0000;
 
@@ -20,7 +21,7 @@ bool ZAV_TimerQueue::Insert(ZAV_EventTimer* timer, std::int32_t id, std::uint32_
     const bool first = bucket < 0 || due < FirstDue(bucket);
     mTable.Insert(id, timer);
     try {
-        Put({due, id, wraps});
+        Put({due, timer, id, wraps});
     } catch (...) {
         mTable.Remove(id);
         throw;
@@ -145,6 +146,7 @@ void ZAV_TimerQueue::Spread(int bucket)
 ZAV_EventTimer* ZAV_TimerQueue::TakeFront()
 {
     std::vector<Place>& places = mPlaces[0];
+    PrefetchBehind(mFront);
     ZAV_EventTimer* timer = mTable.Remove(places[mFront].id);
     ++mFront;
     --mPlaceCount;
@@ -154,6 +156,14 @@ ZAV_EventTimer* ZAV_TimerQueue::TakeFront()
         mUsed &= ~std::uint64_t{1};
     }
     return timer;
+}
+
+// Many timers that fall due at once have long left the processor's cache.
+void ZAV_TimerQueue::PrefetchBehind(std::size_t place) const
+{
+    const std::vector<Place>& places = mPlaces[0];
+    if (place + kFar < places.size()) mTable.Prefetch(places[place + kFar].id);
+    if (place + kNear < places.size()) __builtin_prefetch(places[place + kNear].timer, 1);
 }
 
 void ZAV_TimerQueue::SweepCancelled()

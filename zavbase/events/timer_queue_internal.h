@@ -42,6 +42,7 @@ private:
     typedef std::uint64_t Time;  // the ticks, carried on beyond 32 bits
     struct Place {
         Time due;
+        const ZAV_EventTimer* timer;  // cancelled ones are gone: only to have it at hand, not to be followed
         std::int32_t id;
         bool wraps;
     };
@@ -55,6 +56,7 @@ private:
     static bool EarlierThan(const Place& a, const Place& b);
     void Spread(int bucket);
     ZAV_EventTimer* TakeFront();
+    void PrefetchBehind(std::size_t place) const;
     void SweepCancelled();
 
     ZAV_TimerTable mTable;

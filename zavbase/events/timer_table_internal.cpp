@@ -7,54 +7,84 @@ const std::size_t kManySlots = 4096;
 
 } // namespace
 
-// Identifiers are given one after the other; multiplying spreads them, so that long-lived ones do not get in
-// the way of every run of later ones.
-std::size_t ZAV_TimerTable::Home(std::int32_t id) const
+// Multiplying spreads the pages, so that long-lived ones do not get in the way of every run of later ones.
+std::size_t ZAV_TimerTable::Home(std::uint32_t number) const
 {
-    return static_cast<std::size_t>(static_cast<std::uint32_t>(id) * 0x9E3779B97F4A7C15ull >> mShift);
+    return static_cast<std::size_t>(number * 0x9E3779B97F4A7C15ull >> mShift);
 }
 
-std::size_t ZAV_TimerTable::Find(std::int32_t id) const
+// Where the page is, or the free slot where it would be.
+std::size_t ZAV_TimerTable::Find(std::uint32_t number) const
 {
     const std::size_t mask = mSlots.size() - 1;
-    std::size_t i = Home(id);
-    while (mSlots[i].timer != nullptr && mSlots[i].id != id) i = (i + 1) & mask;
+    std::size_t i = Home(number);
+    while (mSlots[i].page != nullptr && mSlots[i].number != number) i = (i + 1) & mask;
     return i;
 }
 
 void ZAV_TimerTable::Insert(std::int32_t id, ZAV_EventTimer* timer)
 {
-    if (4 * (mCount + 1) > 3 * mSlots.size()) Grow();
-    const std::size_t mask = mSlots.size() - 1;
-    std::size_t i = Home(id);
-    while (mSlots[i].timer != nullptr) i = (i + 1) & mask;
-    mSlots[i] = {timer, id};
+    Page* page = PageFor(PageNumber(id));
+    page->timers[Place(id)] = timer;
+    ++page->count;
     ++mCount;
 }
 
 ZAV_EventTimer* ZAV_TimerTable::Remove(std::int32_t id)
 {
     if (mCount == 0) return nullptr;
-    const std::size_t i = Find(id);
-    ZAV_EventTimer* timer = mSlots[i].timer;
+    const std::size_t i = Find(PageNumber(id));
+    Page* page = mSlots[i].page;
+    if (page == nullptr) return nullptr;
+    ZAV_EventTimer* timer = page->timers[Place(id)];
     if (timer == nullptr) return nullptr;
-    CloseGap(i);
+    page->timers[Place(id)] = nullptr;
+    if (--page->count == 0) RemovePage(i);
     // After a burst of timers the memory goes back.
     if (--mCount == 0 && mSlots.size() > kManySlots) std::vector<Slot>().swap(mSlots);
     return timer;
 }
 
-// Moves up whatever lies behind the gap and could not be found any more with a free slot there.
-void ZAV_TimerTable::CloseGap(std::size_t gap)
+bool ZAV_TimerTable::Includes(std::int32_t id) const
 {
+    if (mCount == 0) return false;
+    const Page* page = mSlots[Find(PageNumber(id))].page;
+    return page != nullptr && page->timers[Place(id)] != nullptr;
+}
+
+void ZAV_TimerTable::Prefetch(std::int32_t id) const
+{
+    if (mCount == 0) return;
+    const Page* page = mSlots[Find(PageNumber(id))].page;
+    if (page != nullptr) __builtin_prefetch(&page->timers[Place(id)], 1);
+}
+
+ZAV_TimerTable::Page* ZAV_TimerTable::PageFor(std::uint32_t number)
+{
+    if (2 * (mPages + 1) > mSlots.size()) Grow();
+    Slot& slot = mSlots[Find(number)];
+    if (slot.page == nullptr) {
+        slot.page = mSparePage != nullptr ? mSparePage.release() : new Page();
+        slot.number = number;
+        ++mPages;
+    }
+    return slot.page;
+}
+
+// Moves up whatever lies behind the gap and could not be found any more with a free slot there. One empty page
+// is kept: a timer that comes and goes alone shall not ask the heap for a page each time.
+void ZAV_TimerTable::RemovePage(std::size_t gap)
+{
+    mSparePage.reset(mSlots[gap].page);
     const std::size_t mask = mSlots.size() - 1;
-    for (std::size_t i = (gap + 1) & mask; mSlots[i].timer != nullptr; i = (i + 1) & mask) {
-        const std::size_t distanceFromHome = (i - Home(mSlots[i].id)) & mask;
+    for (std::size_t i = (gap + 1) & mask; mSlots[i].page != nullptr; i = (i + 1) & mask) {
+        const std::size_t distanceFromHome = (i - Home(mSlots[i].number)) & mask;
         if (distanceFromHome < ((i - gap) & mask)) continue;
         mSlots[gap] = mSlots[i];
         gap = i;
     }
-    mSlots[gap].timer = nullptr;
+    mSlots[gap].page = nullptr;
+    --mPages;
 }
 
 void ZAV_TimerTable::Grow()
@@ -63,7 +93,6 @@ void ZAV_TimerTable::Grow()
     mSlots.swap(old);
     mShift = 64;
     for (std::size_t n = mSlots.size(); n > 1; n /= 2) --mShift;
-    mCount = 0;
     for (const Slot& slot : old)
-        if (slot.timer != nullptr) Insert(slot.id, slot.timer);
+        if (slot.page != nullptr) mSlots[Find(slot.number)] = slot;
 }

@@ -3,32 +3,46 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 class ZAV_EventTimer;
 
-/// Timers by identifier: open addressing with linear probing, without tombstones.
+/// Timers by identifier. Identifiers are given one after the other, so they are kept in pages of neighbours,
+/// which is compact and writes in sequence; the pages are found by open addressing with linear probing.
 class ZAV_TimerTable {
 public:
-    void Insert(std::int32_t id, ZAV_EventTimer* timer);
-    ZAV_EventTimer* Remove(std::int32_t id);  ///< null when not in
-    bool Includes(std::int32_t id) const { return mCount != 0 && mSlots[Find(id)].timer != nullptr; }
+    void Insert(std::int32_t id, ZAV_EventTimer* timer);  ///< the identifier must not be in
+    ZAV_EventTimer* Remove(std::int32_t id);              ///< null when not in
+    bool Includes(std::int32_t id) const;
+    void Prefetch(std::int32_t id) const;  ///< have it at hand when it is removed soon
     std::size_t Count() const { return mCount; }
 
 private:
+    static const int kPageBits = 6;
+
+    struct Page {
+        std::uint32_t count;
+        ZAV_EventTimer* timers[1 << kPageBits];
+    };
     struct Slot {
-        ZAV_EventTimer* timer;  // null: free
-        std::int32_t id;
+        Page* page;  // null: free
+        std::uint32_t number;
     };
 
-    std::size_t Home(std::int32_t id) const;
-    std::size_t Find(std::int32_t id) const;
-    void CloseGap(std::size_t gap);
+    static std::uint32_t PageNumber(std::int32_t id) { return static_cast<std::uint32_t>(id) >> kPageBits; }
+    static std::size_t Place(std::int32_t id) { return static_cast<std::uint32_t>(id) & ((1u << kPageBits) - 1); }
+    std::size_t Home(std::uint32_t number) const;
+    std::size_t Find(std::uint32_t number) const;
+    Page* PageFor(std::uint32_t number);
+    void RemovePage(std::size_t gap);
     void Grow();
 
-    std::vector<Slot> mSlots;  // a power of two of them, at most three quarters in use
+    std::vector<Slot> mSlots;  // a power of two of them, at most half in use
     int mShift = 64;
+    std::size_t mPages = 0;
     std::size_t mCount = 0;
+    std::unique_ptr<Page> mSparePage;
 };
 
 #endif
