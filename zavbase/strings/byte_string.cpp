@@ -174,7 +174,9 @@ ZAV_String ZAV_SubString::operator+(const ZAV_SubStr& s) const {
     return sum(mStart, mLength, s.Ptr(), s.Size());
 }
 
-ZAV_String ZAV_SubString::operator+(const ZAV_Str& s) const { return sum(mStart, mLength, s.Ptr(), s.Size()); }
+ZAV_String ZAV_SubString::operator+(const ZAV_Str& s) const {
+    return sum(mStart, mLength, s.Ptr(), s.Size());
+}
 
 ZAV_String ZAV_SubString::operator+(const char* p) const {
     return sum(mStart, mLength, p, static_cast<unsigned>(std::strlen(p)));
