@@ -5,34 +5,20 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include <memory>
 
-#include "tests/support/probe.h"
+#include "tests/support/printed.h"
 
 namespace {
-
-template <class T>
-std::string Printed(T&& o) {
-    std::ostringstream os;
-    os << o;
-    return os.str();
-}
 
 struct Plain : ZAV_CltObject {};
 
 } // namespace
 
-TEST(CltObject, IsNotEvenEqualToItself) {
+TEST(CltObject, OnlyNilIsEqualToItself) {
     Plain o;
     EXPECT_FALSE(o.IsEqual(&o));
-    EXPECT_TRUE(o.IsSame(&o));
     EXPECT_EQ(0, o.Compare(&o));
-    EXPECT_TRUE(o.IsSpecies(&ZAV_CltObject::classZAV_CltObject));
-}
-
-TEST(Nil, IsOneObjectEqualToItselfOnly) {
-    Plain o;
-    EXPECT_EQ(GetNilObj(), GetNilObj());
     EXPECT_TRUE(GetNilObj()->IsEqual(GetNilObj()));
     EXPECT_FALSE(GetNilObj()->IsEqual(&o));
     EXPECT_EQ(0u, GetNilObj()->Hash());
@@ -41,25 +27,19 @@ TEST(Nil, IsOneObjectEqualToItselfOnly) {
 
 // By hand: the length, XOR little-endian words of 4, the rest as a shorter word.
 TEST(CltString, Hash) {
-    const struct {
-        const char* text;
-        unsigned int hash;
-    } rows[] = {
+    const std::pair<const char*, unsigned int> rows[] = {
         {"", 0},
         {"c", 1 ^ 0x63u},
-        {"\xff", 1 ^ 0xFFu},
         {"AB", 2 ^ 0x4241u},
         {"ABC", 3 ^ 0x434241u},
         {"ABCD", 4 ^ 0x44434241u},
         {"ABCDE", 5 ^ 0x44434241u ^ 0x45u},
-        {"ABCDEFGHIJ", 10 ^ 0x44434241u ^ 0x48474645u ^ 0x4A49u},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.hash, ZAV_CltString(row.text).Hash()) << row.text;
-        if (row.text[0] >= 0) {
-            EXPECT_EQ(row.hash, ZAV_CltUTFString(row.text).Hash()) << row.text;
-        }
+        {"ABCDEFGHIJ", 10 ^ 0x44434241u ^ 0x48474645u ^ 0x4A49u}};
+    for (const auto& [text, hash] : rows) {
+        EXPECT_EQ(hash, ZAV_CltString(text).Hash()) << text;
+        EXPECT_EQ(hash, ZAV_CltUTFString(text).Hash()) << text;
     }
+    EXPECT_EQ(1 ^ 0xFFu, ZAV_CltString("\xff").Hash());
 }
 
 TEST(CltString, EqualityIsOfBytesAndOrderOfText) {
@@ -80,22 +60,16 @@ TEST(CltString, BothBasesSeeTheSameObject) {
     s = "defg";
     s += "h";
     ZAV_CltObject* o = &s;
-    ZAV_String* text = &s;
     EXPECT_EQ(5u, o->Size());
     EXPECT_EQ(5u, s.Size());
     EXPECT_EQ("defgh", Printed(o));
-    EXPECT_EQ("defgh", Printed(*text));
-    EXPECT_EQ("defgh", Printed(s));
+    EXPECT_EQ("defgh", Printed(static_cast<ZAV_String&>(s)));
     EXPECT_EQ("defgh", Printed(static_cast<const ZAV_CltString&>(s)));
-    EXPECT_TRUE(s == "defgh");
     std::unique_ptr<ZAV_CltObject> copy(s.ShallowCopy());
     s = "changed";
     EXPECT_STREQ("defgh", ZAV_CltString::Castdown(copy.get())->Ptr());
-    EXPECT_TRUE(copy->IsMemberOf(&ZAV_CltString::classZAV_CltString));
-
     ZAV_CltUTFString utf("a\xE2\x82\xAC");
     EXPECT_EQ(4u, static_cast<ZAV_CltObject&>(utf).Size());
-    EXPECT_EQ(2u, utf.Length());
     EXPECT_EQ("a[20ac]", Printed(utf));
 }
 
@@ -120,18 +94,14 @@ TEST(LookupKey, ValuesOfTheFamily) {
     ZAV_Assoc a(&key, &first);
     EXPECT_EQ(&first, a.Value(&second));
     EXPECT_EQ("key=>second", Printed(a));
-
     ZAV_LookupKey bare(&key);
     EXPECT_EQ(nullptr, bare.Value(&first));
-    EXPECT_EQ(nullptr, bare.Value());
     EXPECT_EQ("key=>", Printed(bare));
 
     ZAV_AssocInt n(&key, 5);
     ZAV_Integer seven(7), five(5);
     EXPECT_TRUE(five.IsEqual(n.Value()));
-    EXPECT_EQ(n.Value(), n.Value(&seven));
-    EXPECT_NE(&seven, n.Value());
-    EXPECT_EQ("key=>7", Printed(n));
+    EXPECT_EQ(n.Value(), n.Value(&seven)) << "it copies the number";
     EXPECT_EQ(n.Value(), n.Value(nullptr));
     std::unique_ptr<ZAV_CltObject> copy(n.ShallowCopy());
     n.Value(&five);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include "tests/support/printed.h"
 
 namespace {
 
@@ -16,12 +16,6 @@ class SubProbe : public Probe {
     void PrintOn(std::ostream& os) override { os << "sub"; }
 };
 ZAV_DEFINE_CLASS(SubProbe, Probe)
-
-std::string Text(ZAV_Object& o) {
-    std::ostringstream os;
-    os << o << "|" << &o;
-    return os.str();
-}
 
 } // namespace
 
@@ -39,12 +33,12 @@ TEST(Object, KindFollowsTheRecordsButNeverReachesTheRoot) {
 TEST(Object, PrintsThroughTheVirtual) {
     Probe probe;
     SubProbe sub;
-    EXPECT_EQ("Base class|Base class", Text(probe));
-    EXPECT_EQ("sub|sub", Text(sub));
+    EXPECT_EQ("Base class", Printed(probe));
+    EXPECT_EQ("sub", Printed(static_cast<ZAV_Object&>(sub)));
+    EXPECT_EQ("sub", Printed(static_cast<ZAV_Object*>(&sub)));
 }
 
 TEST(Boolean, AnyNonZeroValuePrintsAsTrue) {
-    std::ostringstream os;
-    os << B_FALSE << " " << static_cast<boolean_t>(7) << " " << static_cast<boolean_t>(-1);
-    EXPECT_EQ("B_FALSE B_TRUE B_TRUE", os.str());
+    EXPECT_EQ("B_FALSE", Printed(B_FALSE));
+    for (int value : {1, 7, -1}) EXPECT_EQ("B_TRUE", Printed(static_cast<boolean_t>(value)));
 }
