@@ -18,7 +18,7 @@ ZAV_Link* ZAV_LinkedList::Add(ZAV_Link* l) {
     return l;
 }
 
-ZAV_CltObject* ZAV_LinkedList::Add(ZAV_CltObject* o) { return Add(ZAV_Link::Castdown(o)); }
+ZAV_CltObject* ZAV_LinkedList::Add(ZAV_CltObject* o) { return Add(LinkCastdown(o)); }
 
 ZAV_Link* ZAV_LinkedList::AddFirst(ZAV_Link* l) {
     l->mNext = mFirst;
@@ -28,7 +28,7 @@ ZAV_Link* ZAV_LinkedList::AddFirst(ZAV_Link* l) {
     return l;
 }
 
-ZAV_CltObject* ZAV_LinkedList::AddFirst(ZAV_CltObject* o) { return AddFirst(ZAV_Link::Castdown(o)); }
+ZAV_CltObject* ZAV_LinkedList::AddFirst(ZAV_CltObject* o) { return AddFirst(LinkCastdown(o)); }
 
 ZAV_Link* ZAV_LinkedList::AddAfter(ZAV_Link* existing, ZAV_Link* l) {
     l->mNext = existing->mNext;
@@ -39,7 +39,7 @@ ZAV_Link* ZAV_LinkedList::AddAfter(ZAV_Link* existing, ZAV_Link* l) {
 }
 
 ZAV_CltObject* ZAV_LinkedList::AddAfter(ZAV_CltObject* existing, ZAV_CltObject* o) {
-    return AddAfter(ZAV_Link::Castdown(existing), ZAV_Link::Castdown(o));
+    return AddAfter(LinkCastdown(existing), LinkCastdown(o));
 }
 
 ZAV_Link* ZAV_LinkedList::Remove(const ZAV_Link* l) {
@@ -59,7 +59,7 @@ ZAV_Link* ZAV_LinkedList::Remove(const ZAV_Link* l) {
     return at;
 }
 
-ZAV_CltObject* ZAV_LinkedList::Remove(const ZAV_CltObject* o) { return Remove(ZAV_Link::Castdown(o)); }
+ZAV_CltObject* ZAV_LinkedList::Remove(const ZAV_CltObject* o) { return Remove(LinkCastdown(o)); }
 ZAV_Link* ZAV_LinkedList::RemoveFirst() { return Remove(mFirst); }
 ZAV_Link* ZAV_LinkedList::RemoveLast() { return Remove(mLast); }
 void ZAV_LinkedList::RemoveAndDestroy(const ZAV_CltObject* o) { delete Remove(o); }
@@ -87,7 +87,7 @@ ZAV_CltObject* ZAV_LinkedList::DoNext(ZAV_Iterator* it) const {
         it->mIndex = 1;
         return mFirst;
     }
-    ZAV_Link* current = ZAV_Link::Castdown(it->mCurrent);
+    ZAV_Link* current = LinkCastdown(it->mCurrent);
     if (current == mLast) return nullptr;
     ++it->mIndex;
     return current->mNext;

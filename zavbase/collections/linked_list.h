@@ -45,6 +45,9 @@ public:
     boolean_t IsEmpty() override;
 
 private:
+    /// An object given as a link; unchecked.
+    static ZAV_Link* LinkCastdown(ZAV_CltObject* o) { return ZAV_Link::Castdown(o); }
+    static const ZAV_Link* LinkCastdown(const ZAV_CltObject* o) { return ZAV_Link::Castdown(o); }
     ZAV_CltObject*& At(int i) override;
     ZAV_CltObject* const& At(int i) const override;
     int IndexOfSubCollection(const ZAV_SeqCltn* c, int start) const override;

@@ -35,8 +35,9 @@ enum ZAV_ThreadCleanup : int { ZAV_THREAD_CLEANUP_NONE = 0 };
 /// destroying. A detached object may be destroyed while its thread runs on; `run` must then not use it any
 /// more.
 ///
-/// Threads: BeginThread and the destructor are for the owner; everything else for any thread. An exception
-/// that leaves `run`, other than ZAV_Thread::ExitException, ends the process.
+/// Threads: BeginThread, the priorities and the destructor are for the owner, and a restart or the destructor
+/// only once nobody waits for the former run any more; everything else is for any thread. An exception that
+/// leaves `run`, other than ZAV_Thread::ExitException, ends the process.
 class ZAV_API ZAV_Thread : public ZAV_CltObject {
     ZAV_DECLARE_CLASS(ZAV_Thread)
 public:
@@ -54,7 +55,8 @@ public:
     ZAV_ThreadError BeginThread(ZAV_ThreadCleanup cleanup, unsigned int stackSize);
     /// Asks the thread to stop: Running() becomes false. On the thread itself it does not return: the thread
     /// ends at once, without destroying the objects on its stack.
-    /// A thread that has not come to its body yet will find it false there.
+    /// A thread that has not come to its body yet will find it false there. A thread that ended itself this
+    /// way leaves Running() true: it is started again only after another StopThread.
     virtual ZAV_ThreadError StopThread();
     /// Waits until the thread has ended. Any number of threads may wait. On the thread itself 36. In every
     /// case the thread is no longer registered afterwards (CurrentThread does not find it).
