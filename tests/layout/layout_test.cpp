@@ -173,6 +173,8 @@ TEST(Layout, ThreadsAndLocks) {
                Offset(&Signaller::Lock::mHeld)),
         LAYOUT(ZAV_Monitor, 4),
         LAYOUT(ZAV_ReentrantMonitor, 16),
+        LAYOUT(ZAV_ResourceLockPool, 92, Offset(&ZAV_ResourceLockPool::mFileName),
+               Offset(&ZAV_ResourceLockPool::mLocks), Offset(&ZAV_ResourceLockPool::mDirty)),
         LAYOUT(ZAV_Thread, 132, Offset(&ZAV_Thread::mInfoString), Offset(&ZAV_Thread::mHandle),
                Offset(&ZAV_Thread::mThreadId), Offset(&ZAV_Thread::mRunning),
                Offset(&ZAV_Thread::mRunningLock), Offset(&ZAV_Thread::mFlag), Offset(&ZAV_Thread::mCleanup)),
