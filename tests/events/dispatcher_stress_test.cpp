@@ -25,9 +25,8 @@ struct Account {
 class Counted : public ZAV_Event {
 public:
     Counted(Account& account, int producer, int number, int priority)
-        : ZAV_Event(0x436E7464), mAccount(account), mProducer(producer), mNumber(number), mMyPriority(priority)
-    {
-    }
+        : ZAV_Event(0x436E7464), mAccount(account), mProducer(producer), mNumber(number),
+          mMyPriority(priority) {}
     void EmergencyCleanup() override { ++mAccount.cleanedUp; }
 
     Account& mAccount;
@@ -42,8 +41,7 @@ public:
     Unsteady(LastHandled& last, unsigned seed) : mLast(last), mRandom(seed) {}
 
 protected:
-    int HandleEvent(ZAV_Event* event) override
-    {
+    int HandleEvent(ZAV_Event* event) override {
         if (event->IsKindOf(&ZAV_EventStop::classZAV_EventStop)) return 2;
         Counted* counted = static_cast<Counted*>(event);
         int& last = mLast[static_cast<std::size_t>(counted->mProducer)]
@@ -64,15 +62,13 @@ private:
 
 class Stress {
 public:
-    Stress()
-    {
+    Stress() {
         for (auto& priorities : mLast) priorities.fill(-1);
         for (unsigned h = 0; h < kHandlers; ++h) mHandlers.emplace_back(new Unsteady(mLast, h + 1));
     }
 
     // Posts at random and brings handlers back that have gone.
-    void Produce(int producer)
-    {
+    void Produce(int producer) {
         std::minstd_rand random(static_cast<unsigned>(producer + 100));
         for (int i = 0; i < kEventsEach; ++i) {
             const ZAV_EvHandlerRef& handler = mHandlers[random() % kHandlers];
@@ -88,8 +84,7 @@ public:
     }
 
     // Stops in the middle; the producers go on.
-    void Run()
-    {
+    void Run() {
         for (const ZAV_EvHandlerRef& handler : mHandlers) mDispatcher->AddEvHandler(handler);
         auto thread = std::make_unique<ZAV_EvDispatcherThread>(*mDispatcher);
         thread->BeginThread(ZAV_THREAD_CLEANUP_NONE, 0);
@@ -120,8 +115,7 @@ public:
     std::atomic<bool> mHalfway{false}, mStopped{false};
 };
 
-TEST(DispatcherStress, AccountsForEveryEvent)
-{
+TEST(DispatcherStress, AccountsForEveryEvent) {
     const int events = ZAV_Event::instance_counter;
     {
         Stress stress;
@@ -135,8 +129,7 @@ TEST(DispatcherStress, AccountsForEveryEvent)
 }
 
 // Producers and the destructor of their dispatcher, with nothing in between.
-TEST(DispatcherStress, ADispatcherMayGoWhileOthersPost)
-{
+TEST(DispatcherStress, ADispatcherMayGoWhileOthersPost) {
     const int events = ZAV_Event::instance_counter;
     Account account;
     int made = 0;

@@ -1,5 +1,7 @@
-#include <algorithm>
 #include <climits>
+#include <functional>
+#include <map>
+#include <memory>
 #include <random>
 #include <vector>
 
@@ -17,39 +19,27 @@ public:
     long Priority() const { return mPriority; }
 };
 
-// The one list that the queue stands for: behind the last event of at least the new one's priority.
-class PlainQueue {
-public:
-    void Push(Numbered* event)
-    {
-        auto at = mEvents.begin();
-        while (at != mEvents.end() && (*at)->Priority() >= event->Priority()) ++at;
-        mEvents.insert(at, event);
-    }
-    Numbered* Pop()
-    {
-        if (mEvents.empty()) return nullptr;
-        Numbered* first = mEvents.front();
-        mEvents.erase(mEvents.begin());
-        return first;
-    }
-    std::size_t Length() const { return mEvents.size(); }
+// The one sorted list that the queue stands for; a multimap keeps equal ones in order.
+typedef std::multimap<long, Numbered*, std::greater<long>> PlainQueue;
 
-private:
-    std::vector<Numbered*> mEvents;
-};
+Numbered* Pop(PlainQueue& plain) { return plain.empty() ? nullptr : plain.extract(plain.begin()).mapped(); }
+
+Numbered* PushNew(ZAV_EventQueue& queue, long priority) {
+    Numbered* event = new Numbered(priority);
+    queue.Push(event);
+    return event;
+}
 
 // Takes events from the queue as its user does: a chain at a time, with the rest put back now and then.
 class Taker {
 public:
     explicit Taker(ZAV_EventQueue& queue) : mQueue(queue) {}
-    ZAV_Event* Take()
-    {
-        if (mChain.first == nullptr || (!mQueue.IsEmpty() && mQueue.HighestPriority() > mChain.priority)) Fetch();
+    ZAV_Event* Take() {
+        if (mChain.first == nullptr || (!mQueue.IsEmpty() && mQueue.HighestPriority() > mChain.priority))
+            Fetch();
         return mChain.TakeFirst();
     }
-    void Fetch()
-    {
+    void Fetch() {
         mQueue.PutBack(mChain);
         mChain = mQueue.TakeHighest();
     }
@@ -60,8 +50,7 @@ private:
     ZAV_EventQueue::Chain mChain;
 };
 
-void CompareRandomly(unsigned seed, long lowest, long highest, int steps, unsigned pushesOf10)
-{
+void CompareRandomly(unsigned seed, long lowest, long highest, int steps, unsigned pushesOf10) {
     SCOPED_TRACE(testing::Message() << "seed " << seed << ", priorities " << lowest << " to " << highest);
     std::mt19937 random(seed);
     std::uniform_int_distribution<long> priority(lowest, highest);
@@ -70,51 +59,41 @@ void CompareRandomly(unsigned seed, long lowest, long highest, int steps, unsign
     PlainQueue plain;
     for (int step = 0; step < steps; ++step) {
         if (random() % 10 < pushesOf10) {
-            Numbered* event = new Numbered(priority(random));
-            queue.Push(event);
-            plain.Push(event);
+            const long p = priority(random);
+            plain.emplace(p, PushNew(queue, p));
         } else {
             if (random() % 4 == 0) taker.Fetch();
-            Numbered* expected = plain.Pop();
+            Numbered* expected = Pop(plain);
             ASSERT_EQ(taker.Take(), expected) << "step " << step;
             delete expected;
         }
-        ASSERT_EQ(taker.Length(), plain.Length());
+        ASSERT_EQ(taker.Length(), plain.size());
     }
-    while (Numbered* expected = plain.Pop()) {
+    while (Numbered* expected = Pop(plain)) {
         ASSERT_EQ(taker.Take(), expected);
         delete expected;
     }
     EXPECT_EQ(taker.Take(), nullptr);
 }
 
-TEST(EventQueue, GivesWhatOneSortedListWouldGive)
-{
+TEST(EventQueue, GivesWhatOneSortedListWouldGive) {
     CompareRandomly(1, 0, 0, 2000, 5);
     CompareRandomly(2, -5, 5, 4000, 6);
-    CompareRandomly(3, INT_MIN, INT_MAX, 4000, 7);  // a bucket an event, both ends included
-    CompareRandomly(4, -1, 1, 2000, 4);             // empty most of the time
+    CompareRandomly(3, INT_MIN, INT_MAX, 4000, 7); // a bucket an event, both ends included
+    CompareRandomly(4, -1, 1, 2000, 4);            // empty most of the time
 }
 
 // More priorities than are kept when their buckets are empty, with some events staying behind throughout.
-TEST(EventQueue, ForgetsPrioritiesThatWentOutOfUse)
-{
+TEST(EventQueue, ForgetsPrioritiesThatWentOutOfUse) {
     ZAV_EventQueue queue;
     Taker taker(queue);
-    std::vector<Numbered*> staying;
-    for (long i = 0; i < 5; ++i) queue.Push(staying.emplace_back(new Numbered(-100 - i % 2)));
+    PlainQueue staying;
+    for (const long p : {-100, -101, -100, -101, -100}) staying.emplace(p, PushNew(queue, p));
     for (long priority = 0; priority < 6000; ++priority) {
-        Numbered* event = new Numbered(priority);
-        queue.Push(event);
-        ASSERT_EQ(taker.Take(), event);
-        delete event;
+        const std::unique_ptr<Numbered> event(PushNew(queue, priority));
+        ASSERT_EQ(taker.Take(), event.get());
     }
-    std::stable_sort(staying.begin(), staying.end(),
-                     [](Numbered* a, Numbered* b) { return a->Priority() > b->Priority(); });
-    for (Numbered* event : staying) {
-        ASSERT_EQ(taker.Take(), event);
-        delete event;
-    }
+    while (const auto event = std::unique_ptr<Numbered>(Pop(staying))) ASSERT_EQ(taker.Take(), event.get());
 }
 
 } // namespace

@@ -1,7 +1,4 @@
-#include <algorithm>
 #include <functional>
-#include <random>
-#include <sstream>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -11,6 +8,7 @@
 #include <zavbase/events/timer_mgr.h>
 
 #include "fake_clock.h"
+#include "tests/support/printed.h"
 
 namespace {
 
@@ -21,8 +19,7 @@ public:
     std::function<void(ZAV_Event*)> mThen;
 
 protected:
-    int HandleEvent(ZAV_Event* event) override
-    {
+    int HandleEvent(ZAV_Event* event) override {
         if (event->IsKindOf(&ZAV_EventTimer::classZAV_EventTimer))
             mFired.push_back(static_cast<ZAV_EventTimer*>(event)->Id());
         if (mThen) mThen(event);
@@ -33,8 +30,7 @@ protected:
 // A manager that is polled by a dispatcher, on the manual clock.
 class TimerMgr : public testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         fakeTicks = 100;
         ASSERT_EQ(ZAV_TimerMgr::AddTimer(0, mHandler, 0), -1);
         mDispatcher.AddEvHandler(mRef);
@@ -43,8 +39,7 @@ protected:
     void TearDown() override { ZAV_TimerMgr::CleanupListener(); }
 
     // Lets time pass and polls once; gives what fired.
-    std::vector<long> After(std::uint32_t ms)
-    {
+    std::vector<long> After(std::uint32_t ms) {
         fakeTicks += ms;
         mHandler->mFired.clear();
         mDispatcher.Dispatch(DISPATCH_ONCE);
@@ -59,8 +54,7 @@ protected:
 
 typedef std::vector<long> Ids;
 
-TEST_F(TimerMgr, FiresInTheOrderOfDueTimesThenOfAdding)
-{
+TEST_F(TimerMgr, FiresInTheOrderOfDueTimesThenOfAdding) {
     const long first = mHandler->RegisterTimer(100);
     const long second = mHandler->RegisterTimer(100);
     const long early = mHandler->RegisterTimer(50);
@@ -68,55 +62,43 @@ TEST_F(TimerMgr, FiresInTheOrderOfDueTimesThenOfAdding)
     const long now = mHandler->RegisterTimer(0);
     EXPECT_EQ(After(0), Ids{now});
     mHandler->UnRegisterTimer(removed);
-    mHandler->UnRegisterTimer(now);   // fired already
-    mHandler->UnRegisterTimer(4711);  // never was
+    mHandler->UnRegisterTimer(now);  // fired already
+    mHandler->UnRegisterTimer(4711); // never was
     EXPECT_EQ(After(49), Ids{});
     EXPECT_EQ(After(51), (Ids{early, first, second}));
-}
-
-TEST_F(TimerMgr, KeepsThePriorityGivenToAddTimer)
-{
     const long low = ZAV_TimerMgr::AddTimer(10, mHandler, -1);
     const long high = ZAV_TimerMgr::AddTimer(20, mHandler, 3);
     EXPECT_EQ(After(20), (Ids{high, low}));
-}
-
-TEST_F(TimerMgr, DestroysATimerWhoseHandlerIsNotRegistered)
-{
     const int events = ZAV_Event::instance_counter;
     mHandler->RegisterTimer(10);
-    EXPECT_EQ(ZAV_Event::instance_counter, events + 1);
     mDispatcher.RemoveEvHandler(mRef);
     EXPECT_EQ(After(10), Ids{});
-    EXPECT_EQ(ZAV_Event::instance_counter, events);
+    EXPECT_EQ(ZAV_Event::instance_counter, events) << "nobody to fire for";
 }
 
 // A handler of which the pending timer holds the last reference, and whose destructor calls the manager.
-TEST_F(TimerMgr, RemovingATimerMayDestroyItsHandler)
-{
+TEST_F(TimerMgr, RemovingATimerMayDestroyItsHandler) {
     class Leaving : public TimerHandler {
     public:
         ~Leaving() override { UnRegisterTimer(mOther); }
         long mOther = 0;
     };
     const int handlers = ZAV_EvHandlerBody::instance_counter;
-    Leaving* leaving = new Leaving;
-    leaving->mOther = mHandler->RegisterTimer(5);
-    const long last = leaving->RegisterTimer(10);
-    ZAV_TimerMgr::RemoveTimer(last);
+    const auto lastTimer = [this] {
+        Leaving* leaving = new Leaving;
+        leaving->mOther = mHandler->RegisterTimer(5);
+        return leaving->RegisterTimer(10);
+    };
+    ZAV_TimerMgr::RemoveTimer(lastTimer());
     EXPECT_EQ(ZAV_EvHandlerBody::instance_counter, handlers);
     EXPECT_EQ(After(10), Ids{});
-
-    leaving = new Leaving;
-    leaving->mOther = mHandler->RegisterTimer(5);
-    leaving->RegisterTimer(10);
+    lastTimer();
     ZAV_TimerMgr::CleanupListener();
     EXPECT_EQ(ZAV_EvHandlerBody::instance_counter, handlers);
     EXPECT_EQ(mHandler->RegisterTimer(1), -1);
 }
 
-TEST_F(TimerMgr, AStoppedManagerFiresOneTimerAPoll)
-{
+TEST_F(TimerMgr, AStoppedManagerFiresOneTimerAPoll) {
     const long first = mHandler->RegisterTimer(1);
     const long second = mHandler->RegisterTimer(1);
     ZAV_TimerMgr::theTimerMgr->Stop();
@@ -126,20 +108,18 @@ TEST_F(TimerMgr, AStoppedManagerFiresOneTimerAPoll)
     EXPECT_EQ(After(0), (Ids{first, second}));
 }
 
-TEST_F(TimerMgr, OutlivesItsDispatcher)
-{
+TEST_F(TimerMgr, OutlivesItsDispatcher) {
     ZAV_TimerMgr::CleanupListener();
     {
         ZAV_EvDispatcher gone;
         ZAV_TimerMgr::InitializeListener(B_FALSE, &gone);
-        ZAV_TimerMgr::InitializeListener(B_FALSE, &mDispatcher);  // ignored
+        ZAV_TimerMgr::InitializeListener(B_FALSE, &mDispatcher); // ignored
     }
     mHandler->RegisterTimer(0);
     EXPECT_EQ(After(1), Ids{});
 }
 
-TEST_F(TimerMgr, AnEventShowsItsTimesThroughTheWrap)
-{
+TEST_F(TimerMgr, AnEventShowsItsTimesThroughTheWrap) {
     fakeTicks = 0xFFFFFFF0u;
     const long id = mHandler->RegisterTimer(0x20);
     mHandler->mThen = [](ZAV_Event* event) {
@@ -149,22 +129,19 @@ TEST_F(TimerMgr, AnEventShowsItsTimesThroughTheWrap)
         EXPECT_EQ(timer->TimeToGo(0x20), -15);
         EXPECT_FALSE(timer->TimeoutElapsed(0x10));
         EXPECT_TRUE(timer->TimeoutElapsed(0x11));
-        std::ostringstream text;
-        text << *event;
-        EXPECT_EQ(text.str(), "Event 'Timr' = ZAV_EventTimer(mId =1, mTimeout =32)");
+        EXPECT_EQ(Printed(*event), "Event 'Timr' = ZAV_EventTimer(mId =1, mTimeout =32)");
     };
     EXPECT_EQ(After(0x20), Ids{});
     EXPECT_EQ(After(1), Ids{id});
 }
 
-TEST_F(TimerMgr, APeriodicTimerDoesNotDrift)
-{
+TEST_F(TimerMgr, APeriodicTimerDoesNotDrift) {
     ZAV_PeriodicTimer tick(100);
     std::vector<std::uint32_t> at;
     mHandler->mThen = [&](ZAV_Event* event) {
         if (tick.CheckEvent(event)) at.push_back(fakeTicks);
     };
-    fakeTicks = 0xFFFFFF00u;  // wraps after 256 ms
+    fakeTicks = 0xFFFFFF00u; // wraps after 256 ms
     ASSERT_TRUE(tick.Start(mHandler));
     for (const std::uint32_t late : {7u, 0u, 30u, 99u}) {
         const std::size_t before = at.size();
@@ -173,7 +150,7 @@ TEST_F(TimerMgr, APeriodicTimerDoesNotDrift)
     }
     EXPECT_EQ(at, (std::vector<std::uint32_t>{0xFFFFFF64u, 0xFFFFFFC8u, 45, 144}));
     EXPECT_EQ(tick.Missed(), 0u);
-    After(1000);  // 999 late: the nine times that went by are skipped
+    After(1000); // 999 late: the nine times that went by are skipped
     EXPECT_EQ(tick.Missed(), 9u);
     tick.Stop();
     at.clear();
@@ -181,8 +158,7 @@ TEST_F(TimerMgr, APeriodicTimerDoesNotDrift)
     EXPECT_TRUE(at.empty());
 }
 
-TEST_F(TimerMgr, ATimerBodyNotifiesOnceItsTimeIsUp)
-{
+TEST_F(TimerMgr, ATimerBodyNotifiesOnceItsTimeIsUp) {
     ZAV_TimerRef timer;
     timer->SetTimeout(50);
     timer->Register(mHandler);
@@ -192,11 +168,11 @@ TEST_F(TimerMgr, ATimerBodyNotifiesOnceItsTimeIsUp)
     timer->CheckTime(fakeTicks + 49);
     EXPECT_EQ(mDispatcher.QueueLength(), 0u);
     timer->CheckTime(fakeTicks + 50);
-    timer->CheckTime(fakeTicks + 51);  // at zero already
+    timer->CheckTime(fakeTicks + 51); // at zero already
     After(0);
     EXPECT_EQ(synced, 1);
     timer->Restart();
-    timer->CheckTime(fakeTicks - 1);  // before the start: the counter has gone all the way round
+    timer->CheckTime(fakeTicks - 1); // before the start: the counter has gone all the way round
     After(0);
     EXPECT_EQ(synced, 2);
 }

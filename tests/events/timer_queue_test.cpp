@@ -12,25 +12,24 @@ namespace {
 typedef std::uint32_t Ticks;
 
 // The queue only hands the pointers out again, so they may be numbers.
-ZAV_EventTimer* TimerNumber(int id) { return reinterpret_cast<ZAV_EventTimer*>(static_cast<std::uintptr_t>(id)); }
+ZAV_EventTimer* TimerNumber(int id) {
+    return reinterpret_cast<ZAV_EventTimer*>(static_cast<std::uintptr_t>(id));
+}
 int NumberOf(ZAV_EventTimer* timer) { return static_cast<int>(reinterpret_cast<std::uintptr_t>(timer)); }
 
 // The one list that the queue stands for, in 32-bit ticks.
 class PlainTimers {
 public:
-    void Insert(int id, Ticks now, Ticks timeout)
-    {
+    void Insert(int id, Ticks now, Ticks timeout) {
         const Ticks due = now + timeout;
         auto at = mTimers.begin();
         while (at != mTimers.end() && at->ElapsedAt(due)) ++at;
         mTimers.insert(at, {id, now, timeout});
     }
-    bool Cancel(int id)
-    {
+    bool Cancel(int id) {
         return std::erase_if(mTimers, [id](const Timer& t) { return t.id == id; }) != 0;
     }
-    int TakeDue(Ticks now)
-    {
+    int TakeDue(Ticks now) {
         if (mTimers.empty() || !mTimers.front().ElapsedAt(now)) return 0;
         const int id = mTimers.front().id;
         mTimers.erase(mTimers.begin());
@@ -47,8 +46,7 @@ private:
     std::vector<Timer> mTimers;
 };
 
-void CompareRandomly(unsigned seed, Ticks begin, Ticks longest, Ticks longestStep)
-{
+void CompareRandomly(unsigned seed, Ticks begin, Ticks longest, Ticks longestStep) {
     SCOPED_TRACE(testing::Message() << "seed " << seed << ", from " << begin << ", up to " << longest);
     std::mt19937 random(seed);
     ZAV_TimerQueue queue;
@@ -74,19 +72,17 @@ void CompareRandomly(unsigned seed, Ticks begin, Ticks longest, Ticks longestSte
     }
 }
 
-TEST(TimerQueue, GivesWhatOneSortedListWouldGive)
-{
+TEST(TimerQueue, GivesWhatOneSortedListWouldGive) {
     CompareRandomly(1, 5, 50, 20);
     CompareRandomly(2, 0, 100000, 3000);
-    CompareRandomly(3, 0xFFFFFFF0u, 12, 3);            // equal due times on both sides of the wrap
+    CompareRandomly(3, 0xFFFFFFF0u, 12, 3); // equal due times on both sides of the wrap
     CompareRandomly(4, 0xFFFFF000u, 2000, 50);
-    CompareRandomly(5, 0xFFF00000u, 3000000, 20000);   // sweeps many cancelled ones
+    CompareRandomly(5, 0xFFF00000u, 3000000, 20000); // sweeps many cancelled ones
     CompareRandomly(6, 0xC0000000u, 0x3FFFFFFF, 0x100000);
 }
 
 // Where 32-bit arithmetic on signed times would fire at once, or wait for nothing over and over.
-TEST(TimerQueue, WaitsForTimesBeyondTwoToThe31)
-{
+TEST(TimerQueue, WaitsForTimesBeyondTwoToThe31) {
     for (const Ticks timeout : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
         ZAV_TimerQueue queue;
         const Ticks start = 1000;
@@ -101,8 +97,7 @@ TEST(TimerQueue, WaitsForTimesBeyondTwoToThe31)
     }
 }
 
-TEST(TimerQueue, ToleratesAReadingThatWasOvertaken)
-{
+TEST(TimerQueue, ToleratesAReadingThatWasOvertaken) {
     ZAV_TimerQueue queue;
     queue.Insert(TimerNumber(1), 1, 5000, 1000);
     EXPECT_EQ(queue.TakeDue(4990), nullptr);
@@ -113,11 +108,10 @@ TEST(TimerQueue, ToleratesAReadingThatWasOvertaken)
     EXPECT_EQ(queue.TakeDue(5999), nullptr);
 }
 
-TEST(TimerQueue, EmptiesWhateverIsLeft)
-{
+TEST(TimerQueue, EmptiesWhateverIsLeft) {
     ZAV_TimerQueue queue;
     for (int id = 1; id <= 10; ++id) queue.Insert(TimerNumber(id), id, 0, static_cast<Ticks>(id / 3));
-    ASSERT_EQ(queue.TakeDue(1), TimerNumber(1));  // stands in the middle of those due at once
+    ASSERT_EQ(queue.TakeDue(1), TimerNumber(1)); // stands in the middle of those due at once
     queue.Cancel(4);
     std::vector<int> left;
     while (ZAV_EventTimer* timer = queue.TakeAny()) left.push_back(NumberOf(timer));
