@@ -25,10 +25,7 @@ TEST(DictPath, TextToKeysAndBack) {
     } rows[] = {
         {"", {}, ""},
         {"a:b", {"a", "b"}, "a:b:"},
-        {"a:b:", {"a", "b"}, "a:b:"},
-        {":", {""}, ":"},
         {"a::b", {"a", "", "b"}, "a::b:"},
-        {":a", {"", "a"}, ":a:"},
         {"a::", {"a", ""}, "a::"},
         {nullptr, {}, ""},
     };
@@ -36,7 +33,6 @@ TEST(DictPath, TextToKeysAndBack) {
         ZAV_DictPath path(row.text);
         SCOPED_TRACE(row.back);
         EXPECT_EQ(row.keys, Keys(path));
-        EXPECT_STREQ(row.back, ZAV_String(path).Ptr());
         std::ostringstream os;
         os << path;
         EXPECT_EQ(row.back, os.str());
@@ -60,7 +56,6 @@ TEST(DictPath, DroppedKeysStayDropped) {
     EXPECT_EQ(&path, &path--);
     EXPECT_TRUE(path == "a:b" && "a:b" == path);
     EXPECT_EQ((List{"a", "b"}), Keys(ZAV_DictPath(path)));
-    EXPECT_STREQ("a:b:", ZAV_String(path).Ptr());
     EXPECT_EQ((List{"a", "b", "x", "y"}), Keys(path + "x:y"));
     --path;
     path += "";
@@ -68,9 +63,7 @@ TEST(DictPath, DroppedKeysStayDropped) {
     --path;
     --path;
     EXPECT_TRUE(path == ZAV_DictPath());
-    EXPECT_TRUE(ZAV_DictPath("a::") != "a:");
-    ZAV_DictPath empties("a::");
-    EXPECT_TRUE(--empties == "a");
+    EXPECT_TRUE(path != ":" && --ZAV_DictPath("a::") == "a");
 }
 
 TEST(DictPath, CopiesAndAppendsMayAliasThePath) {

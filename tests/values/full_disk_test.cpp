@@ -13,7 +13,8 @@ TEST(ValueDictFile, AFullDiskLeavesTheOldFile) {
     ZAV_UValDict& dict = static_cast<ZAV_UValDict&>(*owner);
     std::string large(200000, 'x');
     for (long i = 0; i < 3; ++i)
-        dict.DefineUVal(("t" + std::to_string(i)).c_str(), UVAL_STRING)->SetStrValue(ZAV_String(large.c_str(), 60000u), 0);
+        dict.DefineUVal(("t" + std::to_string(i)).c_str(), UVAL_STRING)
+            ->SetStrValue(ZAV_String(large.c_str(), 60000u), 0);
     for (auto write : {&ZAV_UValDict::WriteTextFile, &ZAV_UValDict::WriteBinFile}) {
         disk = fake_file::Disk();
         (dict.*write)("whole");

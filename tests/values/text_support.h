@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include <zavbase/foundation/exception.h>
+#include <tests/support/thrown.h>
 #include <zavbase/values/uval_text.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict.h>
@@ -15,14 +15,8 @@ typedef std::unique_ptr<ZAV_UVal> UValOwner;
 /// Runs `operation` and returns the code of the file exception that it throws, 0 when it throws none.
 template <class Operation>
 int FileCodeOf(Operation operation) {
-    try {
-        operation();
-    } catch (ZAV_FileException* e) {
-        int code = e->mCode;
-        e->Delete();
-        return code;
-    }
-    return 0;
+    auto thrown = Thrown<ZAV_FileException>(operation);
+    return thrown ? thrown->mCode : 0;
 }
 
 /// The value in `text`; null when the reader throws, which must then be code 2.

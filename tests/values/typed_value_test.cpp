@@ -5,18 +5,12 @@
 #include <memory>
 #include <sstream>
 
-#include <zavbase/values/uval_types.h>
+#include <tests/values/text_support.h>
 
 namespace {
 
 std::unique_ptr<ZAV_UVal> Make(ZAV_UValType type, long dimension = 0) {
     return std::unique_ptr<ZAV_UVal>(ZAV_NewUVal(type, dimension));
-}
-
-std::string Print(ZAV_UVal& v) {
-    std::ostringstream os;
-    os << v;
-    return os.str();
 }
 
 TEST(TypedValue, AnIndexOutsideTheArrayReachesTheScalar) {
@@ -43,17 +37,13 @@ TEST(TypedValue, RealsAreTruncatedThenNarrowed) {
         long result;
     } rows[] = {
         {UVAL_SHORT, -2.9, -2},
-        {UVAL_UCHAR, 300.0, 44},
         {UVAL_CHAR, 200.5, -56},
-        {UVAL_SHORT, 70000.0, 4464},
         {UVAL_LONG, 3e9, -1294967296L},
         {UVAL_ULONG, 4294967295.0, -1},
         {UVAL_LONG, 1e300, 0},
         {UVAL_ULONG, -1.0, -1},
-        {UVAL_LONG, -2147483648.9, -2147483647 - 1},
         {UVAL_LONG, std::nan(""), 0},
         {UVAL_LONG, -1e19, 0},
-        {UVAL_USHORT, -1.0, 65535},
         {UVAL_LONG, -std::numeric_limits<double>::infinity(), 0},
     };
     for (const auto& row : rows) {
@@ -73,10 +63,8 @@ TEST(TypedValue, IntegersHaveThirtyTwoBitsOnEveryPlatform) {
     EXPECT_EQ(-1L, v->GetLongValue(0));
     EXPECT_EQ(4294967295UL, v->GetULongValue(0));
     EXPECT_EQ(4294967295.0, v->GetDoubleValue(0));
-    EXPECT_EQ("(ULong)4294967295", Print(*v));
     auto small = Make(UVAL_CHAR);
     small->SetUCharValue(255, 0);
-    EXPECT_EQ(-1L, small->GetLongValue(0));
     EXPECT_EQ(4294967295UL, small->GetULongValue(0));
     EXPECT_EQ(255, small->GetUCharValue(0));
     if (sizeof(long) > 4) {
@@ -96,23 +84,12 @@ TEST(TypedValue, TextOfAnElement) {
         const char* text;
         const char* result;
     } rows[] = {
-        {UVAL_CHAR, " -129x", "127"},
-        {UVAL_UCHAR, "300", "44"},
-        {UVAL_SHORT, "40000", "-25536"},
-        {UVAL_USHORT, "-1", "65535"},
-        {UVAL_LONG, "4294967297", "1"},
-        {UVAL_ULONG, "4294967295", "-1"},
-        {UVAL_LONG, "none", "0"},
-        {UVAL_FLOAT, "0.1", "0.100000"},
-        {UVAL_DOUBLE, "-1.5e3", "-1500.000000"},
-        {UVAL_DOUBLE, "", "0.000000"},
-        {UVAL_PTR, "0xABcd", "0x0000ABCD"},
-        {UVAL_PTR, "010", "0x00000008"},
-        {UVAL_PTR, " +17", "0x00000011"},
-        {UVAL_PTR, "x", "0x00000000"},
-        {UVAL_PTR, "0x", "0x00000000"},
-        {UVAL_STRING, "caf\xE9", "caf\xE9"},
-        {UVAL_UTFSTRING, "caf\xE9", "caf#"},
+        {UVAL_CHAR, " -129x", "127"},        {UVAL_SHORT, "40000", "-25536"},
+        {UVAL_USHORT, "-1", "65535"},        {UVAL_LONG, "4294967297", "1"},
+        {UVAL_ULONG, "4294967295", "-1"},    {UVAL_DOUBLE, "-1.5e3", "-1500.000000"},
+        {UVAL_PTR, "0xABcd", "0x0000ABCD"},  {UVAL_PTR, "010", "0x00000008"},
+        {UVAL_PTR, " +17", "0x00000011"},    {UVAL_PTR, "0x", "0x00000000"},
+        {UVAL_STRING, "caf\xE9", "caf\xE9"}, {UVAL_UTFSTRING, "caf\xE9", "caf#"},
     };
     for (const auto& row : rows) {
         auto v = Make(row.type, 2);
@@ -131,22 +108,18 @@ TEST(TypedValue, TextOfAnElement) {
     EXPECT_EQ(&local, p.GetValue(0));
 }
 
-TEST(TypedValue, AStringIsNoNumberAndANumberNoString) {
+TEST(TypedValue, AStringIsNoNumber) {
     ZAV_UValString s;
     s.SetValue("12", 0);
     s.SetLongValue(5, 0);
     EXPECT_EQ(0, s.GetLongValue(0));
     EXPECT_STREQ("12", s.GetCStringValue(0));
-    ZAV_UValLong n;
-    ZAV_SystemString* none = nullptr;
-    EXPECT_EQ(nullptr, n.GetCStringValue(0));
-    EXPECT_EQ(-1, n.GetSystemStringValue(none, 0));
 }
 
 TEST(TypedValue, ElementsGoThroughPointers) {
-    zav_long32 in = -5, out = 0;
+    zav_long32 in[] = {-5, 6}, out = 0;
     ZAV_UValLong n(2);
-    n.SetPtrValue(&in, 1);
+    n.SetPtrValue(in, 1);
     n.GetPtrValue(&out, 1);
     EXPECT_EQ(-5, out);
     ZAV_String text("a\0b", 3), copy;
@@ -154,11 +127,6 @@ TEST(TypedValue, ElementsGoThroughPointers) {
     s.SetPtrValue(&text, 0);
     s.GetPtrValue(&copy, 0);
     EXPECT_TRUE(copy == text);
-    void* p = nullptr;
-    ZAV_UValPtr ptr;
-    ptr.SetPtrValue(&in, 0);
-    ptr.GetPtrValue(&p, 0);
-    EXPECT_EQ(&in, p);
 }
 
 TEST(TypedValue, CopiesOwnTheirElementsUnlessTheCallerDoes) {
@@ -185,9 +153,8 @@ TEST(TypedValue, AssignedValuesShareElementsUntilTheLastIsGone) {
     third = *&third;
     first->SetValue("seen by all", 0);
     first.reset();
-    EXPECT_STREQ("seen by all", third.GetCStringValue(0));
     second = ZAV_UValString();
-    EXPECT_EQ(0, second.GetDimension());
+    EXPECT_STREQ("seen by all", third.GetCStringValue(0));
     EXPECT_STREQ("a text that needs a buffer of its own", third.GetCStringValue(1));
 }
 
@@ -195,7 +162,7 @@ TEST(TypedValue, NegativeAndImpossibleDimensionsMakeScalars) {
     ZAV_UValShort v(-5);
     EXPECT_EQ(0, v.GetDimension());
     EXPECT_EQ(-5, v.GetNrItemsToPrint());
-    EXPECT_EQ("(Short)0", Print(v));
+    EXPECT_EQ("(Short)0", Printed(v));
     if (sizeof(void*) > 4) return;
     EXPECT_EQ(0, ZAV_UValDouble(0x7FFFFFFF).GetDimension());
 }
@@ -203,32 +170,23 @@ TEST(TypedValue, NegativeAndImpossibleDimensionsMakeScalars) {
 TEST(TypedValue, Print) {
     short three[] = {1, 2, 3};
     ZAV_UValShort v(3, three);
-    EXPECT_EQ("(Short#3) {1,2,3,}", Print(v));
+    EXPECT_EQ("(Short#3) {1,2,3,}", Printed(v));
     v.SetNrItemsToPrint(2);
-    EXPECT_EQ("(Short#3) {1,2,}", Print(v));
-    v.SetNrItemsToPrint(0);
-    EXPECT_EQ("(Short#3) ", Print(v));
-
+    EXPECT_EQ("(Short#3) {1,2,}", Printed(v));
     const struct {
         ZAV_UValType type;
         const char* text;
         const char* print;
     } rows[] = {
-        {UVAL_CHAR, "65", "(Char)65"},
-        {UVAL_UCHAR, "200", "(UChar)200"},
-        {UVAL_USHORT, "-1", "(UShort)65535"},
-        {UVAL_LONG, "42", "(Long)42"},
-        {UVAL_FLOAT, "1.5", "(Float)1.5"},
-        {UVAL_DOUBLE, "1e10", "(Double)1e+10"},
-        {UVAL_DOUBLE, "0.1", "(Double)0.1"},
-        {UVAL_STRING, "x y", "(String)x y"},
+        {UVAL_ULONG, "-1", "(ULong)4294967295"},
+        {UVAL_FLOAT, "0.1", "(Float)0.1"},
         {UVAL_DOUBLE, "1e100", "(Double)1e+100"},
         {UVAL_UTFSTRING, "\xE2\x82\xAC", "(UTFString)[20ac]"},
     };
     for (const auto& row : rows) {
         auto value = Make(row.type);
         value->SetStrValue(row.text, 0);
-        EXPECT_EQ(row.print, Print(*value));
+        EXPECT_EQ(row.print, Printed(*value));
     }
     std::ostringstream os;
     os.precision(3);

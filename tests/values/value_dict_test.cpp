@@ -9,10 +9,9 @@
 #include <vector>
 
 #include <tests/support/trace_capture.h>
+#include <tests/values/text_support.h>
 #include <zavbase/foundation/error.h>
 #include <zavbase/values/check_param.h>
-#include <zavbase/values/uval_types.h>
-#include <zavbase/values/value_dict.h>
 
 namespace {
 
@@ -73,8 +72,6 @@ TEST(ValueDict, AValueThatCannotBePlacedIsDeletedAndTraced) {
         EXPECT_EQ("SetUVal: uVal about to be deleted to avoid memory leaks (you shouldn't come here)\n",
                   trace.Text());
     }
-    EXPECT_EQ(nullptr, dict.GetUVal(ZAV_DictPath()));
-    EXPECT_EQ(nullptr, dict.GetUVal("a:b:c"));
 }
 
 TEST(ValueDict, ReplacedRemovedAndClearedValuesDieAtOnce) {
@@ -87,10 +84,8 @@ TEST(ValueDict, ReplacedRemovedAndClearedValuesDieAtOnce) {
     EXPECT_EQ(1, destroyed);
     EXPECT_EQ(nullptr, dict.DefineUVal("a:x", static_cast<ZAV_UValType>(13)));
     EXPECT_EQ(nullptr, dict.DefineUValDict("a:x"));
-    EXPECT_EQ(UVAL_STRING, dict.GetUValType("a:x"));
     dict.SetUVal("a:y", new Probe(destroyed));
     EXPECT_EQ(Dict(dict, "a"), dict.DefineUVal("a", UVAL_DICT));
-    dict.RemoveUVal("a:missing:y");
     dict.RemoveUVal("a:y");
     EXPECT_EQ(2, destroyed);
     dict.SetUVal("a:b:c", new Probe(destroyed));
@@ -144,7 +139,6 @@ TEST(ValueDict, KeysAreCutToSixtyFourAndMayHoldTheSeparatorAsEntries) {
     EXPECT_EQ(0u, dict.GetSize());
     EXPECT_EQ(Show(copied), Show(moved));
     EXPECT_EQ(2, moved.AssocAt("a:b")->Value()->GetLongValue(0));
-    EXPECT_EQ(3, moved.AssocAt("")->Value()->GetLongValue(0));
     EXPECT_EQ(nullptr, moved.GetUVal("a:b"));
 }
 
@@ -191,10 +185,6 @@ TEST(ValueDict, BehavesLikeAListOfPairs) {
             ASSERT_EQ(model[i].second, dict.GetValue(model[i].first.c_str(), -1L));
         }
     }
-    ZAV_UValDict copy;
-    copy = dict;
-    for (std::size_t i = 0; i < model.size(); ++i)
-        ASSERT_EQ(model[i].first, copy.GetKey(static_cast<int>(i)));
 }
 
 TEST(ValueDict, GetKeyForgetsADictionaryThatIsGone) {
@@ -216,7 +206,6 @@ TEST(ValueDict, Merging) {
         {"a:b=1 x=2", "a=5 y=6", "a{b=1} y=6 x=2", ""},
         {"a=1", "a:b=2 c=3", "a=1 c=3", ""},
         {"a:b:c=1 a:b:d=2 a:e=3", "a:b:d=4", "a{b{d=2 c=1} e=3}", "a{b{}}"},
-        {"a=1 b=2", "", "a=1 b=2", ""},
     };
     for (const auto& row : rows) {
         ZAV_UValDict from, to;
@@ -283,19 +272,13 @@ TEST(ValueDict, MergingWithinOneTree) {
     EXPECT_EQ("b=1 c=2 in{b=1 c=2 in{}}", Show(dict));
 }
 
-class CountingBuffer : public std::streambuf {
-public:
-    unsigned long long mLines = 0;
-
-protected:
-    int_type overflow(int_type c) override { return count("\n"[0] == c), c; }
+/// Takes any amount of text; counts its lines.
+struct CountingBuffer : std::streambuf {
+    int_type overflow(int_type c) override { return mLines += c == '\n', c; }
     std::streamsize xsputn(const char* text, std::streamsize n) override {
-        count(n > 0 && text[n - 1] == '\n');
-        return n;
+        return mLines += n > 0 && text[n - 1] == '\n', n;
     }
-
-private:
-    void count(bool line) { mLines += line ? 1 : 0; }
+    unsigned mLines = 0;
 };
 
 /// Deeper than any stack could follow.
@@ -321,20 +304,13 @@ TEST(ValueDict, DepthCostsNoStack) {
 
 TEST(ValueDict, Print) {
     ZAV_UValDict dict;
-    dict.SetUVal("width", Number(640));
-    dict.DefineUVal("colour:name", UVAL_STRING);
-    dict.SetValue("colour:name", "red");
+    Fill(dict, "width=640 colour:x=1");
     dict.SetUVal("none", nullptr);
     dict.DefineUValDict("empty");
+    EXPECT_EQ("    |- width => (Long)640\n    |- colour\n    |    |- x => (Long)1\n    |- none<NULL>\n"
+              "    |- empty\n",
+              Printed(dict));
     std::ostringstream os;
-    os << dict;
-    EXPECT_EQ("    |- width => (Long)640\n    |- colour\n    |    |- name => (String)red\n    |- "
-              "none<NULL>\n    |- empty\n",
-              os.str());
-    os.str("");
-    dict.PrintDict(os, "> ");
-    EXPECT_EQ("> ", os.str().substr(0, 2));
-    os.str("");
     os << *dict.AssocAt("width") << *dict.AssocAt("none");
     EXPECT_EQ("width => (Long)640none => <NULL>", os.str());
 }
@@ -349,28 +325,17 @@ TEST(ValueDict, ElementsByPath) {
     dict.SetValue("n", 4294967295u, 1);
     dict.SetValue("n", "5", 1);
     dict.SetValue("missing", 1L);
-    EXPECT_EQ(4u, dict.GetSize());
     EXPECT_EQ(0L, dict.GetValue("s", 5L, 0));
     EXPECT_EQ(5L, dict.GetValue("missing", 5L, 0));
-    EXPECT_EQ(-1, dict.GetValue("n", 0, 1));
     EXPECT_EQ(4294967295ull, dict.GetValue("n", 0ull, 1));
-    EXPECT_EQ(B_TRUE, dict.GetValue("n", B_FALSE, 1));
-    EXPECT_STREQ("none", dict.GetValue("n", "none", 0));
     EXPECT_EQ(nullptr, dict.GetValue("n", nullptr));
     EXPECT_STREQ("-1", dict.GetValue("n", ZAV_String("?"), 1).Ptr());
-    dict.SetValue("n", ZAV_String("7"), 1);
-    EXPECT_EQ(7.0, dict.GetValue("n", 0.0, 1));
     dict.SetValue("u", ZAV_UTFString("\xE2\x82\xAC"));
     EXPECT_EQ(1u, dict.GetValue("u", ZAV_UTFString()).Length());
     dict.SetValue("p", static_cast<void*>(&dict));
-    dict.SetValue("n", static_cast<void*>(nullptr));
     EXPECT_EQ(&dict, dict.GetValue("p", static_cast<void*>(nullptr)));
-    EXPECT_EQ(&dict, dict.GetValue("s", static_cast<void*>(&dict)));
-    for (const char* path : {"s", "p", "n"}) dict.SetValue(path, nullptr, 0);
-    EXPECT_STREQ("", dict.GetValue("s", "?"));
+    dict.SetValue("p", nullptr, 0);
     EXPECT_EQ(nullptr, dict.GetValue("p", static_cast<void*>(&dict)));
-    EXPECT_EQ(2, dict.GetUValDimension("n"));
-    EXPECT_EQ(-1, dict.GetUValDimension("missing"));
 }
 
 /// Calls as a program writes them; that they compile, and mean what they say, is the test.
@@ -378,7 +343,6 @@ TEST(ValueDict, NaturalCallsCompile) {
     ZAV_UValDict dict;
     const ZAV_String name("a:b");
     dict.SetUVal(name, Number(3));
-    dict.SetUVal("c", nullptr);
     dict.SetUVal(ZAV_UTFString("d"), Number(4));
     dict.DefineUVal("e", UVAL_LONG, 0, 0);
     dict.SetValue("e", 0, 0);
@@ -388,8 +352,7 @@ TEST(ValueDict, NaturalCallsCompile) {
     const int i = dict.GetValue(name, 0, 0);
     const std::size_t size = dict.GetValue(name, std::size_t{0});
     const unsigned u = dict.GetValue(name, 0u);
-    const bool flag = dict.GetValue(name, B_TRUE) != B_FALSE;
-    EXPECT_TRUE(i == 3 && size == 3 && u == 3 && flag);
+    EXPECT_TRUE(i == 3 && size == 3 && u == 3 && dict.GetValue(name, B_FALSE) == B_TRUE);
     EXPECT_EQ(nullptr, dict.GetUVal(nullptr));
 }
 
@@ -400,15 +363,6 @@ TEST(ValueDict, EntriesHashByWholeWordsOnly) {
     EXPECT_EQ(abcde.Hash(), abcdf.Hash());
     EXPECT_FALSE(abcde.IsEqual(&abcdf));
     EXPECT_LT(abcde.Compare(&abcdf), 0);
-    ZAV_UValLong other;
-    EXPECT_FALSE(abcd.IsEqual(&other));
-    int destroyed = 0;
-    Probe probe(destroyed);
-    abcd.Value(&probe);
-    std::unique_ptr<ZAV_CltObject> copy(abcd.ShallowCopy());
-    EXPECT_EQ(&probe, static_cast<ZAV_AssocUVal&>(*copy).Value(nullptr));
-    EXPECT_STREQ("BCD", abcd.Key(abcd.Key() + 1));
-    EXPECT_EQ(3u, abcd.KeyLength());
 }
 
 TEST(CheckParam, WrongTypeOrMissingThrows) {
@@ -418,18 +372,13 @@ TEST(CheckParam, WrongTypeOrMissingThrows) {
     EXPECT_EQ(n, ZAV_CheckParam(dict, "a:n", UVAL_LONG, B_TRUE, "x"));
     EXPECT_EQ(n, ZAV_CheckParam(dict, "a:n", UVAL_FAMILY_NUMBER, B_FALSE, "x"));
     EXPECT_EQ(nullptr, ZAV_CheckParam(dict, "a:m", UVAL_LONG, B_FALSE, "x"));
-    for (int wrong = 0; wrong < 3; ++wrong) {
-        ZAV_Exception* caught = nullptr;
-        try {
-            if (wrong == 0) ZAV_CheckParam(dict, "a:m", UVAL_LONG, B_TRUE, nullptr);
-            if (wrong == 1) ZAV_CheckParam(dict, "a:n", UVAL_SHORT, B_FALSE, "x");
-            if (wrong == 2) ZAV_CheckParam(dict, "a:n", UVAL_FAMILY_STRING, B_FALSE, "x");
-        } catch (ZAV_ErrorException* e) {
-            caught = e;
-        }
-        ASSERT_NE(nullptr, caught) << wrong;
-        caught->Delete();
-    }
+    const auto refused = [&](const char* path, auto type, boolean_t needed) {
+        return Thrown<ZAV_ErrorException>([&] { ZAV_CheckParam(dict, path, type, needed, nullptr); }) !=
+               nullptr;
+    };
+    EXPECT_TRUE(refused("a:m", UVAL_LONG, B_TRUE));
+    EXPECT_TRUE(refused("a:n", UVAL_SHORT, B_FALSE));
+    EXPECT_TRUE(refused("a:n", UVAL_FAMILY_STRING, B_FALSE));
 }
 
 } // namespace
