@@ -48,9 +48,6 @@ TEST(Format, Reals) {
     EXPECT_EQ(made("%f|%5g|%05f|%F|%e|%f", inf, -inf, inf, -inf, std::nan(""), -0.0),
               "inf| -inf|  inf|-INF|nan|-0.000000");
     EXPECT_EQ(made("%Lf %lf", 1.5L, 1.5), "1.500000 1.500000");
-    const std::string largest = made("%f", 1e308);
-    EXPECT_EQ(largest.size(), 309u + 7);
-    EXPECT_EQ(largest.substr(0, 30), "100000000000000001097906362944");
     EXPECT_EQ(made("%.400f", 1.0), "1." + std::string(400, '0'));
 }
 
