@@ -4,9 +4,10 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <stdexcept>
 
-#include <zavbase/foundation/exception.h>
+#include "tests/support/printed.h"
+#include "tests/support/thrown.h"
 
 namespace {
 
@@ -17,7 +18,9 @@ std::string Folder() { return fs::absolute(PLUGIN_FOLDER).string(); }
 /// Each test leaves the current directory as it found it, also when it means to change it.
 class SharedLib : public ::testing::Test {
 protected:
-    SharedLib() : mHome(fs::current_path()), mEmpty(mHome / "shared_lib_test_empty") { fs::create_directory(mEmpty); }
+    SharedLib() : mHome(fs::current_path()), mEmpty(mHome / "shared_lib_test_empty") {
+        fs::create_directory(mEmpty);
+    }
     ~SharedLib() override {
         fs::current_path(mHome);
         fs::remove_all(mEmpty);
@@ -32,14 +35,8 @@ bool IsInProcess(const std::string& name) {
 
 /// "code/number" of the exception that loading ends with, "loaded" without one.
 std::string Outcome(ZAV_SharedLib& lib, bool strict = false) {
-    try {
-        strict ? lib.LoadStrict() : lib.Load();
-        return "loaded";
-    } catch (ZAV_FileException* e) {
-        std::string text = std::to_string(e->mCode) + "/" + std::to_string(e->mOsError);
-        e->Delete();
-        return text;
-    }
+    const auto e = Thrown<ZAV_FileException>([&] { strict ? lib.LoadStrict() : lib.Load(); });
+    return e ? std::to_string(e->mCode) + "/" + std::to_string(e->mOsError) : "loaded";
 }
 
 std::string Outcome(const std::string& name, const std::string& folder, bool strict = false) {
@@ -55,12 +52,6 @@ std::string Outcome(const std::string& name, const std::string& folder, bool str
     return ::testing::AssertionFailure() << outcome;
 }
 
-std::string Text(ZAV_Object* o) {
-    std::ostringstream os;
-    os << o;
-    return os.str();
-}
-
 } // namespace
 
 TEST_F(SharedLib, LivesFromLoadToRelease) {
@@ -72,9 +63,8 @@ TEST_F(SharedLib, LivesFromLoadToRelease) {
               fs::path(static_cast<const char*>(lib.GetFullPath().GetSystemString())));
 
     ZAV_Object* object = lib.CreateObjectInstance(1);
-    EXPECT_EQ("plugin_whole with 1", Text(object));
     lib.Load("elsewhere", "nowhere");
-    EXPECT_EQ("plugin_whole with 1", Text(object));
+    EXPECT_EQ("plugin_whole with 1", Printed(object));
     lib.FreeObjectInstance(object);
     EXPECT_EQ(nullptr, lib.CreateObjectInstance(9));
 
@@ -146,7 +136,7 @@ TEST_F(SharedLib, CopiesShareTheModuleUntilTheLastLetsGo) {
         EXPECT_TRUE(copy.IsLoaded());
     }
     ZAV_Object* object = assigned.CreateObjectInstance(1);
-    EXPECT_EQ("plugin_whole with 1", Text(object));
+    EXPECT_EQ("plugin_whole with 1", Printed(object));
     assigned.FreeObjectInstance(object);
     assigned = ZAV_SharedLib();
     EXPECT_FALSE(IsInProcess("plugin_whole") || assigned.IsLoaded());
@@ -156,20 +146,10 @@ TEST_F(SharedLib, ExceptionsOfAModuleReachTheHost) {
     ZAV_SharedLib lib("plugin_whole", Folder().c_str());
     lib.Load();
     for (int i = 0; i < 100; ++i) {
-        try {
-            lib.CreateObjectInstance(2);
-            ADD_FAILURE();
-        } catch (ZAV_Exception* e) {
-            EXPECT_TRUE(e->IsKindOf(&ZAV_FileException::classZAV_FileException));
-            EXPECT_EQ("File exception: ReadError", Text(e));
-            e->Delete();
-        }
-        try {
-            lib.CreateObjectInstance(3);
-            ADD_FAILURE();
-        } catch (const std::runtime_error& e) {
-            EXPECT_STREQ("plugin_whole", e.what());
-        }
+        const auto e = Thrown<ZAV_FileException>([&] { lib.CreateObjectInstance(2); });
+        ASSERT_TRUE(e && e->IsKindOf(&ZAV_FileException::classZAV_FileException));
+        EXPECT_EQ("File exception: ReadError", Printed(e.get()));
+        EXPECT_THROW(lib.CreateObjectInstance(3), std::runtime_error);
     }
 }
 

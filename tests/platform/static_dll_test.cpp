@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include <zavbase/foundation/exception.h>
+#include "tests/support/printed.h"
+#include "tests/support/thrown.h"
 #include <zavbase/values/value_dict.h>
 
 namespace {
@@ -17,26 +16,20 @@ void Definitions(ZAV_Object* dict, boolean_t, boolean_t) {
 
 std::string FailureText(const char* name) {
     ZAV_SharedLib lib(name, "");
-    try {
-        lib.Load();
-        return "loaded";
-    } catch (ZAV_FileException* e) {
-        std::ostringstream text;
-        text << e << " " << e->mOsError << " " << lib.IsLoaded();
-        e->Delete();
-        return text.str();
-    }
+    const auto e = Thrown<ZAV_FileException>([&] { lib.Load(); });
+    return e ? Printed(e.get()) + " " + std::to_string(e->mOsError) + " " + Printed(lib.IsLoaded())
+             : "loaded";
 }
 
 } // namespace
 
 TEST(StaticDll, TheRegistryComesAndGoesWithItsModules) {
-    EXPECT_EQ(nullptr, ZAV_StaticDll::GetStaticDll("a_static_dll"));
     for (int round = 0; round < 2; ++round) {
         ASSERT_EQ(nullptr, ZAV_StaticDll::theDLLRegistry);
         ZAV_StaticDll a("a_static_dll", Create, Free, Definitions);
         {
-            ZAV_StaticDll again("a_static_dll", nullptr, nullptr, nullptr), b("b_static_dll", Create, Free, nullptr);
+            ZAV_StaticDll again("a_static_dll", nullptr, nullptr, nullptr),
+                b("b_static_dll", Create, Free, nullptr);
             EXPECT_EQ(&a, ZAV_StaticDll::GetStaticDll("a_static_dll"));
             EXPECT_EQ(&b, ZAV_StaticDll::GetStaticDll("b_static_dll"));
             EXPECT_EQ(nullptr, ZAV_StaticDll::GetStaticDll("A_static_dll"));
@@ -73,5 +66,6 @@ TEST(StaticDll, UnknownAndIncompleteOnesAreInvalidFiles) {
     ZAV_StaticDll noCreate("c_static_dll", nullptr, Free, Definitions);
     ZAV_StaticDll noFree("f_static_dll", Create, nullptr, Definitions);
     ZAV_StaticDll noDefinitions("d_static_dll", Create, Free, nullptr);
-    for (const char* name : {"c_static_dll", "f_static_dll", "d_static_dll"}) EXPECT_EQ(invalid, FailureText(name));
+    for (const char* name : {"c_static_dll", "f_static_dll", "d_static_dll"})
+        EXPECT_EQ(invalid, FailureText(name));
 }

@@ -3,17 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
+
+#include "tests/support/file_support.h"
 
 namespace {
 
-std::string Bytes(const std::string& name) {
-    std::ifstream file(PLUGIN_FOLDER "/" + name + PLUGIN_EXTENSION, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    return bytes.str();
-}
+std::string Bytes(const std::string& name) { return FileText(PLUGIN_FOLDER "/" + name + PLUGIN_EXTENSION); }
 
 } // namespace
 
@@ -26,7 +21,8 @@ TEST(ModuleFile, TellsWhichEntryPointsAreThere) {
         ModuleFile module;
         ASSERT_EQ("", ReadModuleFile(Bytes(row[0]), module)) << row[0];
         for (const char* name : {"CreateObjectInstance", "FreeObjectInstance", "GetI18nDefs"})
-            EXPECT_EQ(std::string(row[1]) != name, module.mFunctions.count(name) == 1) << row[0] << " " << name;
+            EXPECT_EQ(std::string(row[1]) != name, module.mFunctions.count(name) == 1)
+                << row[0] << " " << name;
     }
 }
 

@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include "tests/support/file_support.h"
 
 #include <zavbase/i18n/i18n_msg.h>
 #include <zavbase/i18n/i18n_resource.h>
@@ -52,19 +50,11 @@ std::string Problem(const std::string& bytes) {
     return ReadGettext(bytes, entries);
 }
 
-std::string Bytes(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    return bytes.str();
-}
-
 /// The compiled form of one message, in either byte order.
 std::string Compiled(bool isBig, const std::string& source, const std::string& translation) {
     const std::string texts = source + '\0' + translation + '\0';
-    const uint32_t words[] = {0x950412DE, 0, 1, 28, 36, 0, 0,
-                              static_cast<uint32_t>(source.size()), 44,
-                              static_cast<uint32_t>(translation.size()), static_cast<uint32_t>(45 + source.size())};
+    const auto s = static_cast<uint32_t>(source.size()), t = static_cast<uint32_t>(translation.size());
+    const uint32_t words[] = {0x950412DE, 0, 1, 28, 36, 0, 0, s, 44, t, 45 + s};
     std::string bytes;
     for (const uint32_t word : words)
         for (int i = 0; i < 4; ++i) bytes += static_cast<char>(word >> 8 * (isBig ? 3 - i : i));
@@ -97,11 +87,13 @@ TEST(Gettext, SaysWhatIsWrongAndWhere) {
 
 TEST(Gettext, ReadsTheCompiledFormInBothByteOrders) {
     for (const bool isBig : {false, true}) {
-        const std::string bytes = Compiled(isBig, std::string("menu\4one\0many", 13), std::string("eins\0viele", 10));
+        const std::string bytes =
+            Compiled(isBig, std::string("menu\4one\0many", 13), std::string("eins\0viele", 10));
         std::vector<GettextEntry> entries;
         ASSERT_EQ("", ReadGettext(bytes, entries));
         EXPECT_EQ("menu|one|many||eins|viele\n", Shown(entries));
-        for (size_t size = 4; size + 1 < bytes.size(); ++size) EXPECT_NE("", Problem(std::string(bytes, 0, size))) << size;
+        for (size_t size = 4; size + 1 < bytes.size(); ++size)
+            EXPECT_NE("", Problem(std::string(bytes, 0, size))) << size;
         for (size_t at = 4; at < 44; ++at) {
             std::string flipped = bytes;
             flipped[at] = static_cast<char>(~flipped[at]);
@@ -115,7 +107,8 @@ TEST(Definitions, SourceTextsBecomeIdentifiersWhereTheyCan) {
     const std::string longest(64, 'x');
     EXPECT_EQ(longest, IdentifierOf("", longest));
     std::set<std::string> made;
-    for (const char* source : {"a:b", "+++a", "two\nlines", "caf\303\251", ""}) made.insert(IdentifierOf("", source));
+    for (const char* source : {"a:b", "+++a", "two\nlines", "caf\303\251", ""})
+        made.insert(IdentifierOf("", source));
     made.insert(IdentifierOf("", longest + "x"));
     made.insert(IdentifierOf("menu", "Open file"));
     made.insert(IdentifierOf("edit", "Open file"));
@@ -125,17 +118,19 @@ TEST(Definitions, SourceTextsBecomeIdentifiersWhereTheyCan) {
 
 TEST(Definitions, DifferencesAreNamed) {
     ZAV_UValDict wanted(16), language(16);
-    const char* const texts[][3] = {{"same", "<<a>> of <<b>>", "<<b>>: <<a>>"}, {"twice", "<<a>><<a>>", "<<a>>"},
-                                    {"group:in", "x", "y"},                    {"open", "<<a", "<<a>>"},
-                                    {"gone", "x", nullptr},                    {"new", nullptr, "x"}};
+    const char* const texts[][3] = {{"same", "<<a>> of <<b>>", "<<b>>: <<a>>"},
+                                    {"twice", "<<a>><<a>>", "<<a>>"},
+                                    {"group:in", "x", "y"},
+                                    {"open", "<<a", "<<a>>"},
+                                    {"gone", "x", nullptr},
+                                    {"new", nullptr, "x"}};
     for (const auto& row : texts) {
         if (row[1]) ZAV_I18nDef2Dict(&wanted, row[0], row[1]);
         if (row[2]) ZAV_I18nDef2Dict(&language, row[0], row[2]);
     }
     ZAV_I18nDef2Dict(&wanted, "number", "x");
     language.DefineUVal("number", UVAL_LONG);
-    const std::vector<std::string> expected = {"missing: gone",
-                                               "tags differ: open: wanted none, found <<a>>",
+    const std::vector<std::string> expected = {"missing: gone", "tags differ: open: wanted none, found <<a>>",
                                                "tags differ: twice: wanted <<a>> <<a>>, found <<a>>",
                                                "not a text: number", "unknown: new"};
     EXPECT_EQ(expected, Compare(Flatten(wanted), Flatten(language)));
@@ -151,7 +146,7 @@ TEST(Gettext, RealTranslationsFormatInEveryLanguage) {
         if (!std::filesystem::exists(file, none)) continue;
         const std::string language = folder.path().filename().string();
         std::vector<GettextEntry> entries;
-        ASSERT_EQ("", ReadGettext(Bytes(file), entries)) << language;
+        ASSERT_EQ("", ReadGettext(FileText(file.string()), entries)) << language;
         ZAV_UValDict texts(16);
         for (const GettextEntry& e : entries)
             ZAV_I18nDef2Dict(&texts, IdentifierOf(e.mContext, e.mSource).c_str(), e.mTranslations[0].c_str());
@@ -160,8 +155,10 @@ TEST(Gettext, RealTranslationsFormatInEveryLanguage) {
         ZAV_I18nResource resource("zavmsg_test");
         for (const GettextEntry& e : entries) {
             ZAV_I18nMsg message("(<<country>>)");
-            message.AddArg("<<country>>", ZAV_I18nMsg(IdentifierOf(e.mContext, e.mSource).c_str()), ZAV_I18N_TAG);
-            EXPECT_EQ("(" + e.mTranslations[0] + ")", message.Format(language.c_str(), &resource, nullptr).Ptr())
+            message.AddArg("<<country>>", ZAV_I18nMsg(IdentifierOf(e.mContext, e.mSource).c_str()),
+                           ZAV_I18N_TAG);
+            EXPECT_EQ("(" + e.mTranslations[0] + ")",
+                      message.Format(language.c_str(), &resource, nullptr).Ptr())
                 << language << " " << e.mSource;
         }
         std::filesystem::remove(path);

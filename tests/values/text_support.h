@@ -5,6 +5,7 @@
 #include <sstream>
 #include <string>
 
+#include <tests/support/printed.h>
 #include <tests/support/thrown.h>
 #include <zavbase/values/uval_text.h>
 #include <zavbase/values/uval_types.h>
@@ -30,12 +31,6 @@ inline UValOwner ReadValue(const std::string& text) {
 inline std::string Written(ZAV_UVal& value) {
     std::ostringstream os;
     ZAV_WriteUValTxt(os, &value, 0);
-    return os.str();
-}
-
-inline std::string Printed(ZAV_UVal& value) {
-    std::ostringstream os;
-    value.PrintOn(os);
     return os.str();
 }
 
