@@ -1,6 +1,6 @@
-// Posting and handling events, and timers, beside the event loops of Boost.Asio and Qt and beside a mutex with a
-// priority queue. Every event is an object of its own that carries a number, goes through the loop's public
-// interface and is handled by a virtual or stored call on the thread that runs the loop.
+// Posting and handling events, and timers, beside the event loops of Boost.Asio and Qt and beside a mutex
+// with a priority queue. Every event is an object of its own that carries a number, goes through the loop's
+// public interface and is handled by a virtual or stored call on the thread that runs the loop.
 #include <algorithm>
 #include <chrono>
 #include <memory>
@@ -33,11 +33,11 @@ namespace {
 const int kEvents = 1000000;
 const int kPending = 100000;
 const int kTimers = 1000000;
-const unsigned kFirstDue = 2000, kDueRange = 1000;  // milliseconds; adding must not take longer than the first
+const unsigned kFirstDue = 2000, kDueRange = 1000; // milliseconds; adding must not take longer than the first
 
 // Runs `produce` on several threads and `consume` on this one, until both are through.
-template <class Produce, class Consume> void Run(int producers, Produce produce, Consume consume)
-{
+template <class Produce, class Consume>
+void Run(int producers, Produce produce, Consume consume) {
     std::vector<std::thread> threads;
     for (int p = 0; p < producers; ++p)
         threads.emplace_back([&produce, p, producers] {
@@ -59,8 +59,7 @@ public:
     long mSum = 0;
 
 protected:
-    int HandleEvent(ZAV_Event* event) override
-    {
+    int HandleEvent(ZAV_Event* event) override {
         mSum += event->Type() == 0x4E756D62 ? static_cast<NumberEvent*>(event)->mNumber : 1;
         if (--mLeft != 0) return 0;
         mDispatcher.Stop();
@@ -72,8 +71,7 @@ private:
     int mLeft;
 };
 
-void PostZav(benchmark::State& state)
-{
+void PostZav(benchmark::State& state) {
     for (auto _ : state) {
         ZAV_EvDispatcher dispatcher;
         SumHandler* handler = new SumHandler(dispatcher, kEvents);
@@ -86,19 +84,24 @@ void PostZav(benchmark::State& state)
     }
     state.SetItemsProcessed(state.iterations() * kEvents);
 }
-BENCHMARK(PostZav)->Name("Post/zav/producers")->Arg(1)->Arg(4)->UseRealTime()->Iterations(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(PostZav)
+    ->Name("Post/zav/producers")
+    ->Arg(1)
+    ->Arg(4)
+    ->UseRealTime()
+    ->Iterations(5)
+    ->Unit(benchmark::kMillisecond);
 
 // Fills and drains on one thread, with priorities 0 to range - 1 at random.
-std::vector<long> Priorities(long range)
-{
+std::vector<long> Priorities(long range) {
     std::mt19937 random(1);
     std::vector<long> priorities(kPending);
-    for (long& priority : priorities) priority = static_cast<long>(random() % static_cast<unsigned long>(range));
+    for (long& priority : priorities)
+        priority = static_cast<long>(random() % static_cast<unsigned long>(range));
     return priorities;
 }
 
-void PrioritiesZav(benchmark::State& state)
-{
+void PrioritiesZav(benchmark::State& state) {
     const std::vector<long> priorities = Priorities(state.range(0));
     ZAV_EvDispatcher dispatcher;
     SumHandler* handler = new SumHandler(dispatcher, 0);
@@ -133,14 +136,12 @@ struct Queued {
     long priority;
     unsigned long number;
     PlainEvent* event;
-    bool operator<(const Queued& other) const
-    {
+    bool operator<(const Queued& other) const {
         return priority != other.priority ? priority < other.priority : number > other.number;
     }
 };
 
-void PrioritiesStd(benchmark::State& state)
-{
+void PrioritiesStd(benchmark::State& state) {
     const std::vector<long> priorities = Priorities(state.range(0));
     std::mutex lock;
     std::priority_queue<Queued> queue;
@@ -172,8 +173,7 @@ BENCHMARK(PrioritiesStd)
     ->Arg(10000)
     ->Unit(benchmark::kMillisecond);
 
-std::vector<unsigned> DueTimes()
-{
+std::vector<unsigned> DueTimes() {
     std::mt19937 random(2);
     std::vector<unsigned> due(kTimers);
     for (unsigned& ms : due) ms = kFirstDue + static_cast<unsigned>(random()) % kDueRange;
@@ -181,8 +181,7 @@ std::vector<unsigned> DueTimes()
 }
 
 // Every other timer, in an order of its own.
-std::vector<std::size_t> Cancelled()
-{
+std::vector<std::size_t> Cancelled() {
     std::vector<std::size_t> which;
     for (std::size_t i = 0; i < kTimers; i += 2) which.push_back(i);
     std::shuffle(which.begin(), which.end(), std::mt19937(3));
@@ -190,23 +189,20 @@ std::vector<std::size_t> Cancelled()
 }
 
 struct ZavTimers {
-    ZavTimers() : handler(new SumHandler(dispatcher, 0)), ref(handler)
-    {
+    ZavTimers() : handler(new SumHandler(dispatcher, 0)), ref(handler) {
         dispatcher.AddEvHandler(ref);
         ZAV_TimerMgr::InitializeListener(B_FALSE, &dispatcher);
     }
     ~ZavTimers() { ZAV_TimerMgr::CleanupListener(); }
 
-    void AddAndCancel(const std::vector<unsigned>& due, const std::vector<std::size_t>& cancelled)
-    {
+    void AddAndCancel(const std::vector<unsigned>& due, const std::vector<std::size_t>& cancelled) {
         std::vector<long> ids(due.size());
         for (std::size_t i = 0; i < due.size(); ++i) ids[i] = ZAV_TimerMgr::AddTimer(due[i], handler, 0);
         for (const std::size_t i : cancelled) ZAV_TimerMgr::RemoveTimer(ids[i]);
     }
-    void Fire()
-    {
-        dispatcher.Dispatch(DISPATCH_ONCE);  // polls the timers
-        dispatcher.Dispatch(DISPATCH_ONCE);  // handles their events
+    void Fire() {
+        dispatcher.Dispatch(DISPATCH_ONCE); // polls the timers
+        dispatcher.Dispatch(DISPATCH_ONCE); // handles their events
     }
     long Fired() const { return handler->mSum; }
 
@@ -217,8 +213,7 @@ struct ZavTimers {
 
 #ifdef HAVE_BOOST
 struct AsioTimers {
-    void AddAndCancel(const std::vector<unsigned>& due, const std::vector<std::size_t>& cancelled)
-    {
+    void AddAndCancel(const std::vector<unsigned>& due, const std::vector<std::size_t>& cancelled) {
         timers.reserve(due.size());
         for (const unsigned ms : due) {
             timers.emplace_back(io, std::chrono::milliseconds(ms));
@@ -237,8 +232,8 @@ struct AsioTimers {
 };
 #endif
 
-template <class Timers> void AddAndCancel(benchmark::State& state)
-{
+template <class Timers>
+void AddAndCancel(benchmark::State& state) {
     const std::vector<unsigned> due = DueTimes();
     const std::vector<std::size_t> cancelled = Cancelled();
     for (auto _ : state) {
@@ -251,8 +246,8 @@ template <class Timers> void AddAndCancel(benchmark::State& state)
 }
 
 // What the loop still has to do for cancelled timers is not measured.
-template <class Timers> void Fire(benchmark::State& state)
-{
+template <class Timers>
+void Fire(benchmark::State& state) {
     const std::vector<unsigned> due = DueTimes();
     const std::vector<std::size_t> cancelled = Cancelled();
     for (auto _ : state) {
@@ -270,15 +265,20 @@ template <class Timers> void Fire(benchmark::State& state)
     }
 }
 
-BENCHMARK(AddAndCancel<ZavTimers>)->Name("Timers/zav/add_and_cancel")->Iterations(3)->Unit(benchmark::kMillisecond);
+BENCHMARK(AddAndCancel<ZavTimers>)
+    ->Name("Timers/zav/add_and_cancel")
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(Fire<ZavTimers>)->Name("Timers/zav/fire")->Iterations(1)->Unit(benchmark::kMillisecond);
 
 #ifdef HAVE_BOOST
-BENCHMARK(AddAndCancel<AsioTimers>)->Name("Timers/asio/add_and_cancel")->Iterations(3)->Unit(benchmark::kMillisecond);
+BENCHMARK(AddAndCancel<AsioTimers>)
+    ->Name("Timers/asio/add_and_cancel")
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(Fire<AsioTimers>)->Name("Timers/asio/fire")->Iterations(1)->Unit(benchmark::kMillisecond);
 
-void PostAsio(benchmark::State& state)
-{
+void PostAsio(benchmark::State& state) {
     for (auto _ : state) {
         boost::asio::io_context io;
         auto work = boost::asio::make_work_guard(io);
@@ -297,7 +297,13 @@ void PostAsio(benchmark::State& state)
     }
     state.SetItemsProcessed(state.iterations() * kEvents);
 }
-BENCHMARK(PostAsio)->Name("Post/asio/producers")->Arg(1)->Arg(4)->UseRealTime()->Iterations(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(PostAsio)
+    ->Name("Post/asio/producers")
+    ->Arg(1)
+    ->Arg(4)
+    ->UseRealTime()
+    ->Iterations(5)
+    ->Unit(benchmark::kMillisecond);
 #endif
 
 #ifdef HAVE_QT
@@ -313,15 +319,13 @@ public:
     int mLeft = kEvents;
 
 protected:
-    void customEvent(QEvent* event) override
-    {
+    void customEvent(QEvent* event) override {
         mSum += static_cast<QtNumber*>(event)->mNumber;
         if (--mLeft == 0) QCoreApplication::quit();
     }
 };
 
-void PostQt(benchmark::State& state)
-{
+void PostQt(benchmark::State& state) {
     int argc = 1;
     char name[] = "events_bench";
     char* argv[] = {name, nullptr};
@@ -336,7 +340,13 @@ void PostQt(benchmark::State& state)
     }
     state.SetItemsProcessed(state.iterations() * kEvents);
 }
-BENCHMARK(PostQt)->Name("Post/qt/producers")->Arg(1)->Arg(4)->UseRealTime()->Iterations(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(PostQt)
+    ->Name("Post/qt/producers")
+    ->Arg(1)
+    ->Arg(4)
+    ->UseRealTime()
+    ->Iterations(5)
+    ->Unit(benchmark::kMillisecond);
 #endif
 
 } // namespace

@@ -1,6 +1,6 @@
-// A host around one event dispatcher. A stream of jobs is read by a listener on a thread of its own; the jobs of
-// a batch are done on the dispatcher's thread, urgent ones first; a synchronization object says when the batch
-// is done; a periodic timer shows how things stand; at the end everything is stopped in order.
+// A host around one event dispatcher. A stream of jobs is read by a listener on a thread of its own; the jobs
+// of a batch are done on the dispatcher's thread, urgent ones first; a synchronization object says when the
+// batch is done; a periodic timer shows how things stand; at the end everything is stopped in order.
 //
 //     event_host [FILE [--follow]]      FILE or standard input; with --follow the file may still grow
 //
@@ -26,7 +26,9 @@ struct Job {
 class BatchEvent : public ZAV_Event {
 public:
     explicit BatchEvent(const std::vector<Job>& jobs) : ZAV_Event(0x42617463), mJobs(jobs) {}
-    void EmergencyCleanup() override { std::cout << "a batch of " << mJobs.size() << " jobs was lost" << std::endl; }
+    void EmergencyCleanup() override {
+        std::cout << "a batch of " << mJobs.size() << " jobs was lost" << std::endl;
+    }
     const std::vector<Job> mJobs;
 };
 
@@ -40,46 +42,47 @@ public:
 class Worker : public ZAV_EvHandlerBody {
 public:
     Worker(ZAV_EvDispatcher& dispatcher, ZAV_SyncObjRef& batchDone)
-        : mDispatcher(dispatcher), mBatchDone(batchDone), mTick(50)
-    {
-    }
+        : mDispatcher(dispatcher), mBatchDone(batchDone), mTick(50) {}
     int mDone = 0, mBatches = 0, mTicks = 0;
 
 protected:
-    int HandleEvent(ZAV_Event* event) override
-    {
+    int HandleEvent(ZAV_Event* event) override {
         if (mTick.CheckEvent(event)) {
             std::cout << "tick " << ++mTicks << ": " << mDone << " jobs done, " << mDispatcher.QueueLength()
-                      << " events waiting, at most " << mDispatcher.QueueHighWater() << " so far" << std::endl;
+                      << " events waiting, at most " << mDispatcher.QueueHighWater() << " so far"
+                      << std::endl;
             return 0;
         }
         switch (event->Type()) {
-        case 0x53747274:  // "Strt"
+        case 0x53747274: // "Strt"
             mTick.Start(this, 10);
             return 0;
-        case 0x53746F70:  // "Stop"
+        case 0x53746F70: // "Stop"
             mTick.Stop();
             return 2;
-        case 0x53796E63:  // "Sync"
+        case 0x53796E63: // "Sync"
             std::cout << "batch " << ++mBatches << " is done" << std::endl;
             return 0;
-        case 0x42617463: Distribute(*static_cast<BatchEvent*>(event)); return 0;
-        case 0x4A6F6220: Do(static_cast<JobEvent*>(event)->mJob); return 0;
-        default: return 0;
+        case 0x42617463:
+            Distribute(*static_cast<BatchEvent*>(event));
+            return 0;
+        case 0x4A6F6220:
+            Do(static_cast<JobEvent*>(event)->mJob);
+            return 0;
+        default:
+            return 0;
         }
     }
 
 private:
-    void Distribute(const BatchEvent& batch)
-    {
+    void Distribute(const BatchEvent& batch) {
         std::cout << "a batch of " << batch.mJobs.size() << " jobs came in" << std::endl;
         mBatchDone->Set(static_cast<int>(batch.mJobs.size()));
         for (const Job& job : batch.mJobs) QueueEvent(new JobEvent(job), job.kind == "urgent" ? 5 : 0);
     }
 
     // The job counts as done even if it fails; the dispatcher traces the exception and goes on.
-    void Do(const Job& job)
-    {
+    void Do(const Job& job) {
         ++mDone;
         mBatchDone->Decrement();
         std::cout << "  " << job.kind << " " << job.name << std::endl;
@@ -96,18 +99,15 @@ private:
 class JobListener : public ZAV_Listener {
 public:
     JobListener(std::istream& input, bool follow, const ZAV_EvHandlerRef& worker)
-        : mInput(input), mFollow(follow), mWorker(worker)
-    {
-    }
+        : mInput(input), mFollow(follow), mWorker(worker) {}
 
-    void Listen(ZAV_ListenerControl) override
-    {
+    void Listen(ZAV_ListenerControl) override {
         std::string line, more;
         while (!Stopped()) {
             if (std::getline(mInput, more) && !mInput.eof()) {
                 if (!Take(line + more)) break;
                 line.clear();
-            } else if (mFollow) {  // what there is of the line; the rest may come
+            } else if (mFollow) { // what there is of the line; the rest may come
                 line += more;
                 mInput.clear();
                 Pause(100);
@@ -119,8 +119,7 @@ public:
         mEnded.Signal();
     }
 
-    void Stop() override
-    {
+    void Stop() override {
         ZAV_MutexSignaller::Lock lock(mSignaller);
         mStopped = true;
         mSignaller.Signal();
@@ -130,8 +129,7 @@ public:
     int mJobs = 0, mBatches = 0;
 
 private:
-    bool Take(const std::string& line)
-    {
+    bool Take(const std::string& line) {
         std::istringstream words(line);
         Job job;
         words >> job.kind >> job.name;
@@ -142,8 +140,7 @@ private:
         return true;
     }
 
-    void Send()
-    {
+    void Send() {
         mJobs += static_cast<int>(mBatch.size());
         ++mBatches;
         auto event = std::make_unique<BatchEvent>(mBatch);
@@ -151,14 +148,12 @@ private:
         mBatch.clear();
     }
 
-    bool Stopped()
-    {
+    bool Stopped() {
         ZAV_MutexSignaller::Lock lock(mSignaller);
         return mStopped;
     }
 
-    void Pause(int ms)
-    {
+    void Pause(int ms) {
         ZAV_MutexSignaller::Lock lock(mSignaller);
         if (!mStopped && ms > 0) lock.TimedWait((std::min)(ms, 60000) * 1000);
     }
@@ -171,8 +166,7 @@ private:
     bool mStopped = false;
 };
 
-int RunHost(std::istream& input, bool follow)
-{
+int RunHost(std::istream& input, bool follow) {
     ZAV_TimerMgr::InitializeListener(B_TRUE, nullptr);
     ZAV_EvDispatcher dispatcher;
     ZAV_EvDispatcherThread dispatcherThread(dispatcher);
@@ -207,8 +201,7 @@ int RunHost(std::istream& input, bool follow)
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     // Errors, thread ends and the dispatcher's end, as the library tells them.
     ZAV_Tracer::SetStreamP(tr_base_name, &std::cout);
     ZAV_Tracer::SetMask(tr_base_name, 0x0181);

@@ -15,13 +15,12 @@ ZAV_DEFINE_CLASS(ZAV_EvDispatcher, ZAV_Object)
 
 namespace {
 
-const unsigned long kLongestInterval = 2147483;  // milliseconds; the signaller counts microseconds in an int
+const unsigned long kLongestInterval = 2147483; // milliseconds; the signaller counts microseconds in an int
 
 // The walk's place among those that RemoveListener must know.
 class ScopedWalk : public ZAV_EvPort::Walk {
 public:
-    ScopedWalk(ZAV_EvPort& port, ZAV_Link* first) : mPort(port)
-    {
+    ScopedWalk(ZAV_EvPort& port, ZAV_Link* first) : mPort(port) {
         next = first;
         outer = port.mWalks;
         port.mWalks = this;
@@ -39,15 +38,13 @@ private:
 int ZAV_EvDispatcher::instance_counter = 0;
 ZAV_EvDispatcher::EventTracerFn ZAV_EvDispatcher::mEventTracerFn = nullptr;
 
-ZAV_EvDispatcher::ZAV_EvDispatcher() : mWaiting(0), mStopping(0)
-{
+ZAV_EvDispatcher::ZAV_EvDispatcher() : mWaiting(0), mStopping(0) {
     mQueue.Add(new ZAV_EvPort(this));
     ZAV_CountLive(instance_counter, 1);
 }
 
 // Closed first: handlers may be busy posting on other threads and would never let the cleanup end.
-ZAV_EvDispatcher::~ZAV_EvDispatcher()
-{
+ZAV_EvDispatcher::~ZAV_EvDispatcher() {
     ZAV_EvPort& port = Port();
     port.Close();
     Cleanup();
@@ -58,28 +55,23 @@ ZAV_EvDispatcher::~ZAV_EvDispatcher()
     ZAV_CountLive(instance_counter, -1);
 }
 
-ZAV_EvPort& ZAV_EvDispatcher::Port() const
-{
-    return *static_cast<ZAV_EvPort*>(mQueue.First());
-}
+ZAV_EvPort& ZAV_EvDispatcher::Port() const { return *static_cast<ZAV_EvPort*>(mQueue.First()); }
 
-void ZAV_EvDispatcher::AddListener(ZAV_Listener* listener)
-{
+void ZAV_EvDispatcher::AddListener(ZAV_Listener* listener) {
     if (mStopping != 0 || listener == nullptr || !zav_listeners::Claim(listener, this)) return;
     mListeners.Add(listener);
 }
 
 // The address is only compared until it is found in the list: the listener may be gone.
-void ZAV_EvDispatcher::RemoveListener(ZAV_Listener* listener)
-{
+void ZAV_EvDispatcher::RemoveListener(ZAV_Listener* listener) {
     if (listener == nullptr) return;
     for (ZAV_EvPort::Walk* walk = Port().mWalks; walk != nullptr; walk = walk->outer)
         if (walk->next == listener) walk->next = listener->NextLink();
-    if (mListeners.Remove(static_cast<const ZAV_Link*>(listener)) != nullptr) zav_listeners::Release(listener);
+    if (mListeners.Remove(static_cast<const ZAV_Link*>(listener)) != nullptr)
+        zav_listeners::Release(listener);
 }
 
-void ZAV_EvDispatcher::AddEvHandler(const ZAV_EvHandlerRef& handler)
-{
+void ZAV_EvDispatcher::AddEvHandler(const ZAV_EvHandlerRef& handler) {
     if (mStopping != 0) return;
     auto entry = std::make_unique<ZAV_EvHandlerRef>(handler);
     ZAV_EvPort& port = Port();
@@ -88,15 +80,11 @@ void ZAV_EvDispatcher::AddEvHandler(const ZAV_EvHandlerRef& handler)
     mHandlers.Add(entry.release());
 }
 
-void ZAV_EvDispatcher::RemoveEvHandler(const ZAV_EvHandlerRef& handler)
-{
-    RemoveHandler(handler.GetBody());
-}
+void ZAV_EvDispatcher::RemoveEvHandler(const ZAV_EvHandlerRef& handler) { RemoveHandler(handler.GetBody()); }
 
 // The entry is destroyed outside the lock: it may be the last reference, and the handler's destructor is the
 // host's.
-void ZAV_EvDispatcher::RemoveHandler(ZAV_EvHandlerBody* handler)
-{
+void ZAV_EvDispatcher::RemoveHandler(ZAV_EvHandlerBody* handler) {
     std::unique_ptr<ZAV_Link> entry;
     bool lastWhenStopping = false;
     {
@@ -112,14 +100,12 @@ void ZAV_EvDispatcher::RemoveHandler(ZAV_EvHandlerBody* handler)
     if (lastWhenStopping) SignalChange();
 }
 
-bool ZAV_EvDispatcher::HasHandlers()
-{
+bool ZAV_EvDispatcher::HasHandlers() {
     ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
     return !mHandlers.IsEmpty();
 }
 
-void ZAV_EvDispatcher::DropHandlers()
-{
+void ZAV_EvDispatcher::DropHandlers() {
     for (;;) {
         std::unique_ptr<ZAV_Link> entry;
         ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
@@ -128,13 +114,11 @@ void ZAV_EvDispatcher::DropHandlers()
     }
 }
 
-void ZAV_EvDispatcher::DropListeners()
-{
+void ZAV_EvDispatcher::DropListeners() {
     while (!mListeners.IsEmpty()) RemoveListener(static_cast<ZAV_Listener*>(mListeners.First()));
 }
 
-void ZAV_EvDispatcher::QueueEvent(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority)
-{
+void ZAV_EvDispatcher::QueueEvent(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority) {
     if (event == nullptr) return;
     if (handler->IsActive())
         Port().Send(handler, event, priority);
@@ -142,49 +126,35 @@ void ZAV_EvDispatcher::QueueEvent(ZAV_EvHandlerBody* handler, ZAV_Event* event, 
         ZAV_EvPort::Discard(event);
 }
 
-void ZAV_EvDispatcher::Stop()
-{
+void ZAV_EvDispatcher::Stop() {
     mStopping = 1;
     SignalChange();
 }
 
 // What happens before it is seen by a dispatcher that is just going to sleep.
-void ZAV_EvDispatcher::SignalChange()
-{
+void ZAV_EvDispatcher::SignalChange() {
     ZAV_MutexSignaller::Lock lock(mSignaller);
     ++Port().mChanges;
     if (mWaiting != 0) mSignaller.Signal();
 }
 
 // Under the lock: the dispatching thread holds it from the moment posts see it sleep until it does.
-void ZAV_EvDispatcher::Wake()
-{
+void ZAV_EvDispatcher::Wake() {
     ZAV_MutexSignaller::Lock lock(mSignaller);
     if (mWaiting != 0) mSignaller.Signal();
 }
 
-void ZAV_EvDispatcher::SetWakeUpInterval(unsigned long ms)
-{
+void ZAV_EvDispatcher::SetWakeUpInterval(unsigned long ms) {
     Port().mWakeUpInterval = static_cast<std::uint32_t>(ms < kLongestInterval ? ms : kLongestInterval);
 }
 
-unsigned long ZAV_EvDispatcher::WakeUpInterval() const
-{
-    return Port().mWakeUpInterval;
-}
+unsigned long ZAV_EvDispatcher::WakeUpInterval() const { return Port().mWakeUpInterval; }
 
-unsigned long ZAV_EvDispatcher::QueueLength() const
-{
-    return Port().Length();
-}
+unsigned long ZAV_EvDispatcher::QueueLength() const { return Port().Length(); }
 
-unsigned long ZAV_EvDispatcher::QueueHighWater() const
-{
-    return Port().HighWater();
-}
+unsigned long ZAV_EvDispatcher::QueueHighWater() const { return Port().HighWater(); }
 
-void ZAV_EvDispatcher::Dispatch(ZAV_EvDispatcherControl control)
-{
+void ZAV_EvDispatcher::Dispatch(ZAV_EvDispatcherControl control) {
     bool done = mStopping != 0;
     while (!done) {
         DispatchBatch();
@@ -201,8 +171,7 @@ void ZAV_EvDispatcher::Dispatch(ZAV_EvDispatcherControl control)
     Finish();
 }
 
-void ZAV_EvDispatcher::DispatchBatch()
-{
+void ZAV_EvDispatcher::DispatchBatch() {
     ZAV_EvPort& port = Port();
     std::uint32_t rest = port.Length();
     do {
@@ -216,8 +185,7 @@ void ZAV_EvDispatcher::DispatchBatch()
     } while (rest != 0);
 }
 
-void ZAV_EvDispatcher::PollListeners()
-{
+void ZAV_EvDispatcher::PollListeners() {
     if (mListeners.IsEmpty()) return;
     ScopedWalk walk(Port(), static_cast<ZAV_Link*>(mListeners.First()));
     ZAV_Listener* current = nullptr;
@@ -252,11 +220,8 @@ namespace {
 class HandledEvent {
 public:
     HandledEvent(ZAV_Event* event, ZAV_EvHandlerBody* const& destination)
-        : mEvent(event), mDestination(destination)
-    {
-    }
-    ~HandledEvent()
-    {
+        : mEvent(event), mDestination(destination) {}
+    ~HandledEvent() {
         if (mEvent != nullptr && mDestination == nullptr) delete mEvent;
     }
     HandledEvent(const HandledEvent&) = delete;
@@ -272,8 +237,7 @@ private:
 
 } // namespace
 
-void ZAV_EvDispatcher::DispatchEvent(ZAV_Event* event)
-{
+void ZAV_EvDispatcher::DispatchEvent(ZAV_Event* event) {
     const HeldHandler handler(event->TakeDestination());
     HandledEvent handled(event, event->mDestination);
     int flags = 0;
@@ -290,8 +254,7 @@ void ZAV_EvDispatcher::DispatchEvent(ZAV_Event* event)
     if ((flags & 2) != 0) RemoveHandler(handler.body);
 }
 
-int ZAV_EvDispatcher::HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler)
-{
+int ZAV_EvDispatcher::HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler) {
     TraceEvent("DispatchEvent", event, handler);
     if (handler->IsActive()) return handler->HandleEvent(event);
     event->EmergencyCleanup();
@@ -299,8 +262,7 @@ int ZAV_EvDispatcher::HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler)
 }
 
 // Whether to end. The changes are counted from before the tests on, so that none of them is slept over.
-bool ZAV_EvDispatcher::EndOrSleep()
-{
+bool ZAV_EvDispatcher::EndOrSleep() {
     ZAV_EvPort& port = Port();
     if (mStopping == 0 && port.Length() != 0) return false;
     unsigned seenChanges;
@@ -319,21 +281,20 @@ bool ZAV_EvDispatcher::EndOrSleep()
     return false;
 }
 
-void ZAV_EvDispatcher::TraceRemainingHandlers()
-{
+void ZAV_EvDispatcher::TraceRemainingHandlers() {
     if (ZAV_TraceLine::Sink(tr_base, tr_base_name, 0x0100) == nullptr) return;
     std::vector<const char*> names;
     {
         ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
-        for (ZAV_Link* link = static_cast<ZAV_Link*>(mHandlers.First()); !link->IsListEnd(); link = link->NextLink())
+        for (ZAV_Link* link = static_cast<ZAV_Link*>(mHandlers.First()); !link->IsListEnd();
+             link = link->NextLink())
             names.push_back(static_cast<ZAV_EvHandlerRef*>(link)->GetBody()->ClassName());
     }
     ZAV_BASE_TRACE(0x0100, "EventHandlers not yet terminated :");
     for (const char* name : names) ZAV_BASE_TRACE(0x0100, "  --" << name);
 }
 
-void ZAV_EvDispatcher::Sleep(unsigned seenChanges)
-{
+void ZAV_EvDispatcher::Sleep(unsigned seenChanges) {
     ZAV_EvPort& port = Port();
     ZAV_MutexSignaller::Lock lock(mSignaller);
     if (port.mChanges != seenChanges || !port.BeginSleep()) return;
@@ -347,51 +308,43 @@ void ZAV_EvDispatcher::Sleep(unsigned seenChanges)
     port.EndSleep();
 }
 
-void ZAV_EvDispatcher::Finish()
-{
+void ZAV_EvDispatcher::Finish() {
     if (mStopping == 0) return;
     Cleanup();
     DropHandlers();
     DropListeners();
 }
 
-void ZAV_EvDispatcher::Cleanup()
-{
+void ZAV_EvDispatcher::Cleanup() {
     ZAV_EvPort& port = Port();
     while (ZAV_Event* event = port.Take()) ZAV_EvPort::Discard(event);
 }
 
-void ZAV_EvDispatcher::SetEventTracer(EventTracerFn fn)
-{
+void ZAV_EvDispatcher::SetEventTracer(EventTracerFn fn) {
     std::atomic_ref<EventTracerFn>(mEventTracerFn).store(fn, std::memory_order_release);
 }
 
-void ZAV_EvDispatcher::TraceEvent(const char* text, ZAV_Event* event, ZAV_EvHandlerBody* handler)
-{
+void ZAV_EvDispatcher::TraceEvent(const char* text, ZAV_Event* event, ZAV_EvHandlerBody* handler) {
     EventTracerFn fn = std::atomic_ref<EventTracerFn>(mEventTracerFn).load(std::memory_order_acquire);
     if (fn != nullptr) fn(text, event, handler);
 }
 
 ZAV_EvDispatcherThread::ZAV_EvDispatcherThread(ZAV_EvDispatcher& dispatcher)
-    : ZAV_Thread(ZAV_THREAD_JOINED), mDispatcher(dispatcher)
-{
-}
+    : ZAV_Thread(ZAV_THREAD_JOINED), mDispatcher(dispatcher) {}
 
-// The wait is here and not left to the base: a thread that has not yet entered run must still find this class.
-ZAV_EvDispatcherThread::~ZAV_EvDispatcherThread()
-{
+// The wait is here and not left to the base: a thread that has not yet entered run must still find this
+// class.
+ZAV_EvDispatcherThread::~ZAV_EvDispatcherThread() {
     ZAV_BASE_TRACE(0x0080, "ZAV_EvDispatcherThread exited");
     FinishThread();
 }
 
-ZAV_ThreadError ZAV_EvDispatcherThread::StopThread()
-{
+ZAV_ThreadError ZAV_EvDispatcherThread::StopThread() {
     mDispatcher.Stop();
     return ZAV_ThreadError(0);
 }
 
-void ZAV_EvDispatcherThread::run()
-{
+void ZAV_EvDispatcherThread::run() {
     ZAV_EXCEPTION_LINK link;
     try {
         mDispatcher.Dispatch(DISPATCH_UNTIL_STOPPED);

@@ -12,18 +12,18 @@ class ZAV_Listener;
 
 /// How long ZAV_EvDispatcher::Dispatch goes on. Any other value dispatches for ever, without sleeping.
 enum ZAV_EvDispatcherControl : int {
-    DISPATCH_ONCE = 0,               ///< handle the events present now, then return
-    DISPATCH_UNTIL_STOPPED = 1,      ///< sleep when idle; return once stopped and without handlers
-    DISPATCH_UNTIL_NO_HANDLERS = 2,  ///< return once without handlers; never sleeps, polls all the time
+    DISPATCH_ONCE = 0,              ///< handle the events present now, then return
+    DISPATCH_UNTIL_STOPPED = 1,     ///< sleep when idle; return once stopped and without handlers
+    DISPATCH_UNTIL_NO_HANDLERS = 2, ///< return once without handlers; never sleeps, polls all the time
 };
 
 /// The event loop: a queue of events, the handlers that they are for, and the listeners that make them. The
-/// thread that calls Dispatch runs it: listeners and handlers are called on that thread, one at a time, with no
-/// lock held. Only one thread may dispatch at a time; a handler may dispatch again from inside.
+/// thread that calls Dispatch runs it: listeners and handlers are called on that thread, one at a time, with
+/// no lock held. Only one thread may dispatch at a time; a handler may dispatch again from inside.
 ///
 /// Threads: queuing an event (ZAV_EvHandlerBody::QueueEvent), Stop, AddEvHandler, RemoveEvHandler and the
-/// counters are for any thread. AddListener, RemoveListener and Cleanup are for the dispatching thread, or for
-/// a time when none dispatches. Other threads may still hold and use the handlers when the dispatcher is
+/// counters are for any thread. AddListener, RemoveListener and Cleanup are for the dispatching thread, or
+/// for a time when none dispatches. Other threads may still hold and use the handlers when the dispatcher is
 /// destroyed: the handlers turn inactive.
 ///
 /// Ownership: queued events are the dispatcher's; handlers are counted; listeners stay the host's.
@@ -33,7 +33,7 @@ enum ZAV_EvDispatcherControl : int {
 class ZAV_API ZAV_EvDispatcher : public ZAV_Object {
     ZAV_DECLARE_CLASS(ZAV_EvDispatcher)
 public:
-    static int instance_counter;  ///< the live dispatchers; see ZAV_Event::instance_counter
+    static int instance_counter; ///< the live dispatchers; see ZAV_Event::instance_counter
 
     ZAV_EvDispatcher();
     ZAV_EvDispatcher(const ZAV_EvDispatcher&) = delete;
@@ -59,8 +59,8 @@ public:
     /// A dispatcher that sleeps sees nothing but queued events and Stop; polled listeners, among them a timer
     /// manager without a thread of its own, have to wait until then. SetWakeUpInterval changes that.
     ///
-    /// Once stopped, what is still queued when it returns is destroyed after its EmergencyCleanup, and handlers
-    /// and listeners are dropped. Stopped before Dispatch, it does only that.
+    /// Once stopped, what is still queued when it returns is destroyed after its EmergencyCleanup, and
+    /// handlers and listeners are dropped. Stopped before Dispatch, it does only that.
     void Dispatch(ZAV_EvDispatcherControl control);
 
     /// Has Dispatch(DISPATCH_UNTIL_STOPPED) return as soon as no handler is left: send the handlers a
@@ -75,8 +75,8 @@ public:
     void SetWakeUpInterval(unsigned long ms);
     unsigned long WakeUpInterval() const;
 
-    unsigned long QueueLength() const;     ///< events queued now
-    unsigned long QueueHighWater() const;  ///< the most events that were ever queued at a time
+    unsigned long QueueLength() const;    ///< events queued now
+    unsigned long QueueHighWater() const; ///< the most events that were ever queued at a time
 
     /// Called on the dispatching thread with the text "DispatchEvent", the event and its handler, before each
     /// event is handled; null for none. One function for the process.
@@ -112,15 +112,16 @@ private:
     ZAV_LinkedList mListeners;
     ZAV_LinkedList mHandlers;
     ZAV_MutexSignaller mSignaller;
-    ZAV_LinkedList mQueue;  ///< its one link is the port, which holds the events by priority
+    ZAV_LinkedList mQueue; ///< its one link is the port, which holds the events by priority
     std::atomic<std::int32_t> mWaiting;
     std::atomic<std::int32_t> mStopping;
 
     static EventTracerFn mEventTracerFn;
 };
 
-/// A thread that runs a dispatcher until it is stopped. StopThread stops the dispatcher and returns 0 at once;
-/// the thread ends when its handlers are gone. A dummyalloc that leaves Dispatch is traced and ends the thread.
+/// A thread that runs a dispatcher until it is stopped. StopThread stops the dispatcher and returns 0 at
+/// once; the thread ends when its handlers are gone. A dummyalloc that leaves Dispatch is traced and ends the
+/// thread.
 ///
 /// The destructor does not stop the dispatcher, it waits for it: call StopThread first.
 class ZAV_API ZAV_EvDispatcherThread : public ZAV_Thread {

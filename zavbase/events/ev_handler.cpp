@@ -15,21 +15,18 @@ namespace {
 
 // Registering is rare; one lock serves all handlers.
 // Never destroyed, and not constinit: not every platform builds a std::mutex at compile time.
-std::mutex& TheRegistrationLock()
-{
+std::mutex& TheRegistrationLock() {
     static std::mutex* const lock = new std::mutex;
     return *lock;
 }
 
-bool IsOpen(const ZAV_EvRegistration* registration)
-{
+bool IsOpen(const ZAV_EvRegistration* registration) {
     return registration != nullptr && registration->active.load(std::memory_order_acquire) &&
            !registration->port->IsClosed();
 }
 
 // Takes the tie to the port out from among those older than `current`; null when there is none.
-ZAV_EvRegistration* UnlinkTie(ZAV_EvRegistration* current, const ZAV_EvPort* port)
-{
+ZAV_EvRegistration* UnlinkTie(ZAV_EvRegistration* current, const ZAV_EvPort* port) {
     for (ZAV_EvRegistration* newer = current; newer != nullptr; newer = newer->older) {
         ZAV_EvRegistration* tie = newer->older;
         if (tie == nullptr || tie->port != port) continue;
@@ -43,23 +40,16 @@ ZAV_EvRegistration* UnlinkTie(ZAV_EvRegistration* current, const ZAV_EvPort* por
 
 int ZAV_EvHandlerBody::instance_counter = 0;
 
-ZAV_EvHandlerBody::ZAV_EvHandlerBody() : mDispatcher(nullptr)
-{
+ZAV_EvHandlerBody::ZAV_EvHandlerBody() : mDispatcher(nullptr) { ZAV_CountLive(instance_counter, 1); }
+
+ZAV_EvHandlerBody::ZAV_EvHandlerBody(const ZAV_EvHandlerBody& other)
+    : ZAV_RefCount(other), mDispatcher(nullptr) {
     ZAV_CountLive(instance_counter, 1);
 }
 
-ZAV_EvHandlerBody::ZAV_EvHandlerBody(const ZAV_EvHandlerBody& other) : ZAV_RefCount(other), mDispatcher(nullptr)
-{
-    ZAV_CountLive(instance_counter, 1);
-}
+ZAV_EvHandlerBody& ZAV_EvHandlerBody::operator=(const ZAV_EvHandlerBody&) { return *this; }
 
-ZAV_EvHandlerBody& ZAV_EvHandlerBody::operator=(const ZAV_EvHandlerBody&)
-{
-    return *this;
-}
-
-ZAV_EvHandlerBody::~ZAV_EvHandlerBody()
-{
+ZAV_EvHandlerBody::~ZAV_EvHandlerBody() {
     ZAV_EvRegistration* registration = mDispatcher.load(std::memory_order_acquire);
     while (registration != nullptr) {
         ZAV_EvRegistration* older = registration->older;
@@ -70,43 +60,28 @@ ZAV_EvHandlerBody::~ZAV_EvHandlerBody()
     ZAV_CountLive(instance_counter, -1);
 }
 
-void ZAV_EvHandlerBody::PrintOn(std::ostream& os)
-{
-    ZAV_RefCount::PrintOn(os);
-}
+void ZAV_EvHandlerBody::PrintOn(std::ostream& os) { ZAV_RefCount::PrintOn(os); }
 
-int ZAV_EvHandlerBody::QueueEvent(ZAV_Event* event, long priority)
-{
+int ZAV_EvHandlerBody::QueueEvent(ZAV_Event* event, long priority) {
     const ZAV_EvRegistration* registration = mDispatcher.load(std::memory_order_acquire);
     if (!IsOpen(registration)) return -1;
     if (event != nullptr) registration->port->Send(this, event, priority);
     return 0;
 }
 
-boolean_t ZAV_EvHandlerBody::IsActive() const
-{
+boolean_t ZAV_EvHandlerBody::IsActive() const {
     return ZAV_Bool(IsOpen(mDispatcher.load(std::memory_order_acquire)));
 }
 
-long ZAV_EvHandlerBody::RegisterTimer(unsigned long ms)
-{
-    return ZAV_TimerMgr::AddTimer(ms, this, 0);
-}
+long ZAV_EvHandlerBody::RegisterTimer(unsigned long ms) { return ZAV_TimerMgr::AddTimer(ms, this, 0); }
 
-void ZAV_EvHandlerBody::UnRegisterTimer(long id)
-{
-    ZAV_TimerMgr::RemoveTimer(id);
-}
+void ZAV_EvHandlerBody::UnRegisterTimer(long id) { ZAV_TimerMgr::RemoveTimer(id); }
 
-int ZAV_EvHandlerBody::HandleEvent(ZAV_Event*)
-{
-    return 2;
-}
+int ZAV_EvHandlerBody::HandleEvent(ZAV_Event*) { return 2; }
 
 // Other threads may be posting through any of the ties, so none is taken apart; but they look at the current
 // one only at the beginning, so the order of the older ones may change.
-void ZAV_EvHandlerBody::Attach(ZAV_EvPort* port)
-{
+void ZAV_EvHandlerBody::Attach(ZAV_EvPort* port) {
     std::lock_guard<std::mutex> guard(TheRegistrationLock());
     ZAV_EvRegistration* current = mDispatcher.load(std::memory_order_relaxed);
     if (current == nullptr || current->port != port) {
@@ -123,21 +98,16 @@ void ZAV_EvHandlerBody::Attach(ZAV_EvPort* port)
     current->active.store(true, std::memory_order_release);
 }
 
-void ZAV_EvHandlerBody::Detach()
-{
+void ZAV_EvHandlerBody::Detach() {
     std::lock_guard<std::mutex> guard(TheRegistrationLock());
     if (ZAV_EvRegistration* current = mDispatcher.load(std::memory_order_relaxed))
         current->active.store(false, std::memory_order_release);
 }
 
 // What a reference does, for events: they would need one each.
-void ZAV_EvHandlerBody::Hold()
-{
-    mRefCount.fetch_add(1, std::memory_order_relaxed);
-}
+void ZAV_EvHandlerBody::Hold() { mRefCount.fetch_add(1, std::memory_order_relaxed); }
 
-void ZAV_EvHandlerBody::LetGo()
-{
+void ZAV_EvHandlerBody::LetGo() {
     if (mRefCount.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
 }
 
@@ -147,14 +117,12 @@ ZAV_EvHandlerRef::ZAV_EvHandlerRef(const ZAV_EvHandlerRef& other) : ZAV_Ref(othe
 
 ZAV_EvHandlerRef::~ZAV_EvHandlerRef() {}
 
-ZAV_EvHandlerRef& ZAV_EvHandlerRef::operator=(const ZAV_EvHandlerRef& other)
-{
+ZAV_EvHandlerRef& ZAV_EvHandlerRef::operator=(const ZAV_EvHandlerRef& other) {
     ZAV_Ref::operator=(other);
     return *this;
 }
 
-ZAV_EvHandlerRef& ZAV_EvHandlerRef::operator=(ZAV_EvHandlerBody* body)
-{
+ZAV_EvHandlerRef& ZAV_EvHandlerRef::operator=(ZAV_EvHandlerBody* body) {
     ZAV_Ref::operator=(body);
     return *this;
 }
@@ -162,30 +130,20 @@ ZAV_EvHandlerRef& ZAV_EvHandlerRef::operator=(ZAV_EvHandlerBody* body)
 ZAV_EvHandlerHelper::ZAV_EvHandlerHelper() : mMaster(nullptr) {}
 
 ZAV_EvHandlerHelper::ZAV_EvHandlerHelper(const ZAV_EvHandlerHelper& other)
-    : ZAV_Object(other), mMaster(other.mMaster != nullptr ? new ZAV_EvHandlerRef(*other.mMaster) : nullptr)
-{
-}
+    : ZAV_Object(other), mMaster(other.mMaster != nullptr ? new ZAV_EvHandlerRef(*other.mMaster) : nullptr) {}
 
-ZAV_EvHandlerHelper& ZAV_EvHandlerHelper::operator=(const ZAV_EvHandlerHelper& other)
-{
+ZAV_EvHandlerHelper& ZAV_EvHandlerHelper::operator=(const ZAV_EvHandlerHelper& other) {
     ZAV_EvHandlerHelper::SetMaster(other.mMaster != nullptr ? other.mMaster->GetBody() : nullptr);
     return *this;
 }
 
-ZAV_EvHandlerHelper::~ZAV_EvHandlerHelper()
-{
-    delete mMaster;
-}
+ZAV_EvHandlerHelper::~ZAV_EvHandlerHelper() { delete mMaster; }
 
 // The new reference is made first: the old one may be the last on the same handler.
-void ZAV_EvHandlerHelper::SetMaster(ZAV_EvHandlerBody* master)
-{
+void ZAV_EvHandlerHelper::SetMaster(ZAV_EvHandlerBody* master) {
     ZAV_EvHandlerRef* old = mMaster;
     mMaster = master != nullptr ? new ZAV_EvHandlerRef(master) : nullptr;
     delete old;
 }
 
-int ZAV_EvHandlerHelper::CheckEvent(ZAV_Event*)
-{
-    return 1;
-}
+int ZAV_EvHandlerHelper::CheckEvent(ZAV_Event*) { return 1; }

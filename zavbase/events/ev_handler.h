@@ -19,10 +19,10 @@ struct ZAV_EvRegistration;
 class ZAV_API ZAV_EvHandlerBody : public ZAV_RefCount {
     ZAV_DECLARE_CLASS(ZAV_EvHandlerBody)
 public:
-    static int instance_counter;  ///< the live handler bodies; see ZAV_Event::instance_counter
+    static int instance_counter; ///< the live handler bodies; see ZAV_Event::instance_counter
 
     ZAV_EvHandlerBody();
-    ZAV_EvHandlerBody(const ZAV_EvHandlerBody& other);  ///< the copy is not registered
+    ZAV_EvHandlerBody(const ZAV_EvHandlerBody& other); ///< the copy is not registered
     ZAV_EvHandlerBody& operator=(const ZAV_EvHandlerBody& other);
     ~ZAV_EvHandlerBody() override;
 
@@ -48,8 +48,8 @@ protected:
     /// delete or to queue again; 2 the handler is to be unregistered. Without bit 1 the event is destroyed.
     /// The base answers 2. An event that this call queues again must be kept (bit 1), whatever else happens.
     ///
-    /// A ZAV_Exception* that leaves it is traced and deleted, the event destroyed, the handler stays. Any other
-    /// exception leaves ZAV_EvDispatcher::Dispatch.
+    /// A ZAV_Exception* that leaves it is traced and deleted, the event destroyed, the handler stays. Any
+    /// other exception leaves ZAV_EvDispatcher::Dispatch.
     virtual int HandleEvent(ZAV_Event* event);
 
     friend class ZAV_EvDispatcher;
@@ -80,23 +80,23 @@ public:
     ZAV_EvHandlerBody* operator->() const { return GetBody(); }
 };
 
-/// Base of helpers that do part of the work of a handler, their master, and keep it alive as long as they work
-/// for it. A handler that owns such a helper must take itself away with SetMaster(nullptr) when it ends.
+/// Base of helpers that do part of the work of a handler, their master, and keep it alive as long as they
+/// work for it. A handler that owns such a helper must take itself away with SetMaster(nullptr) when it ends.
 class ZAV_API ZAV_EvHandlerHelper : public ZAV_Object {
     ZAV_DECLARE_CLASS(ZAV_EvHandlerHelper)
 public:
-    virtual void SetMaster(ZAV_EvHandlerBody* master);  ///< null: none
+    virtual void SetMaster(ZAV_EvHandlerBody* master); ///< null: none
     /// Looks at an event that the master received; what the result says is up to the helper. The base
     /// answers 1.
     virtual int CheckEvent(ZAV_Event* event);
 
 protected:
     ZAV_EvHandlerHelper();
-    ZAV_EvHandlerHelper(const ZAV_EvHandlerHelper& other);  ///< works for the same master
+    ZAV_EvHandlerHelper(const ZAV_EvHandlerHelper& other); ///< works for the same master
     ZAV_EvHandlerHelper& operator=(const ZAV_EvHandlerHelper& other);
     ~ZAV_EvHandlerHelper() override;
 
-    ZAV_EvHandlerRef* mMaster;  ///< owned; null when there is none
+    ZAV_EvHandlerRef* mMaster; ///< owned; null when there is none
 };
 
 #endif

@@ -10,18 +10,13 @@ ZAV_EvPort::ZAV_EvPort(ZAV_EvDispatcher* owner) : mOwner(owner) {}
 
 ZAV_EvPort::~ZAV_EvPort() {}
 
-void ZAV_EvPort::Hold()
-{
-    mUsers.fetch_add(1, std::memory_order_relaxed);
-}
+void ZAV_EvPort::Hold() { mUsers.fetch_add(1, std::memory_order_relaxed); }
 
-void ZAV_EvPort::Release()
-{
+void ZAV_EvPort::Release() {
     if (mUsers.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
 }
 
-void ZAV_EvPort::Send(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority)
-{
+void ZAV_EvPort::Send(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority) {
     event->SetDestination(handler, priority);
     bool posted;
     try {
@@ -33,14 +28,12 @@ void ZAV_EvPort::Send(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priorit
     if (!posted) Discard(event);
 }
 
-void ZAV_EvPort::Discard(ZAV_Event* event)
-{
+void ZAV_EvPort::Discard(ZAV_Event* event) {
     std::unique_ptr<ZAV_Event> owned(event);
     owned->EmergencyCleanup();
 }
 
-bool ZAV_EvPort::Post(ZAV_Event* event)
-{
+bool ZAV_EvPort::Post(ZAV_Event* event) {
     bool sleeping;
     {
         std::lock_guard<ZAV_SpinLock> lock(mLock);
@@ -57,22 +50,20 @@ bool ZAV_EvPort::Post(ZAV_Event* event)
 }
 
 // Under the lock, for those who read without it.
-void ZAV_EvPort::NotePosted()
-{
+void ZAV_EvPort::NotePosted() {
     mPosted.store(mQueue.Length(), std::memory_order_relaxed);
     const std::int64_t highest = mQueue.IsEmpty() ? kNothing : mQueue.HighestPriority();
-    if (highest != mHighest.load(std::memory_order_relaxed)) mHighest.store(highest, std::memory_order_release);
+    if (highest != mHighest.load(std::memory_order_relaxed))
+        mHighest.store(highest, std::memory_order_release);
 }
 
 // Under the lock the owner cannot go away; that it has stopped sleeping meanwhile does no harm.
-void ZAV_EvPort::WakeOwner()
-{
+void ZAV_EvPort::WakeOwner() {
     ZAV_Mutex::Lock lock(mOwnerLock, B_FALSE);
     if (mOwner != nullptr) mOwner->Wake();
 }
 
-ZAV_Event* ZAV_EvPort::Take()
-{
+ZAV_Event* ZAV_EvPort::Take() {
     const std::int64_t highest = mHighest.load(std::memory_order_acquire);
     if (highest != kNothing && (mCurrent.first == nullptr || highest > mCurrent.priority)) Fetch();
     ZAV_Event* event = mCurrent.TakeFirst();
@@ -80,8 +71,7 @@ ZAV_Event* ZAV_EvPort::Take()
     return event;
 }
 
-void ZAV_EvPort::Fetch()
-{
+void ZAV_EvPort::Fetch() {
     std::lock_guard<ZAV_SpinLock> lock(mLock);
     mQueue.PutBack(mCurrent);
     mCurrent = mQueue.TakeHighest();
@@ -89,22 +79,19 @@ void ZAV_EvPort::Fetch()
     NotePosted();
 }
 
-bool ZAV_EvPort::BeginSleep()
-{
+bool ZAV_EvPort::BeginSleep() {
     if (AtHand() != 0) return false;
     std::lock_guard<ZAV_SpinLock> lock(mLock);
     mSleeping = mQueue.IsEmpty();
     return mSleeping;
 }
 
-void ZAV_EvPort::EndSleep()
-{
+void ZAV_EvPort::EndSleep() {
     std::lock_guard<ZAV_SpinLock> lock(mLock);
     mSleeping = false;
 }
 
-void ZAV_EvPort::Close()
-{
+void ZAV_EvPort::Close() {
     {
         ZAV_Mutex::Lock lock(mOwnerLock, B_FALSE);
         mOwner = nullptr;

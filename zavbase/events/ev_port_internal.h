@@ -17,12 +17,12 @@ class ZAV_EvHandlerBody;
 /// handler that was ever registered with it hold a count, so a handler may be used on any thread while the
 /// dispatcher is destroyed: the port is then closed and takes nothing more.
 ///
-/// Any thread posts, under the lock. The dispatching thread takes all events of the highest priority at a time
-/// and works through them without the lock; before each it looks whether one of a higher priority was posted
-/// meanwhile, and then puts the rest back. So the order is exactly that of one locked list.
+/// Any thread posts, under the lock. The dispatching thread takes all events of the highest priority at a
+/// time and works through them without the lock; before each it looks whether one of a higher priority was
+/// posted meanwhile, and then puts the rest back. So the order is exactly that of one locked list.
 class ZAV_EvPort : public ZAV_Link {
 public:
-    explicit ZAV_EvPort(ZAV_EvDispatcher* owner);  ///< counted once, for the owner
+    explicit ZAV_EvPort(ZAV_EvDispatcher* owner); ///< counted once, for the owner
     void Hold();
     void Release();
 
@@ -38,7 +38,7 @@ public:
     std::uint32_t HighWater() const { return mHighWater.load(std::memory_order_relaxed); }
 
     /// For the dispatching thread only.
-    ZAV_Event* Take();  ///< the first event, or null
+    ZAV_Event* Take(); ///< the first event, or null
     /// Whether at least so many events are there. Does not look at what others write if it can do without.
     bool HasAtLeast(std::uint32_t count) const { return AtHand() >= count || Length() >= count; }
     /// False, and nothing happens, when events are there. In the other case the next post wakes the owner.
@@ -77,11 +77,11 @@ private:
 
     // What the dispatching thread writes for every event lies apart from what producers write; what it reads
     // for every event changes only when the highest priority does.
-    alignas(64) ZAV_EventQueue::Chain mCurrent;  // taken out and not yet handled
-    std::atomic<std::uint32_t> mAtHand{0};       // its count
-    alignas(64) std::atomic<std::int64_t> mHighest{kNothing};  // the highest priority posted
+    alignas(64) ZAV_EventQueue::Chain mCurrent;               // taken out and not yet handled
+    std::atomic<std::uint32_t> mAtHand{0};                    // its count
+    alignas(64) std::atomic<std::int64_t> mHighest{kNothing}; // the highest priority posted
     std::atomic<bool> mClosed{false};
-    alignas(64) ZAV_SpinLock mLock;  // of all that follows; who waits for it leaves that alone
+    alignas(64) ZAV_SpinLock mLock; // of all that follows; who waits for it leaves that alone
     alignas(64) bool mSleeping = false;
     std::atomic<std::uint32_t> mPosted{0};
     std::atomic<std::uint32_t> mHighWater{0};

@@ -28,8 +28,8 @@ public:
     ~ZAV_Event() override;
 
     long Type() const { return mType; }
-    void Type2Str(ZAV_String* text) const;    ///< appends the four characters
-    void PrintOn(std::ostream& os) override;  ///< "Event '", the four characters and "'"
+    void Type2Str(ZAV_String* text) const;   ///< appends the four characters
+    void PrintOn(std::ostream& os) override; ///< "Event '", the four characters and "'"
 
     /// Called, on any thread and under no lock of the library, just before the event is destroyed without
     /// having been handled. An event that carries what must not get lost overrides it. It must not throw and
@@ -48,7 +48,7 @@ protected:
     friend class ZAV_EventQueue;
     friend class ZAV_TimerMgr;
 
-    ZAV_EvHandlerBody* mDestination;  ///< counted like by a reference; null when not queued
+    ZAV_EvHandlerBody* mDestination; ///< counted like by a reference; null when not queued
     zav_long32 mType;
     zav_long32 mPriority;
 
@@ -64,7 +64,8 @@ public:
     void PrintOn(std::ostream& os) override;
 };
 
-/// Asks a handler to end: it is expected to answer with result bit 2, so that it gets unregistered. Type "Stop".
+/// Asks a handler to end: it is expected to answer with result bit 2, so that it gets unregistered. Type
+/// "Stop".
 class ZAV_API ZAV_EventStop : public ZAV_Event {
     ZAV_DECLARE_CLASS(ZAV_EventStop)
 public:

@@ -9,30 +9,28 @@ namespace {
 const std::size_t kFirstSlots = 16;
 const std::size_t kFewBuckets = 1024;
 
-std::size_t Hash(std::int32_t priority)
-{
+std::size_t Hash(std::int32_t priority) {
     return static_cast<std::size_t>(static_cast<std::uint32_t>(priority) * 0x9E3779B97F4A7C15ull >> 32);
 }
 
 } // namespace
 
-ZAV_Event* ZAV_EventQueue::Chain::TakeFirst()
-{
+ZAV_Event* ZAV_EventQueue::Chain::TakeFirst() {
     ZAV_Event* event = first;
     if (event == nullptr) return nullptr;
     first = static_cast<ZAV_Event*>(event->mNext);
     event->mNext = nullptr;
     --count;
     if (first != nullptr) {
-        // Long queues do not stay in the processor's cache: have what comes next, and after it, fetched meanwhile.
+        // Long queues do not stay in the processor's cache: have what comes next, and after it, fetched
+        // meanwhile.
         __builtin_prefetch(first->mDestination);
         __builtin_prefetch(first->mNext);
     }
     return event;
 }
 
-void ZAV_EventQueue::Push(ZAV_Event* event)
-{
+void ZAV_EventQueue::Push(ZAV_Event* event) {
     Chain& bucket = Bucket(event->mPriority);
     if (bucket.first == nullptr)
         bucket.first = event;
@@ -44,8 +42,7 @@ void ZAV_EventQueue::Push(ZAV_Event* event)
     ++mLength;
 }
 
-ZAV_EventQueue::Chain ZAV_EventQueue::TakeHighest()
-{
+ZAV_EventQueue::Chain ZAV_EventQueue::TakeHighest() {
     if (mHeap.empty()) return Chain();
     Chain& bucket = mBuckets[mHeap.front().bucket];
     const Chain taken = bucket;
@@ -57,8 +54,7 @@ ZAV_EventQueue::Chain ZAV_EventQueue::TakeHighest()
     return taken;
 }
 
-void ZAV_EventQueue::PutBack(Chain& chain)
-{
+void ZAV_EventQueue::PutBack(Chain& chain) {
     if (chain.first == nullptr) return;
     Chain& bucket = Bucket(chain.priority);
     if (bucket.first == nullptr)
@@ -72,8 +68,7 @@ void ZAV_EventQueue::PutBack(Chain& chain)
 }
 
 // The bucket, which is in the heap and about to get an event.
-ZAV_EventQueue::Chain& ZAV_EventQueue::Bucket(std::int32_t priority)
-{
+ZAV_EventQueue::Chain& ZAV_EventQueue::Bucket(std::int32_t priority) {
     const std::uint32_t number = BucketNumber(priority);
     if (mBuckets[number].first == nullptr) {
         mHeap.push_back({priority, number});
@@ -82,8 +77,7 @@ ZAV_EventQueue::Chain& ZAV_EventQueue::Bucket(std::int32_t priority)
     return mBuckets[number];
 }
 
-std::uint32_t ZAV_EventQueue::BucketNumber(std::int32_t priority)
-{
+std::uint32_t ZAV_EventQueue::BucketNumber(std::int32_t priority) {
     if (mLastUsed < mBuckets.size() && mBuckets[mLastUsed].priority == priority) return mLastUsed;
     // At most half of the slots are in use, so every probe ends.
     if (mSlots.size() < 2 * (mBuckets.size() + 1)) {
@@ -99,31 +93,27 @@ std::uint32_t ZAV_EventQueue::BucketNumber(std::int32_t priority)
     return mLastUsed = *slot - 1;
 }
 
-std::uint32_t* ZAV_EventQueue::Slot(std::int32_t priority)
-{
+std::uint32_t* ZAV_EventQueue::Slot(std::int32_t priority) {
     const std::size_t mask = mSlots.size() - 1;
     std::size_t i = Hash(priority) & mask;
     while (mSlots[i] != 0 && mBuckets[mSlots[i] - 1].priority != priority) i = (i + 1) & mask;
     return &mSlots[i];
 }
 
-void ZAV_EventQueue::Rehash(std::size_t slots)
-{
+void ZAV_EventQueue::Rehash(std::size_t slots) {
     std::vector<std::uint32_t> fresh(slots, 0);
     mSlots.swap(fresh);
     FillSlots();
 }
 
-void ZAV_EventQueue::FillSlots()
-{
+void ZAV_EventQueue::FillSlots() {
     for (std::size_t b = 0; b < mBuckets.size(); ++b)
         *Slot(mBuckets[b].priority) = static_cast<std::uint32_t>(b + 1);
 }
 
-// Keeps the buckets that hold events, in the heap's order: a heap stays a heap when its entries are renumbered.
-// What can fail comes first.
-void ZAV_EventQueue::ForgetEmptyBuckets()
-{
+// Keeps the buckets that hold events, in the heap's order: a heap stays a heap when its entries are
+// renumbered. What can fail comes first.
+void ZAV_EventQueue::ForgetEmptyBuckets() {
     std::vector<Chain> kept;
     kept.reserve(mHeap.size() + 1);
     for (HeapEntry& entry : mHeap) {

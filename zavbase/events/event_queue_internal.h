@@ -8,10 +8,10 @@
 class ZAV_Event;
 
 /// Events by priority: highest first, first in first out among equals. What comes out is what one list would
-/// give in which each event is put behind the last one of at least its priority; the cost is another: a bucket
-/// per priority, found by hashing, is a list with a tail pointer, and a heap orders the buckets in use. So an
-/// event costs the same however many are pending, and only a priority that comes into or goes out of use costs
-/// the logarithm of the number of priorities in use.
+/// give in which each event is put behind the last one of at least its priority; the cost is another: a
+/// bucket per priority, found by hashing, is a list with a tail pointer, and a heap orders the buckets in
+/// use. So an event costs the same however many are pending, and only a priority that comes into or goes out
+/// of use costs the logarithm of the number of priorities in use.
 ///
 /// Events come out a bucket at a time; what is left of one can be put back. Does not own the events, and is
 /// used by one thread at a time. Push and PutBack throw, and change nothing, when memory runs out.
@@ -24,20 +24,20 @@ public:
         std::uint32_t count = 0;
         std::int32_t priority = 0;
 
-        ZAV_Event* TakeFirst();  ///< null when empty
+        ZAV_Event* TakeFirst(); ///< null when empty
     };
 
     ZAV_EventQueue() = default;
     ZAV_EventQueue(const ZAV_EventQueue&) = delete;
     ZAV_EventQueue& operator=(const ZAV_EventQueue&) = delete;
 
-    void Push(ZAV_Event* event);    ///< by its own priority
-    Chain TakeHighest();            ///< the whole bucket of the highest priority; an empty chain if there is none
-    void PutBack(Chain& chain);     ///< before all others of its priority; leaves an empty chain
+    void Push(ZAV_Event* event); ///< by its own priority
+    Chain TakeHighest();        ///< the whole bucket of the highest priority; an empty chain if there is none
+    void PutBack(Chain& chain); ///< before all others of its priority; leaves an empty chain
 
     std::uint32_t Length() const { return mLength; }
     bool IsEmpty() const { return mHeap.empty(); }
-    std::int32_t HighestPriority() const { return mHeap.front().priority; }  ///< not when empty
+    std::int32_t HighestPriority() const { return mHeap.front().priority; } ///< not when empty
 
 private:
     struct HeapEntry {
@@ -53,9 +53,9 @@ private:
     void FillSlots();
     void ForgetEmptyBuckets();
 
-    std::vector<Chain> mBuckets;        // those that hold events and some that did
-    std::vector<std::uint32_t> mSlots;  // open addressing; bucket number + 1, or 0
-    std::vector<HeapEntry> mHeap;       // the buckets that hold events, highest priority on top
+    std::vector<Chain> mBuckets;       // those that hold events and some that did
+    std::vector<std::uint32_t> mSlots; // open addressing; bucket number + 1, or 0
+    std::vector<HeapEntry> mHeap;      // the buckets that hold events, highest priority on top
     std::uint32_t mLastUsed = 0;
     std::uint32_t mLength = 0;
 };

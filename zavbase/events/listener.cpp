@@ -19,30 +19,26 @@ struct Table {
 };
 
 // Never destroyed: listeners may be static objects of the host.
-Table& TheTable()
-{
+Table& TheTable() {
     static Table* table = new Table;
     return *table;
 }
 
 } // namespace
 
-bool zav_listeners::Claim(ZAV_Listener* listener, ZAV_EvDispatcher* dispatcher)
-{
+bool zav_listeners::Claim(ZAV_Listener* listener, ZAV_EvDispatcher* dispatcher) {
     Table& table = TheTable();
     std::lock_guard<std::mutex> guard(table.lock);
     return table.owners.emplace(listener, dispatcher).second;
 }
 
-void zav_listeners::Release(ZAV_Listener* listener)
-{
+void zav_listeners::Release(ZAV_Listener* listener) {
     Table& table = TheTable();
     std::lock_guard<std::mutex> guard(table.lock);
     table.owners.erase(listener);
 }
 
-ZAV_EvDispatcher* zav_listeners::Owner(ZAV_Listener* listener)
-{
+ZAV_EvDispatcher* zav_listeners::Owner(ZAV_Listener* listener) {
     Table& table = TheTable();
     std::lock_guard<std::mutex> guard(table.lock);
     const auto found = table.owners.find(listener);
@@ -53,14 +49,10 @@ ZAV_Listener::ZAV_Listener() {}
 
 ZAV_Listener::ZAV_Listener(const ZAV_Listener& other) : ZAV_Link(other) {}
 
-ZAV_Listener& ZAV_Listener::operator=(const ZAV_Listener&)
-{
-    return *this;
-}
+ZAV_Listener& ZAV_Listener::operator=(const ZAV_Listener&) { return *this; }
 
-ZAV_Listener::~ZAV_Listener()
-{
-    if (NextLink() == nullptr) return;  // in no list at all
+ZAV_Listener::~ZAV_Listener() {
+    if (NextLink() == nullptr) return; // in no list at all
     if (ZAV_EvDispatcher* dispatcher = zav_listeners::Owner(this)) dispatcher->RemoveListener(this);
 }
 
@@ -69,26 +61,23 @@ void ZAV_Listener::Listen(ZAV_ListenerControl) {}
 void ZAV_Listener::Stop() {}
 
 ZAV_ListenerThread::ZAV_ListenerThread(const char* name, ZAV_Listener& listener)
-    : ZAV_Thread(ZAV_THREAD_JOINED), mListener(listener)
-{
+    : ZAV_Thread(ZAV_THREAD_JOINED), mListener(listener) {
     SetInfoString(const_cast<char*>(name));
 }
 
-// The wait is here and not left to the base: a thread that has not yet entered run must still find this class.
-ZAV_ListenerThread::~ZAV_ListenerThread()
-{
+// The wait is here and not left to the base: a thread that has not yet entered run must still find this
+// class.
+ZAV_ListenerThread::~ZAV_ListenerThread() {
     ZAV_BASE_TRACE(0x0080, "ZAV_ListenerThread exited");
     FinishThread();
 }
 
-ZAV_ThreadError ZAV_ListenerThread::StopThread()
-{
+ZAV_ThreadError ZAV_ListenerThread::StopThread() {
     mListener.Stop();
     return ZAV_ThreadError(0);
 }
 
-void ZAV_ListenerThread::run()
-{
+void ZAV_ListenerThread::run() {
     ZAV_EXCEPTION_LINK link;
     try {
         mListener.Listen(LISTEN_BLOCK);

@@ -5,8 +5,8 @@
 #include <zavbase/threads/thread.h>
 
 enum ZAV_ListenerControl : int {
-    LISTEN_POLL = 0,   ///< handle what is ready now and return without blocking
-    LISTEN_BLOCK = 1,  ///< wait for input and handle it until Stop is called
+    LISTEN_POLL = 0,  ///< handle what is ready now and return without blocking
+    LISTEN_BLOCK = 1, ///< wait for input and handle it until Stop is called
 };
 
 /// Waits for something outside the event system (a device, a socket, the clock) and turns it into events for
@@ -36,7 +36,7 @@ protected:
 /// The destructor does not stop the listener, it waits for it: call StopThread first.
 class ZAV_API ZAV_ListenerThread : public ZAV_Thread {
 public:
-    ZAV_ListenerThread(const char* name, ZAV_Listener& listener);  ///< the name is cut to 63 characters
+    ZAV_ListenerThread(const char* name, ZAV_Listener& listener); ///< the name is cut to 63 characters
     ~ZAV_ListenerThread() override;
 
     ZAV_ThreadError StopThread() override;

@@ -10,12 +10,12 @@ const int kYields = 1000;
 
 } // namespace
 
-// The holder may have been interrupted. Letting others run is enough unless this thread is of a higher priority
-// than the holder: then the holder gets the processor only while this one sleeps.
-void ZAV_SpinLock::LockHeld()
-{
+// The holder may have been interrupted. Letting others run is enough unless this thread is of a higher
+// priority than the holder: then the holder gets the processor only while this one sleeps.
+void ZAV_SpinLock::LockHeld() {
     for (int tries = 0;; ++tries) {
-        if (!mHeld.load(std::memory_order_relaxed) && !mHeld.exchange(true, std::memory_order_acquire)) return;
+        if (!mHeld.load(std::memory_order_relaxed) && !mHeld.exchange(true, std::memory_order_acquire))
+            return;
         if (tries > kLooks + kYields)
             ZAV_MilliSleep(1);
         else if (tries > kLooks)

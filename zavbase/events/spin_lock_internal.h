@@ -4,11 +4,11 @@
 #include <atomic>
 
 /// A lock for sections of a few instructions, taken a million times a second: free, it costs one atomic
-/// exchange and no call on any system. Who finds it held looks again, then lets other threads run, then sleeps.
+/// exchange and no call on any system. Who finds it held looks again, then lets other threads run, then
+/// sleeps.
 class ZAV_SpinLock {
 public:
-    void lock()
-    {
+    void lock() {
         if (mHeld.exchange(true, std::memory_order_acquire)) LockHeld();
     }
     void unlock() { mHeld.store(false, std::memory_order_release); }

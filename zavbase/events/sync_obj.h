@@ -31,9 +31,9 @@ public:
     /// be one that references may hold (made with new).
     void Register(const ZAV_EvHandlerBody* handler);
     void UnRegister(const ZAV_EvHandlerBody* handler);
-    void Cleanup();  ///< unregisters all
+    void Cleanup(); ///< unregisters all
 
-    void PrintOn(std::ostream& os) override;  ///< "mRefCount=1,mFlag=1"
+    void PrintOn(std::ostream& os) override; ///< "mRefCount=1,mFlag=1"
 
 protected:
     /// Queues one event with priority 0 for each registered handler, in the order of registration, up to the
@@ -51,7 +51,7 @@ private:
 class ZAV_API ZAV_SyncObjRef : public ZAV_Ref {
     ZAV_DECLARE_CLASS(ZAV_SyncObjRef)
 public:
-    ZAV_SyncObjRef();  ///< a new object
+    ZAV_SyncObjRef(); ///< a new object
     ZAV_SyncObjRef(ZAV_SyncObjBody* body);
     ZAV_SyncObjRef(const ZAV_SyncObjRef& other);
     ~ZAV_SyncObjRef() override;

@@ -19,22 +19,19 @@ ZAV_TimerBody::ZAV_TimerBody() : mStart(0), mTimeout(0) {}
 
 ZAV_TimerBody::~ZAV_TimerBody() {}
 
-void ZAV_TimerBody::SetTimeout(unsigned long ms)
-{
+void ZAV_TimerBody::SetTimeout(unsigned long ms) {
     ZAV_ReentrantMutex::Lock lock(mSyncLock, B_FALSE);
     mTimeout = static_cast<zav_ulong32>(ms);
 }
 
-void ZAV_TimerBody::Restart()
-{
+void ZAV_TimerBody::Restart() {
     ZAV_ReentrantMutex::Lock lock(mSyncLock, B_FALSE);
     mStart = static_cast<zav_ulong32>(ZAV_CurrentTime());
     Set(1);
 }
 
 // The events of the notification may hold and drop the last other reference to this object.
-void ZAV_TimerBody::CheckTime(unsigned long now)
-{
+void ZAV_TimerBody::CheckTime(unsigned long now) {
     std::optional<ZAV_SyncObjRef> self;
     if (mRefCount > 0) self.emplace(this);
     ZAV_ReentrantMutex::Lock lock(mSyncLock, B_FALSE);
@@ -49,32 +46,25 @@ ZAV_TimerRef::ZAV_TimerRef(const ZAV_TimerRef& other) : ZAV_SyncObjRef(other) {}
 
 ZAV_TimerRef::~ZAV_TimerRef() {}
 
-ZAV_TimerRef& ZAV_TimerRef::operator=(const ZAV_TimerRef& other)
-{
+ZAV_TimerRef& ZAV_TimerRef::operator=(const ZAV_TimerRef& other) {
     ZAV_SyncObjRef::operator=(other);
     return *this;
 }
 
-ZAV_TimerRef& ZAV_TimerRef::operator=(ZAV_TimerBody* body)
-{
+ZAV_TimerRef& ZAV_TimerRef::operator=(ZAV_TimerBody* body) {
     ZAV_SyncObjRef::operator=(body);
     return *this;
 }
 
 ZAV_PeriodicTimer::ZAV_PeriodicTimer(unsigned long periodMs)
-    : mHandler(nullptr),
-      mPeriod(static_cast<zav_ulong32>(periodMs < 1 ? 1 : periodMs > kLongestPeriod ? kLongestPeriod : periodMs)),
-      mDue(0), mMissed(0), mId(-1), mPriority(0)
-{
-}
+    : mHandler(nullptr), mPeriod(static_cast<zav_ulong32>(periodMs < 1                ? 1
+                                                          : periodMs > kLongestPeriod ? kLongestPeriod
+                                                                                      : periodMs)),
+      mDue(0), mMissed(0), mId(-1), mPriority(0) {}
 
-ZAV_PeriodicTimer::~ZAV_PeriodicTimer()
-{
-    Stop();
-}
+ZAV_PeriodicTimer::~ZAV_PeriodicTimer() { Stop(); }
 
-boolean_t ZAV_PeriodicTimer::Start(ZAV_EvHandlerBody* handler, long priority)
-{
+boolean_t ZAV_PeriodicTimer::Start(ZAV_EvHandlerBody* handler, long priority) {
     Stop();
     mHandler = handler;
     mPriority = priority;
@@ -83,29 +73,26 @@ boolean_t ZAV_PeriodicTimer::Start(ZAV_EvHandlerBody* handler, long priority)
     return Arm();
 }
 
-void ZAV_PeriodicTimer::Stop()
-{
+void ZAV_PeriodicTimer::Stop() {
     if (mId != -1) ZAV_TimerMgr::RemoveTimer(mId);
     mId = -1;
 }
 
-boolean_t ZAV_PeriodicTimer::CheckEvent(const ZAV_Event* event)
-{
-    if (mId == -1 || event == nullptr || !event->IsKindOf(&ZAV_EventTimer::classZAV_EventTimer)) return B_FALSE;
+boolean_t ZAV_PeriodicTimer::CheckEvent(const ZAV_Event* event) {
+    if (mId == -1 || event == nullptr || !event->IsKindOf(&ZAV_EventTimer::classZAV_EventTimer))
+        return B_FALSE;
     if (static_cast<const ZAV_EventTimer*>(event)->Id() != mId) return B_FALSE;
     Arm();
     return B_TRUE;
 }
 
-boolean_t ZAV_PeriodicTimer::Arm()
-{
+boolean_t ZAV_PeriodicTimer::Arm() {
     mId = ZAV_TimerMgr::AddTimer(Advance(ZAV_CurrentTime()), mHandler, mPriority);
     return ZAV_Bool(mId != -1);
 }
 
 // All in 32 bits, so that it goes on through the wrap of the tick counter.
-unsigned long ZAV_PeriodicTimer::Advance(unsigned long now)
-{
+unsigned long ZAV_PeriodicTimer::Advance(unsigned long now) {
     mDue += mPeriod;
     const zav_ulong32 late = static_cast<zav_ulong32>(now) - mDue;
     if (late != 0 && late <= kLongestPeriod) {

@@ -8,12 +8,12 @@
 class ZAV_API ZAV_TimerBody : public ZAV_SyncObjBody {
     ZAV_DECLARE_CLASS(ZAV_TimerBody)
 public:
-    ZAV_TimerBody();  ///< with a time-out of 0
+    ZAV_TimerBody(); ///< with a time-out of 0
     ~ZAV_TimerBody() override;
 
     void SetTimeout(unsigned long ms);
-    void Restart();                      ///< sets the value to 1 and counts the time from now
-    void CheckTime(unsigned long now);   ///< at the tick count `now`; does nothing at a value below 1
+    void Restart();                    ///< sets the value to 1 and counts the time from now
+    void CheckTime(unsigned long now); ///< at the tick count `now`; does nothing at a value below 1
 
 protected:
     zav_ulong32 mStart;
@@ -23,7 +23,7 @@ protected:
 class ZAV_API ZAV_TimerRef : public ZAV_SyncObjRef {
     ZAV_DECLARE_CLASS(ZAV_TimerRef)
 public:
-    ZAV_TimerRef();  ///< a new timer
+    ZAV_TimerRef(); ///< a new timer
     ZAV_TimerRef(ZAV_TimerBody* body);
     ZAV_TimerRef(const ZAV_TimerRef& other);
     ~ZAV_TimerRef() override;
@@ -34,8 +34,8 @@ public:
     ZAV_TimerBody* operator->() const { return GetBody(); }
 };
 
-/// Has a handler called every so many milliseconds. Each time is counted from the one before as it was due, not
-/// as it was handled, so delays do not add up; times that have gone by entirely are skipped and counted.
+/// Has a handler called every so many milliseconds. Each time is counted from the one before as it was due,
+/// not as it was handled, so delays do not add up; times that have gone by entirely are skipped and counted.
 ///
 /// Made to be a member of the handler, and used on its dispatcher's thread:
 ///
@@ -47,7 +47,7 @@ public:
 /// While it runs, its pending timer keeps the handler alive: Stop it, or unregister the handler, to let go.
 class ZAV_API ZAV_PeriodicTimer {
 public:
-    explicit ZAV_PeriodicTimer(unsigned long periodMs);  ///< 1 to 2147483647
+    explicit ZAV_PeriodicTimer(unsigned long periodMs); ///< 1 to 2147483647
     ZAV_PeriodicTimer(const ZAV_PeriodicTimer&) = delete;
     ZAV_PeriodicTimer& operator=(const ZAV_PeriodicTimer&) = delete;
     ~ZAV_PeriodicTimer();
@@ -59,7 +59,7 @@ public:
     /// Whether the event is this timer's; if so, the next one has been set.
     boolean_t CheckEvent(const ZAV_Event* event);
 
-    unsigned long Missed() const { return mMissed; }  ///< times skipped since Start
+    unsigned long Missed() const { return mMissed; } ///< times skipped since Start
 
     /// The calculation alone: moves the due time on by one period and by what has gone by at `now`, and
     /// returns the milliseconds from `now` to it.

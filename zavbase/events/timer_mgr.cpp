@@ -20,26 +20,24 @@ ZAV_DEFINE_CLASS(ZAV_TimerMgr, ZAV_Listener)
 /// What the manager's list of timers holds in place of the timers.
 class ZAV_TimerStore : public ZAV_Link {
 public:
-    ZAV_TimerQueue mQueue;                 // under mTimersMutex
-    std::atomic<std::size_t> mPending{0};  // its count, for those who only want to know if there are any
-    unsigned mChanges = 0;                 // what the manager's thread would have to look at; under mWakeUp
+    ZAV_TimerQueue mQueue;                // under mTimersMutex
+    std::atomic<std::size_t> mPending{0}; // its count, for those who only want to know if there are any
+    unsigned mChanges = 0;                // what the manager's thread would have to look at; under mWakeUp
 };
 
 namespace {
 
 const long kTypeTimer = 0x54696D72;
-const std::uint32_t kLongestSleep = 10000;  // milliseconds
+const std::uint32_t kLongestSleep = 10000; // milliseconds
 
 // Never destroyed, and not constinit: not every platform builds a std::mutex at compile time.
-std::mutex& TheCreationLock()
-{
+std::mutex& TheCreationLock() {
     static std::mutex* const lock = new std::mutex;
     return *lock;
 }
 constinit std::atomic<int> theUsers{0};
 
-std::atomic_ref<ZAV_TimerMgr*> TheManager()
-{
+std::atomic_ref<ZAV_TimerMgr*> TheManager() {
     return std::atomic_ref<ZAV_TimerMgr*>(ZAV_TimerMgr::theTimerMgr);
 }
 
@@ -47,8 +45,7 @@ std::atomic_ref<ZAV_TimerMgr*> TheManager()
 // waits for the users to go.
 class ManagerUse {
 public:
-    ManagerUse()
-    {
+    ManagerUse() {
         theUsers.fetch_add(1);
         mManager = TheManager().load();
     }
@@ -61,29 +58,25 @@ public:
 
 } // namespace
 
-ZAV_EventTimer::ZAV_EventTimer(long id, unsigned long start, unsigned long timeout, ZAV_EvHandlerBody* handler,
-                               long priority)
-    : ZAV_Event(kTypeTimer), mTimeout(static_cast<zav_ulong32>(timeout)), mStart(static_cast<zav_ulong32>(start)),
-      mId(static_cast<zav_long32>(id))
-{
+ZAV_EventTimer::ZAV_EventTimer(long id, unsigned long start, unsigned long timeout,
+                               ZAV_EvHandlerBody* handler, long priority)
+    : ZAV_Event(kTypeTimer), mTimeout(static_cast<zav_ulong32>(timeout)),
+      mStart(static_cast<zav_ulong32>(start)), mId(static_cast<zav_long32>(id)) {
     SetDestination(handler, priority);
 }
 
 ZAV_EventTimer::~ZAV_EventTimer() {}
 
-void ZAV_EventTimer::PrintOn(std::ostream& os)
-{
+void ZAV_EventTimer::PrintOn(std::ostream& os) {
     ZAV_Event::PrintOn(os);
     os << " = ZAV_EventTimer(mId =" << mId << ", mTimeout =" << mTimeout << ")";
 }
 
-int ZAV_EventTimer::TimeoutElapsed(unsigned long now) const
-{
+int ZAV_EventTimer::TimeoutElapsed(unsigned long now) const {
     return ZAV_TicksBetween(static_cast<std::uint32_t>(mStart), static_cast<std::uint32_t>(now)) >= mTimeout;
 }
 
-long ZAV_EventTimer::TimeToGo(unsigned long now) const
-{
+long ZAV_EventTimer::TimeToGo(unsigned long now) const {
     const std::uint32_t elapsed =
         ZAV_TicksBetween(static_cast<std::uint32_t>(mStart), static_cast<std::uint32_t>(now));
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(mTimeout) - elapsed);
@@ -91,8 +84,7 @@ long ZAV_EventTimer::TimeToGo(unsigned long now) const
 
 ZAV_TimerMgr* ZAV_TimerMgr::theTimerMgr = nullptr;
 
-void ZAV_TimerMgr::InitializeListener(boolean_t ownThread, ZAV_EvDispatcher* dispatcher)
-{
+void ZAV_TimerMgr::InitializeListener(boolean_t ownThread, ZAV_EvDispatcher* dispatcher) {
     std::lock_guard<std::mutex> guard(TheCreationLock());
     if (TheManager().load() != nullptr) return;
     ZAV_TimerMgr* manager = new ZAV_TimerMgr;
@@ -103,41 +95,35 @@ void ZAV_TimerMgr::InitializeListener(boolean_t ownThread, ZAV_EvDispatcher* dis
 }
 
 // No lock is held while it is destroyed: destructors of handlers may call back.
-void ZAV_TimerMgr::CleanupListener()
-{
+void ZAV_TimerMgr::CleanupListener() {
     ZAV_TimerMgr* manager = TheManager().exchange(nullptr);
     while (theUsers.load() != 0) std::this_thread::yield();
     delete manager;
 }
 
-long ZAV_TimerMgr::AddTimer(unsigned long ms, ZAV_EvHandlerBody* handler, long priority)
-{
+long ZAV_TimerMgr::AddTimer(unsigned long ms, ZAV_EvHandlerBody* handler, long priority) {
     ManagerUse use;
     if (use.mManager == nullptr || handler == nullptr) return -1;
     return use.mManager->Protected_AddTimer(ms, handler, priority);
 }
 
 // The timer is destroyed when no use is counted any more, since it may take its handler along.
-void ZAV_TimerMgr::RemoveTimer(long id)
-{
+void ZAV_TimerMgr::RemoveTimer(long id) {
     std::unique_ptr<ZAV_EventTimer> timer;
     ManagerUse use;
     if (use.mManager != nullptr) timer.reset(use.mManager->Protected_RemoveTimer(id));
 }
 
-ZAV_TimerMgr::ZAV_TimerMgr() : mLastId(0), mStopped(0), mThread(nullptr), mDispatcher(nullptr)
-{
+ZAV_TimerMgr::ZAV_TimerMgr() : mLastId(0), mStopped(0), mThread(nullptr), mDispatcher(nullptr) {
     mTimers.Add(new ZAV_TimerStore);
 }
 
-ZAV_TimerMgr::~ZAV_TimerMgr()
-{
+ZAV_TimerMgr::~ZAV_TimerMgr() {
     Cleanup();
     delete mTimers.RemoveFirst();
 }
 
-void ZAV_TimerMgr::Initialize(boolean_t ownThread, ZAV_EvDispatcher* dispatcher)
-{
+void ZAV_TimerMgr::Initialize(boolean_t ownThread, ZAV_EvDispatcher* dispatcher) {
     if (!ownThread) {
         mDispatcher = dispatcher;
         if (dispatcher != nullptr) dispatcher->AddListener(this);
@@ -150,8 +136,7 @@ void ZAV_TimerMgr::Initialize(boolean_t ownThread, ZAV_EvDispatcher* dispatcher)
 }
 
 // The dispatcher is asked for by way of the table of listeners: it may be gone.
-void ZAV_TimerMgr::Cleanup()
-{
+void ZAV_TimerMgr::Cleanup() {
     if (mStopped == 0) Stop();
     if (mDispatcher != nullptr) {
         if (ZAV_EvDispatcher* dispatcher = zav_listeners::Owner(this)) dispatcher->RemoveListener(this);
@@ -165,8 +150,7 @@ void ZAV_TimerMgr::Cleanup()
     DestroyTimers();
 }
 
-void ZAV_TimerMgr::DestroyTimers()
-{
+void ZAV_TimerMgr::DestroyTimers() {
     for (;;) {
         std::unique_ptr<ZAV_EventTimer> timer;
         ZAV_Mutex::Lock lock(mTimersMutex, B_FALSE);
@@ -176,20 +160,15 @@ void ZAV_TimerMgr::DestroyTimers()
     }
 }
 
-ZAV_TimerStore& ZAV_TimerMgr::Store()
-{
-    return *static_cast<ZAV_TimerStore*>(mTimers.First());
-}
+ZAV_TimerStore& ZAV_TimerMgr::Store() { return *static_cast<ZAV_TimerStore*>(mTimers.First()); }
 
-long ZAV_TimerMgr::GetNextId()
-{
+long ZAV_TimerMgr::GetNextId() {
     mLastId = static_cast<zav_long32>(static_cast<std::uint32_t>(mLastId) + 1);
     return mLastId;
 }
 
 // The thread is woken only for a timer that falls due before all others; for any later one it wakes in time.
-long ZAV_TimerMgr::Protected_AddTimer(unsigned long ms, ZAV_EvHandlerBody* handler, long priority)
-{
+long ZAV_TimerMgr::Protected_AddTimer(unsigned long ms, ZAV_EvHandlerBody* handler, long priority) {
     long id;
     bool first;
     {
@@ -198,7 +177,8 @@ long ZAV_TimerMgr::Protected_AddTimer(unsigned long ms, ZAV_EvHandlerBody* handl
         const std::uint32_t now = static_cast<std::uint32_t>(ZAV_CurrentTime());
         id = GetNextId();
         std::unique_ptr<ZAV_EventTimer> timer(new ZAV_EventTimer(id, now, ms, handler, priority));
-        first = store.mQueue.Insert(timer.get(), static_cast<std::int32_t>(id), now, static_cast<std::uint32_t>(ms));
+        first = store.mQueue.Insert(timer.get(), static_cast<std::int32_t>(id), now,
+                                    static_cast<std::uint32_t>(ms));
         timer.release();
         store.mPending.store(store.mQueue.Count(), std::memory_order_relaxed);
     }
@@ -207,8 +187,7 @@ long ZAV_TimerMgr::Protected_AddTimer(unsigned long ms, ZAV_EvHandlerBody* handl
 }
 
 // Nobody is woken: a thread that sleeps for the removed timer finds nothing due, once.
-ZAV_EventTimer* ZAV_TimerMgr::Protected_RemoveTimer(long id)
-{
+ZAV_EventTimer* ZAV_TimerMgr::Protected_RemoveTimer(long id) {
     ZAV_Mutex::Lock lock(mTimersMutex, B_FALSE);
     ZAV_TimerStore& store = Store();
     ZAV_EventTimer* timer = store.mQueue.Cancel(static_cast<std::int32_t>(id));
@@ -217,22 +196,19 @@ ZAV_EventTimer* ZAV_TimerMgr::Protected_RemoveTimer(long id)
 }
 
 // The change is counted, so that a thread that is just going to sleep does not miss it.
-void ZAV_TimerMgr::WakeUp()
-{
+void ZAV_TimerMgr::WakeUp() {
     if (mThread == nullptr) return;
     ZAV_MutexSignaller::Lock lock(mWakeUp);
     ++Store().mChanges;
     mWakeUp.Signal();
 }
 
-void ZAV_TimerMgr::Stop()
-{
+void ZAV_TimerMgr::Stop() {
     mStopped = 1;
     WakeUp();
 }
 
-void ZAV_TimerMgr::Listen(ZAV_ListenerControl control)
-{
+void ZAV_TimerMgr::Listen(ZAV_ListenerControl control) {
     if (control == LISTEN_POLL && Store().mPending.load(std::memory_order_relaxed) == 0) return;
     do {
         const unsigned seenChanges = control == LISTEN_BLOCK ? SeenChanges() : 0;
@@ -246,22 +222,21 @@ void ZAV_TimerMgr::Listen(ZAV_ListenerControl control)
 
 // Takes under the lock, queues outside: that may destroy the event, its handler, and call the host.
 // The clock is read again only when nothing is due any more at the time it told last.
-bool ZAV_TimerMgr::FireOne(std::uint32_t& now)
-{
+bool ZAV_TimerMgr::FireOne(std::uint32_t& now) {
     ZAV_EventTimer* timer;
     {
         ZAV_Mutex::Lock lock(mTimersMutex, B_FALSE);
         ZAV_TimerStore& store = Store();
         timer = store.mQueue.TakeDue(now);
-        if (timer == nullptr) timer = store.mQueue.TakeDue(now = static_cast<std::uint32_t>(ZAV_CurrentTime()));
+        if (timer == nullptr)
+            timer = store.mQueue.TakeDue(now = static_cast<std::uint32_t>(ZAV_CurrentTime()));
         store.mPending.store(store.mQueue.Count(), std::memory_order_relaxed);
     }
     if (timer != nullptr) QueueTimer(timer);
     return timer != nullptr;
 }
 
-void ZAV_TimerMgr::QueueTimer(ZAV_EventTimer* timer)
-{
+void ZAV_TimerMgr::QueueTimer(ZAV_EventTimer* timer) {
     std::unique_ptr<ZAV_EventTimer> owned(timer);
     const ZAV_EvHandlerRef handler(timer->mDestination);
     ZAV_EXCEPTION_LINK link;
@@ -275,14 +250,12 @@ void ZAV_TimerMgr::QueueTimer(ZAV_EventTimer* timer)
     }
 }
 
-unsigned ZAV_TimerMgr::SeenChanges()
-{
+unsigned ZAV_TimerMgr::SeenChanges() {
     ZAV_MutexSignaller::Lock lock(mWakeUp);
     return Store().mChanges;
 }
 
-void ZAV_TimerMgr::SleepUnlessChanged(unsigned seenChanges)
-{
+void ZAV_TimerMgr::SleepUnlessChanged(unsigned seenChanges) {
     std::uint32_t ms;
     {
         ZAV_Mutex::Lock lock(mTimersMutex, B_FALSE);

@@ -17,15 +17,15 @@ class ZAV_API ZAV_EventTimer : public ZAV_Event {
     ZAV_DECLARE_CLASS(ZAV_EventTimer)
 public:
     ~ZAV_EventTimer() override;
-    void PrintOn(std::ostream& os) override;  ///< "Event 'Timr' = ZAV_EventTimer(mId =1, mTimeout =50)"
+    void PrintOn(std::ostream& os) override; ///< "Event 'Timr' = ZAV_EventTimer(mId =1, mTimeout =50)"
 
-    long Id() const { return mId; }                   ///< what AddTimer returned
+    long Id() const { return mId; } ///< what AddTimer returned
     unsigned long Timeout() const { return mTimeout; }
 
     /// Both at the tick count `now`. The tick counter wraps; a timer that runs across the wrap is due one
     /// millisecond later.
-    int TimeoutElapsed(unsigned long now) const;  ///< whether the timer is due
-    long TimeToGo(unsigned long now) const;       ///< milliseconds, negative when overdue, as 32 bits
+    int TimeoutElapsed(unsigned long now) const; ///< whether the timer is due
+    long TimeToGo(unsigned long now) const;      ///< milliseconds, negative when overdue, as 32 bits
 
 protected:
     friend class ZAV_TimerMgr;
@@ -69,7 +69,7 @@ public:
     void Listen(ZAV_ListenerControl control) override;
     void Stop() override;
 
-    static ZAV_TimerMgr* theTimerMgr;  ///< null until initialised
+    static ZAV_TimerMgr* theTimerMgr; ///< null until initialised
 
 protected:
     ZAV_TimerMgr();
@@ -81,10 +81,11 @@ protected:
     void Cleanup();
     long GetNextId();
     long Protected_AddTimer(unsigned long ms, ZAV_EvHandlerBody* handler, long priority);
-    ZAV_EventTimer* Protected_RemoveTimer(long id);  ///< gives it to the caller, who deletes it; null if unknown
+    ZAV_EventTimer*
+    Protected_RemoveTimer(long id); ///< gives it to the caller, who deletes it; null if unknown
     void WakeUp();
 
-    ZAV_LinkedList mTimers;  ///< its one link is the store, which holds the timers by due time
+    ZAV_LinkedList mTimers; ///< its one link is the store, which holds the timers by due time
     zav_long32 mLastId;
     ZAV_Mutex mTimersMutex;
     std::atomic<std::int32_t> mStopped;

@@ -12,8 +12,8 @@ const std::uint32_t kLeap = 0xFFFF0000;
 
 } // namespace
 
-bool ZAV_TimerQueue::Insert(ZAV_EventTimer* timer, std::int32_t id, std::uint32_t now, std::uint32_t timeout)
-{
+bool ZAV_TimerQueue::Insert(ZAV_EventTimer* timer, std::int32_t id, std::uint32_t now,
+                            std::uint32_t timeout) {
     Reach(now);
     const bool wraps = now + timeout < now;
     const Time due = mNow + timeout + (wraps ? 1 : 0);
@@ -21,7 +21,7 @@ bool ZAV_TimerQueue::Insert(ZAV_EventTimer* timer, std::int32_t id, std::uint32_
     const bool first = bucket < 0 || due < FirstDue(bucket);
     mTable.Insert(id, timer);
     try {
-        Put({due, timer, id, wraps});
+        Put({due, id, wraps});
     } catch (...) {
         mTable.Remove(id);
         throw;
@@ -29,15 +29,13 @@ bool ZAV_TimerQueue::Insert(ZAV_EventTimer* timer, std::int32_t id, std::uint32_
     return first;
 }
 
-ZAV_EventTimer* ZAV_TimerQueue::Cancel(std::int32_t id)
-{
+ZAV_EventTimer* ZAV_TimerQueue::Cancel(std::int32_t id) {
     ZAV_EventTimer* timer = mTable.Remove(id);
     if (timer != nullptr && mPlaceCount > kFewPlaces && mPlaceCount > 2 * mTable.Count()) SweepCancelled();
     return timer;
 }
 
-ZAV_EventTimer* ZAV_TimerQueue::TakeDue(std::uint32_t now)
-{
+ZAV_EventTimer* ZAV_TimerQueue::TakeDue(std::uint32_t now) {
     Reach(now);
     for (int bucket = FirstBucket(); bucket >= 0; bucket = FirstBucket()) {
         if (FirstDue(bucket) > mNow) return nullptr;
@@ -50,8 +48,7 @@ ZAV_EventTimer* ZAV_TimerQueue::TakeDue(std::uint32_t now)
     return nullptr;
 }
 
-ZAV_EventTimer* ZAV_TimerQueue::TakeAny()
-{
+ZAV_EventTimer* ZAV_TimerQueue::TakeAny() {
     for (int bucket = FirstBucket(); bucket >= 0; bucket = FirstBucket()) {
         std::vector<Place>& places = mPlaces[bucket];
         ZAV_EventTimer* timer = mTable.Remove(places.back().id);
@@ -67,8 +64,7 @@ ZAV_EventTimer* ZAV_TimerQueue::TakeAny()
     return nullptr;
 }
 
-std::uint32_t ZAV_TimerQueue::TicksToGo(std::uint32_t now, std::uint32_t limit)
-{
+std::uint32_t ZAV_TimerQueue::TicksToGo(std::uint32_t now, std::uint32_t limit) {
     Reach(now);
     const int bucket = FirstBucket();
     if (bucket < 0) return limit;
@@ -77,8 +73,7 @@ std::uint32_t ZAV_TimerQueue::TicksToGo(std::uint32_t now, std::uint32_t limit)
     return due - mNow < limit ? static_cast<std::uint32_t>(due - mNow) : limit;
 }
 
-void ZAV_TimerQueue::Reach(std::uint32_t now)
-{
+void ZAV_TimerQueue::Reach(std::uint32_t now) {
     if (!mStarted) {
         mStarted = true;
         mNow = mReached = now;
@@ -88,18 +83,11 @@ void ZAV_TimerQueue::Reach(std::uint32_t now)
     if (passed < kLeap) mNow += passed;
 }
 
-int ZAV_TimerQueue::BucketOf(Time due) const
-{
-    return static_cast<int>(std::bit_width(due ^ mReached));
-}
+int ZAV_TimerQueue::BucketOf(Time due) const { return static_cast<int>(std::bit_width(due ^ mReached)); }
 
-int ZAV_TimerQueue::FirstBucket() const
-{
-    return mUsed != 0 ? std::countr_zero(mUsed) : -1;
-}
+int ZAV_TimerQueue::FirstBucket() const { return mUsed != 0 ? std::countr_zero(mUsed) : -1; }
 
-void ZAV_TimerQueue::Put(const Place& place)
-{
+void ZAV_TimerQueue::Put(const Place& place) {
     const int bucket = BucketOf(place.due);
     mPlaces[bucket].push_back(place);
     const std::uint64_t bit = std::uint64_t{1} << bucket;
@@ -108,15 +96,11 @@ void ZAV_TimerQueue::Put(const Place& place)
     ++mPlaceCount;
 }
 
-bool ZAV_TimerQueue::EarlierThan(const Place& a, const Place& b)
-{
-    return a.due < b.due;
-}
+bool ZAV_TimerQueue::EarlierThan(const Place& a, const Place& b) { return a.due < b.due; }
 
 // Goes on to the earliest time of a bucket, the first that is not empty: its places move to lower buckets, in
 // the order they have. Room is made first, so that nothing is lost when memory runs out.
-void ZAV_TimerQueue::Spread(int bucket)
-{
+void ZAV_TimerQueue::Spread(int bucket) {
     const Time reached = mEarliest[bucket];
     std::size_t counts[kBuckets] = {};
     for (const Place& place : mPlaces[bucket]) ++counts[std::bit_width(place.due ^ reached)];
@@ -132,7 +116,8 @@ void ZAV_TimerQueue::Spread(int bucket)
     // Those that run across the wrap come first, the last of them before the others.
     std::vector<Place>& due = mPlaces[0];
     if (due.size() > 1) {
-        const auto across = std::stable_partition(due.begin(), due.end(), [](const Place& p) { return p.wraps; });
+        const auto across =
+            std::stable_partition(due.begin(), due.end(), [](const Place& p) { return p.wraps; });
         std::reverse(due.begin(), across);
     }
 
@@ -143,8 +128,7 @@ void ZAV_TimerQueue::Spread(int bucket)
 }
 
 // The next of bucket 0; null when that was a cancelled one.
-ZAV_EventTimer* ZAV_TimerQueue::TakeFront()
-{
+ZAV_EventTimer* ZAV_TimerQueue::TakeFront() {
     std::vector<Place>& places = mPlaces[0];
     PrefetchBehind(mFront);
     ZAV_EventTimer* timer = mTable.Remove(places[mFront].id);
@@ -159,15 +143,13 @@ ZAV_EventTimer* ZAV_TimerQueue::TakeFront()
 }
 
 // Many timers that fall due at once have long left the processor's cache.
-void ZAV_TimerQueue::PrefetchBehind(std::size_t place) const
-{
+void ZAV_TimerQueue::PrefetchBehind(std::size_t place) const {
     const std::vector<Place>& places = mPlaces[0];
-    if (place + kFar < places.size()) mTable.Prefetch(places[place + kFar].id);
-    if (place + kNear < places.size()) __builtin_prefetch(places[place + kNear].timer, 1);
+    if (place + kFar < places.size()) mTable.PrefetchEntry(places[place + kFar].id);
+    if (place + kNear < places.size()) mTable.PrefetchTimer(places[place + kNear].id);
 }
 
-void ZAV_TimerQueue::SweepCancelled()
-{
+void ZAV_TimerQueue::SweepCancelled() {
     std::vector<Place>& front = mPlaces[0];
     front.erase(front.begin(), front.begin() + static_cast<std::ptrdiff_t>(mFront));
     mFront = 0;

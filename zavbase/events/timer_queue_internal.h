@@ -11,8 +11,8 @@
 /// nothing; one thread at a time uses it.
 ///
 /// What comes out is what one list would give, walked from its front for each new timer past those that will
-/// have elapsed when the new one is due: earliest first, and first in first out among equals. A timer that runs
-/// across the wrap of the ticks is due one tick later, and comes before those that fall due with it.
+/// have elapsed when the new one is due: earliest first, and first in first out among equals. A timer that
+/// runs across the wrap of the ticks is due one tick later, and comes before those that fall due with it.
 ///
 /// It is a radix heap: time only goes on, so a timer is kept in a bucket by the highest bit in which its due
 /// time differs from the time reached, and moves to a lower bucket when that time is reached. Adding is one
@@ -35,14 +35,14 @@ public:
     ZAV_EventTimer* TakeAny();
 
     std::size_t Count() const { return mTable.Count(); }
-    /// Ticks from `now` until something may be due, at most `limit`. A cancelled timer may make it early, once.
+    /// Ticks from `now` until something may be due, at most `limit`. A cancelled timer may make it early,
+    /// once.
     std::uint32_t TicksToGo(std::uint32_t now, std::uint32_t limit);
 
 private:
-    typedef std::uint64_t Time;  // the ticks, carried on beyond 32 bits
+    typedef std::uint64_t Time; // the ticks, carried on beyond 32 bits
     struct Place {
         Time due;
-        const ZAV_EventTimer* timer;  // cancelled ones are gone: only to have it at hand, not to be followed
         std::int32_t id;
         bool wraps;
     };
@@ -62,12 +62,12 @@ private:
     ZAV_TimerTable mTable;
     Time mNow = 0;
     bool mStarted = false;
-    Time mReached = 0;  // due time of bucket 0; not after mNow
+    Time mReached = 0; // due time of bucket 0; not after mNow
     std::vector<Place> mPlaces[kBuckets];
     Time mEarliest[kBuckets] = {};
-    std::uint64_t mUsed = 0;      // a bit for each bucket that is not empty
-    std::size_t mFront = 0;       // what of bucket 0 was taken already
-    std::size_t mPlaceCount = 0;  // timers and cancelled ones
+    std::uint64_t mUsed = 0;     // a bit for each bucket that is not empty
+    std::size_t mFront = 0;      // what of bucket 0 was taken already
+    std::size_t mPlaceCount = 0; // timers and cancelled ones
 };
 
 #endif

@@ -8,30 +8,26 @@ const std::size_t kManySlots = 4096;
 } // namespace
 
 // Multiplying spreads the pages, so that long-lived ones do not get in the way of every run of later ones.
-std::size_t ZAV_TimerTable::Home(std::uint32_t number) const
-{
+std::size_t ZAV_TimerTable::Home(std::uint32_t number) const {
     return static_cast<std::size_t>(number * 0x9E3779B97F4A7C15ull >> mShift);
 }
 
 // Where the page is, or the free slot where it would be.
-std::size_t ZAV_TimerTable::Find(std::uint32_t number) const
-{
+std::size_t ZAV_TimerTable::Find(std::uint32_t number) const {
     const std::size_t mask = mSlots.size() - 1;
     std::size_t i = Home(number);
     while (mSlots[i].page != nullptr && mSlots[i].number != number) i = (i + 1) & mask;
     return i;
 }
 
-void ZAV_TimerTable::Insert(std::int32_t id, ZAV_EventTimer* timer)
-{
+void ZAV_TimerTable::Insert(std::int32_t id, ZAV_EventTimer* timer) {
     Page* page = PageFor(PageNumber(id));
     page->timers[Place(id)] = timer;
     ++page->count;
     ++mCount;
 }
 
-ZAV_EventTimer* ZAV_TimerTable::Remove(std::int32_t id)
-{
+ZAV_EventTimer* ZAV_TimerTable::Remove(std::int32_t id) {
     if (mCount == 0) return nullptr;
     const std::size_t i = Find(PageNumber(id));
     Page* page = mSlots[i].page;
@@ -45,22 +41,20 @@ ZAV_EventTimer* ZAV_TimerTable::Remove(std::int32_t id)
     return timer;
 }
 
-bool ZAV_TimerTable::Includes(std::int32_t id) const
-{
-    if (mCount == 0) return false;
+// Null when not even the page is there.
+ZAV_EventTimer* const* ZAV_TimerTable::Entry(std::int32_t id) const {
+    if (mCount == 0) return nullptr;
     const Page* page = mSlots[Find(PageNumber(id))].page;
-    return page != nullptr && page->timers[Place(id)] != nullptr;
+    return page != nullptr ? &page->timers[Place(id)] : nullptr;
 }
 
-void ZAV_TimerTable::Prefetch(std::int32_t id) const
-{
-    if (mCount == 0) return;
-    const Page* page = mSlots[Find(PageNumber(id))].page;
-    if (page != nullptr) __builtin_prefetch(&page->timers[Place(id)], 1);
+void ZAV_TimerTable::PrefetchEntry(std::int32_t id) const { __builtin_prefetch(Entry(id), 1); }
+
+void ZAV_TimerTable::PrefetchTimer(std::int32_t id) const {
+    if (ZAV_EventTimer* const* entry = Entry(id)) __builtin_prefetch(*entry, 1);
 }
 
-ZAV_TimerTable::Page* ZAV_TimerTable::PageFor(std::uint32_t number)
-{
+ZAV_TimerTable::Page* ZAV_TimerTable::PageFor(std::uint32_t number) {
     if (2 * (mPages + 1) > mSlots.size()) Grow();
     Slot& slot = mSlots[Find(number)];
     if (slot.page == nullptr) {
@@ -71,10 +65,9 @@ ZAV_TimerTable::Page* ZAV_TimerTable::PageFor(std::uint32_t number)
     return slot.page;
 }
 
-// Moves up whatever lies behind the gap and could not be found any more with a free slot there. One empty page
-// is kept: a timer that comes and goes alone shall not ask the heap for a page each time.
-void ZAV_TimerTable::RemovePage(std::size_t gap)
-{
+// Moves up whatever lies behind the gap and could not be found any more with a free slot there. One empty
+// page is kept: a timer that comes and goes alone shall not ask the heap for a page each time.
+void ZAV_TimerTable::RemovePage(std::size_t gap) {
     mSparePage.reset(mSlots[gap].page);
     const std::size_t mask = mSlots.size() - 1;
     for (std::size_t i = (gap + 1) & mask; mSlots[i].page != nullptr; i = (i + 1) & mask) {
@@ -87,8 +80,7 @@ void ZAV_TimerTable::RemovePage(std::size_t gap)
     --mPages;
 }
 
-void ZAV_TimerTable::Grow()
-{
+void ZAV_TimerTable::Grow() {
     std::vector<Slot> old(mSlots.empty() ? kFirstSlots : 2 * mSlots.size(), Slot{nullptr, 0});
     mSlots.swap(old);
     mShift = 64;

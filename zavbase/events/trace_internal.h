@@ -5,8 +5,7 @@
 #include <zavbase/foundation/tracer.h>
 
 /// One error line: the text and the exception. A throw for which no memory was left throws a null pointer.
-inline void ZAV_TraceCaught(const char* text, ZAV_Exception* caught)
-{
+inline void ZAV_TraceCaught(const char* text, ZAV_Exception* caught) {
     if (caught != nullptr)
         ZAV_BASE_TRACE(0x0001, text << *caught);
     else

@@ -4,10 +4,12 @@
 #include <mutex>
 #include <utility>
 
-// Each thread has two magazines a size class: arrays of free blocks. It takes from and gives to the current one;
-// when that runs empty or full the spare steps in, and only when the spare cannot does a whole magazine go from
-// or to the depot, under its lock. So blocks that travel from a producing to a consuming thread come back 64 at
-// a time. Free blocks themselves are not written to: most have left the processor's cache.
+#include <zavbase/os/memory.h>
+
+// Each thread has two magazines a size class: arrays of free blocks. It takes from and gives to the current
+// one; when that runs empty or full the spare steps in, and only when the spare cannot does a whole magazine
+// go from or to the depot, under its lock. So blocks that travel from a producing to a consuming thread come
+// back 64 at a time. Free blocks themselves are not written to: most have left the processor's cache.
 namespace {
 
 // Sizes are powers of two, so that no block lies across more cache lines than it must.
@@ -15,10 +17,10 @@ const std::size_t kSmallest = 32, kLargest = 128;
 const std::size_t kClasses = 3;
 const std::size_t kCacheLine = 64;
 const unsigned kMagazineSize = 64;
-const unsigned kAhead = 3;  // blocks that the processor is told of before they are needed
+const std::size_t kFirstSlab = kLargest * kMagazineSize, kLargestSlab = 2 << 20;
+const unsigned kAhead = 3; // blocks that the processor is told of before they are needed
 
-std::size_t ClassOf(std::size_t size)
-{
+std::size_t ClassOf(std::size_t size) {
     return static_cast<std::size_t>(std::bit_width((size - 1) / kSmallest));
 }
 
@@ -28,9 +30,17 @@ struct Magazine {
     void* blocks[kMagazineSize];
 };
 
+// What is handed out for the first time; slabs grow with what is in use already.
+struct Slab {
+    char* next = nullptr;
+    std::size_t left = 0;
+    std::size_t size = 0;
+};
+
 struct Depot {
     std::mutex lock;
-    Magazine* filled = nullptr;  // most of them full; those of ended threads may be less so
+    Slab slab;
+    Magazine* filled = nullptr; // most of them full; those of ended threads may be less so
     Magazine* empty = nullptr;
 };
 
@@ -38,28 +48,25 @@ struct ThreadCache {
     Magazine* current[kClasses];
     Magazine* spare[kClasses];
     bool janitorCalled;
-    bool ended;  // the thread's janitor has run: nothing may be left here any more
+    bool ended; // the thread's janitor has run: nothing may be left here any more
 };
 
 constinit Depot theDepots[kClasses];
 thread_local constinit ThreadCache tCache = {};
 
-void Put(Magazine*& list, Magazine* magazine)
-{
+void Put(Magazine*& list, Magazine* magazine) {
     magazine->next = list;
     list = magazine;
 }
 
-Magazine* Take(Magazine*& list)
-{
+Magazine* Take(Magazine*& list) {
     Magazine* magazine = list;
     if (magazine != nullptr) list = magazine->next;
     return magazine;
 }
 
 // Takes a magazine of the thread's away; it may be none.
-void GiveBack(std::size_t c, Magazine*& magazine)
-{
+void GiveBack(std::size_t c, Magazine*& magazine) {
     if (magazine == nullptr) return;
     Depot& depot = theDepots[c];
     std::lock_guard<std::mutex> guard(depot.lock);
@@ -70,8 +77,7 @@ void GiveBack(std::size_t c, Magazine*& magazine)
 // Gives what an ending thread holds back. Blocks that destructors of other thread-local objects use later do
 // not stay with the thread.
 struct Janitor {
-    ~Janitor()
-    {
+    ~Janitor() {
         tCache.ended = true;
         for (std::size_t c = 0; c < kClasses; ++c) {
             GiveBack(c, tCache.current[c]);
@@ -82,14 +88,12 @@ struct Janitor {
 };
 
 // Kept apart from the cache, so that the fast path does not ask whether it has been constructed.
-void CallJanitor()
-{
+void CallJanitor() {
     static thread_local Janitor janitor;
     janitor.Attend();
 }
 
-Magazine* TakeEmpty(std::size_t c)
-{
+Magazine* TakeEmpty(std::size_t c) {
     {
         std::lock_guard<std::mutex> guard(theDepots[c].lock);
         if (Magazine* magazine = Take(theDepots[c].empty)) return magazine;
@@ -99,21 +103,37 @@ Magazine* TakeEmpty(std::size_t c)
     return magazine;
 }
 
-void Fill(std::size_t c, Magazine* magazine)
-{
-    const std::size_t size = kSmallest << c;
-    char* chunk = static_cast<char*>(::operator new(size * kMagazineSize, std::align_val_t(kCacheLine)));
-    for (std::size_t i = kMagazineSize; i-- > 0;) magazine->blocks[magazine->count++] = chunk + i * size;
+void NewSlab(Slab& slab) {
+    const std::size_t size = slab.size < kFirstSlab     ? kFirstSlab
+                             : slab.size < kLargestSlab ? 2 * slab.size
+                                                        : slab.size;
+    const std::size_t align = size < kLargestSlab ? kCacheLine : kLargestSlab;
+    slab.next = static_cast<char*>(::operator new(size, std::align_val_t(align)));
+    slab.left = slab.size = size;
+    zav_os::AdviseRandomUse(slab.next, size);
 }
 
-Magazine* TakeFilled(std::size_t c)
-{
+// A slab holds a whole number of magazines of any class.
+void Fill(std::size_t c, Magazine* magazine) {
+    const std::size_t size = kSmallest << c;
+    char* first;
+    {
+        Depot& depot = theDepots[c];
+        std::lock_guard<std::mutex> guard(depot.lock);
+        if (depot.slab.left == 0) NewSlab(depot.slab);
+        first = depot.slab.next;
+        depot.slab.next += size * kMagazineSize;
+        depot.slab.left -= size * kMagazineSize;
+    }
+    for (std::size_t i = kMagazineSize; i-- > 0;) magazine->blocks[magazine->count++] = first + i * size;
+}
+
+Magazine* TakeFilled(std::size_t c) {
     std::lock_guard<std::mutex> guard(theDepots[c].lock);
     return Take(theDepots[c].filled);
 }
 
-void* AllocateSlow(std::size_t c)
-{
+void* AllocateSlow(std::size_t c) {
     ThreadCache& cache = tCache;
     if (!cache.janitorCalled) CallJanitor();
     std::swap(cache.current[c], cache.spare[c]);
@@ -133,8 +153,7 @@ void* AllocateSlow(std::size_t c)
 }
 
 // When there is no memory for another magazine, the block is not used again.
-void ReleaseSlow(std::size_t c, void* block) noexcept
-try {
+void ReleaseSlow(std::size_t c, void* block) noexcept try {
     ThreadCache& cache = tCache;
     if (!cache.janitorCalled) CallJanitor();
     std::swap(cache.current[c], cache.spare[c]);
@@ -149,15 +168,14 @@ try {
 }
 
 #if defined(__SANITIZE_ADDRESS__)
-const bool kPooled = false;  // so that the sanitizer sees a use of a destroyed object
+const bool kPooled = false; // so that the sanitizer sees a use of a destroyed object
 #else
 const bool kPooled = true;
 #endif
 
 } // namespace
 
-void* ZAV_Pooled::operator new(std::size_t size)
-{
+void* ZAV_Pooled::operator new(std::size_t size) {
     if (!kPooled || size > kLargest) return ::operator new(size);
     const std::size_t c = ClassOf(size);
     Magazine* current = tCache.current[c];
@@ -167,8 +185,7 @@ void* ZAV_Pooled::operator new(std::size_t size)
     return current->blocks[rest];
 }
 
-void ZAV_Pooled::operator delete(void* block, std::size_t size) noexcept
-{
+void ZAV_Pooled::operator delete(void* block, std::size_t size) noexcept {
     if (block == nullptr) return;
     if (!kPooled || size > kLargest) return ::operator delete(block);
     const std::size_t c = ClassOf(size);

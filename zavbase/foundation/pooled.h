@@ -7,24 +7,24 @@
 #include <zavbase/foundation/export.h>
 
 /// Base of classes whose objects are made and destroyed by the million, perhaps on different threads: events,
-/// values and the entries of their dictionaries. Blocks of up to 128 bytes come from a store of the process, of
-/// which each thread keeps a few at hand, and go back to it when the object is destroyed on whichever thread;
-/// larger ones come from the heap. The base has no data. The store never gives memory back to the heap; it holds
-/// as much as the largest number of such objects ever alive needed.
+/// values and the entries of their dictionaries. Blocks of up to 128 bytes come from a store of the process,
+/// of which each thread keeps a few at hand, and go back to it when the object is destroyed on whichever
+/// thread; larger ones come from the heap. The base has no data. The store never gives memory back to the
+/// heap; it holds as much as the largest number of such objects ever alive needed.
 class ZAV_API ZAV_Pooled {
 public:
     static void* operator new(std::size_t size);
     static void operator delete(void* block, std::size_t size) noexcept;
 
-    static void* operator new(std::size_t size, std::align_val_t align) { return ::operator new(size, align); }
-    static void operator delete(void* block, std::size_t, std::align_val_t align) noexcept
-    {
+    static void* operator new(std::size_t size, std::align_val_t align) {
+        return ::operator new(size, align);
+    }
+    static void operator delete(void* block, std::size_t, std::align_val_t align) noexcept {
         ::operator delete(block, align);
     }
 
     /// Null when there is no memory.
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-    {
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
         try {
             return operator new(size);
         } catch (...) {
