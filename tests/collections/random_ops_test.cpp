@@ -335,9 +335,8 @@ TYPED_TEST(RandomOps, AgreeWithTheModel) {
         EXPECT_TRUE(values || real.OccurrencesOf(o) == static_cast<unsigned>(n)) << n;
         std::unique_ptr<ZAV_ArrayObj> array(real.AsArrayObj());
         EXPECT_EQ(walked, Walk(*array));
-        std::unique_ptr<ZAV_Bag> bag(real.AsBag());
+        EXPECT_EQ(model.size(), std::unique_ptr<ZAV_Bag>(real.AsBag())->Size());
         std::unique_ptr<ZAV_OrderedCltn> list(real.AsOrderedCltn());
-        EXPECT_EQ(model.size(), bag->Size());
         EXPECT_EQ((std::max)(model.size(), size_t{16}), list->Capacity());
     }
 }

@@ -262,7 +262,7 @@ TEST(SetSlots, LongKeysAreComparedWhole) {
 }
 
 TEST(SetSlots, RemovingWhatIsNotThereDropsTheCount) {
-    for (int n : {3, 800}) {
+    for (int n : {0, 3, 800}) {
         Objects keys;
         ZAV_Set set(16);
         for (int i = 0; i < n; ++i) set.Add(Keep(keys, new ZAV_Integer(i)));
@@ -273,8 +273,4 @@ TEST(SetSlots, RemovingWhatIsNotThereDropsTheCount) {
         ZAV_Iterator it(&set);
         for (int i = 0; i <= n; ++i) EXPECT_EQ(i == n, ++it == nullptr);
     }
-    ZAV_Set empty(16);
-    Probe absent(1);
-    empty.Remove(&absent);
-    EXPECT_EQ(4294967295u, empty.Size());
 }

@@ -1,4 +1,3 @@
-#include <array>
 #include <atomic>
 #include <memory>
 #include <random>
@@ -26,34 +25,42 @@ class Counted : public ZAV_Event {
 public:
     Counted(Account& account, int producer, int number, int priority)
         : ZAV_Event(0x436E7464), mAccount(account), mProducer(producer), mNumber(number),
-          mMyPriority(priority) {}
+          mRank(priority - kLowest) {}
     void EmergencyCleanup() override { ++mAccount.cleanedUp; }
 
+    // Gives whether it was taken; what is refused goes at once.
+    static bool Post(const ZAV_EvHandlerRef& handler, Account& account, int producer, int number,
+                     int priority) {
+        auto event = std::make_unique<Counted>(account, producer, number, priority);
+        const bool taken = handler->QueueEvent(event.get(), priority) == 0;
+        if (taken)
+            event.release();
+        else
+            ++account.refused;
+        return taken;
+    }
+
     Account& mAccount;
-    const int mProducer, mNumber, mMyPriority;
+    const int mProducer, mNumber, mRank;
 };
 
 // What was last handled, for each producer and priority; the dispatching thread's alone.
-typedef std::array<std::array<int, kHighest - kLowest + 1>, kProducers> LastHandled;
+typedef int LastHandled[kProducers][kHighest - kLowest + 1];
 
 class Unsteady : public ZAV_EvHandlerBody {
 public:
     Unsteady(LastHandled& last, unsigned seed) : mLast(last), mRandom(seed) {}
+    int mOutOfOrder = 0;
 
 protected:
     int HandleEvent(ZAV_Event* event) override {
         if (event->IsKindOf(&ZAV_EventStop::classZAV_EventStop)) return 2;
         Counted* counted = static_cast<Counted*>(event);
-        int& last = mLast[static_cast<std::size_t>(counted->mProducer)]
-                         [static_cast<std::size_t>(counted->mMyPriority - kLowest)];
-        if (counted->mNumber <= last) ++mOutOfOrder;
-        last = counted->mNumber;
+        mOutOfOrder += counted->mNumber <= mLast[counted->mProducer][counted->mRank];
+        mLast[counted->mProducer][counted->mRank] = counted->mNumber;
         ++counted->mAccount.handled;
         return mRandom() % 5000 == 0 ? 2 : 0;
     }
-
-public:
-    int mOutOfOrder = 0;
 
 private:
     LastHandled& mLast;
@@ -63,21 +70,16 @@ private:
 class Stress {
 public:
     Stress() {
-        for (auto& priorities : mLast) priorities.fill(-1);
         for (unsigned h = 0; h < kHandlers; ++h) mHandlers.emplace_back(new Unsteady(mLast, h + 1));
     }
 
     // Posts at random and brings handlers back that have gone.
     void Produce(int producer) {
         std::minstd_rand random(static_cast<unsigned>(producer + 100));
-        for (int i = 0; i < kEventsEach; ++i) {
+        for (int i = 1; i <= kEventsEach; ++i) {
             const ZAV_EvHandlerRef& handler = mHandlers[random() % kHandlers];
             const int priority = kLowest + static_cast<int>(random() % (kHighest - kLowest + 1));
-            auto event = std::make_unique<Counted>(mAccount, producer, i, priority);
-            if (handler->QueueEvent(event.get(), priority) == 0)
-                event.release();
-            else
-                ++mAccount.refused;
+            Counted::Post(handler, mAccount, producer, i, priority);
             if (i % 64 == 0 && !mStopped && !handler->IsActive()) mDispatcher->AddEvHandler(handler);
             if (producer == 0 && i == kEventsEach / 2) mHalfway = true;
         }
@@ -109,7 +111,7 @@ public:
     }
 
     Account mAccount;
-    LastHandled mLast;
+    LastHandled mLast = {};
     std::vector<ZAV_EvHandlerRef> mHandlers;
     std::unique_ptr<ZAV_EvDispatcher> mDispatcher = std::make_unique<ZAV_EvDispatcher>();
     std::atomic<bool> mHalfway{false}, mStopped{false};
@@ -139,14 +141,8 @@ TEST(DispatcherStress, ADispatcherMayGoWhileOthersPost) {
         dispatcher->AddEvHandler(handler);
         std::atomic<int> posted{0};
         std::thread producer([&] {
-            for (int taken = 0; taken == 0; ++posted) {
-                auto event = std::make_unique<Counted>(account, 0, posted, 0);
-                taken = handler->QueueEvent(event.get(), round % 3);
-                if (taken == 0)
-                    event.release();
-                else
-                    ++account.refused;
-            }
+            for (bool taken = true; taken; ++posted)
+                taken = Counted::Post(handler, account, 0, posted, round % 3);
         });
         while (posted < round % 7) std::this_thread::yield();
         dispatcher.reset();

@@ -161,18 +161,11 @@ TEST_F(Dispatcher, DoesWhatTheResultBitsSay) {
 TEST_F(Dispatcher, AbsorbsTheLibrarysExceptionsOnly) {
     TraceCapture trace(0x0001);
     mScript->mThen = [](Numbered* event) -> int {
-        switch (event->mNumber) {
-        case 1:
-            ZAV_ThrowFileException(3, 5);
-        case 2:
-            throw static_cast<ZAV_FileException*>(nullptr);
-        case 3:
-            throw 3;
-        case 4:
-            throw dummyalloc();
-        default:
-            return 0;
-        }
+        if (event->mNumber == 1) ZAV_ThrowFileException(3, 5);
+        if (event->mNumber == 2) throw static_cast<ZAV_FileException*>(nullptr);
+        if (event->mNumber == 3) throw 3;
+        if (event->mNumber == 4) throw dummyalloc();
+        return 0;
     };
     for (int number = 1; number <= 5; ++number) mScript->Post(number);
     EXPECT_THROW(Once(), int);
