@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 namespace {
 
 struct Flags {
@@ -51,20 +49,6 @@ TEST(OsThread, IsStartedWaitedForAndClosed) {
         EXPECT_FALSE(flags.passed);
         zav_os::ThreadClose(handle);
     }
-}
-
-TEST(OsThread, AHandleMayBeClosedWhileItRuns) {
-    Flags flags;
-    uint32_t id;
-    zav_os::ThreadClose(zav_os::ThreadStart(
-        [](void* argument) {
-            Flags& f = *static_cast<Flags*>(argument);
-            zav_os::SemaphoreWait(f.go, zav_os::kForever);
-            zav_os::SemaphoreRelease(f.entered, 1);
-        },
-        &flags, 0, id));
-    zav_os::SemaphoreRelease(flags.go, 1);
-    EXPECT_EQ(zav_os::Wait::Done, zav_os::SemaphoreWait(flags.entered, zav_os::kForever));
 }
 
 TEST(OsThread, NoHandleIsAnErrorOfTheSystem) {

@@ -3,41 +3,21 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <string>
-
-#include <zavbase/foundation/exception.h>
 #include <zavbase/threads/lock_pool.h>
 
 #include "tests/support/child_process.h"
+#include "tests/support/file_support.h"
+#include "tests/support/thrown.h"
 
 typedef ZAV_ResourceLockPool Pool;
 
 /// A pool file in a folder of its own.
 class LockPool : public ::testing::Test {
 protected:
-    LockPool() : mFolder(::testing::TempDir() + "lock_pool_test." + FolderSuffix()) {
-        std::filesystem::remove_all(mFolder);
-        std::filesystem::create_directories(mFolder);
-        mFile = mFolder + "/pool";
-    }
-    ~LockPool() override {
-        Pool::SetGuard(B_FALSE);
-        std::filesystem::remove_all(mFolder);
-    }
+    ~LockPool() override { Pool::SetGuard(B_FALSE); }
 
-    static std::string FolderSuffix() { return ::testing::UnitTest::GetInstance()->current_test_info()->name(); }
-
-    std::string Text() const {
-        std::ifstream file(mFile, std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
-
-    void Store(const std::string& text) const { std::ofstream(mFile, std::ios::binary) << text; }
+    std::string Text() const { return FileText(mFile); }
+    void Store(const std::string& text) const { PutFile(mFile, text); }
 
     /// An entry of the file as another program would see it.
     ZAV_UValDict Entry(const char* name) const {
@@ -54,19 +34,15 @@ protected:
         file.WriteTextFile(mFile.c_str());
     }
 
-    std::string mFolder, mFile;
+    TestFolder mFolder;
+    const std::string mFile = mFolder.Path("pool");
 };
 
 /// Whether the call throws an exception of exactly this class.
-template <class Call> bool Throws(const ZAV_RuntimeClass& type, Call call) {
-    try {
-        call();
-    } catch (ZAV_Exception* e) {
-        const bool same = e->GetRuntimeClass() == &type;
-        e->Delete();
-        return same;
-    }
-    return false;
+template <class Call>
+bool Throws(const ZAV_RuntimeClass& type, Call call) {
+    const auto thrown = Thrown<ZAV_Exception>(call);
+    return thrown && thrown->GetRuntimeClass() == &type;
 }
 
 #endif

@@ -1,3 +1,4 @@
+#include <tests/support/on_threads.h>
 #include <tests/threads/platform.h>
 
 #include <zavbase/threads/monitor.h>
@@ -9,19 +10,15 @@
 
 #include <memory>
 #include <thread>
-#include <vector>
 
 // One suite for everything that lets one thread in at a time. A guard type is made from a lock and from
 // whether only to try.
 
 namespace {
 
-struct MonitorGuard : ZAV_Monitor::Lock {
-    MonitorGuard(ZAV_Monitor& lock, boolean_t) : ZAV_Monitor::Lock(&lock) {}
-};
-
-struct ReentrantMonitorGuard : ZAV_ReentrantMonitor::Lock {
-    ReentrantMonitorGuard(ZAV_ReentrantMonitor& lock, boolean_t) : ZAV_ReentrantMonitor::Lock(&lock) {}
+template <class M>
+struct MonitorGuard : M::Lock {
+    MonitorGuard(M& lock, boolean_t) : M::Lock(&lock) {}
 };
 
 struct SignallerGuard : ZAV_MutexSignaller::Lock {
@@ -59,8 +56,8 @@ using Reentrant = Kind<ZAV_ReentrantMutex, ZAV_ReentrantMutex::Lock>;
 using Semaphore = Kind<OneUnit, SemaphoreGuard>;
 using Writing = Kind<ZAV_ReadWriteLock, ZAV_ReadWriteLock::WriteLock>;
 using Signaller = Kind<ZAV_MutexSignaller, SignallerGuard>;
-using Monitor = Kind<ZAV_Monitor, MonitorGuard>;
-using ReentrantMonitor = Kind<ZAV_ReentrantMonitor, ReentrantMonitorGuard>;
+using Monitor = Kind<ZAV_Monitor, MonitorGuard<ZAV_Monitor>>;
+using ReentrantMonitor = Kind<ZAV_ReentrantMonitor, MonitorGuard<ZAV_ReentrantMonitor>>;
 
 template <class K>
 class LockSuite : public testing::Test {};
@@ -79,17 +76,14 @@ TYPED_TEST(LockSuite, LetsOneThreadInAtATime) {
     const int kThreads = 4, kRounds = 500 * kEffort;
     long entries = 0;
     int inside = 0;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < kRounds; ++i) {
-                typename TypeParam::Guard guard(lock, B_FALSE);
-                EXPECT_EQ(1, ++inside);
-                ++entries;
-                --inside;
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
+    OnThreads(kThreads, [&](int) {
+        for (int i = 0; i < kRounds; ++i) {
+            typename TypeParam::Guard guard(lock, B_FALSE);
+            EXPECT_EQ(1, ++inside);
+            ++entries;
+            --inside;
+        }
+    });
     EXPECT_EQ(kThreads * kRounds, entries);
 }
 

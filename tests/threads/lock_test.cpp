@@ -1,3 +1,4 @@
+#include <tests/support/on_threads.h>
 #include <tests/threads/platform.h>
 
 #include <zavbase/threads/read_write_lock.h>
@@ -87,31 +88,21 @@ TEST(ReentrantMutex, StaysLockedWhenItsThreadHasEnded) {
             << "a thread in the same place passed for the owner";
 }
 
-TEST(Semaphore, CountsUnits) {
-    ZAV_Semaphore semaphore;
-    EXPECT_EQ(16, semaphore.TryWait());
-    semaphore.Signal();
-    EXPECT_EQ(0, semaphore.TryWait());
-    EXPECT_EQ(16, semaphore.TryWait());
-}
-
 TEST(Semaphore, EveryUnitWakesAWaiter) {
     ZAV_Semaphore units, taken;
     const int kWaiters = 4, kRounds = 50 * kEffort;
-    std::vector<std::thread> waiters;
-    for (int w = 0; w < kWaiters; ++w)
-        waiters.emplace_back([&] {
-            for (int i = 0; i < kRounds; ++i) {
+    OnThreads(kWaiters + 1, [&](int t) {
+        for (int i = 0; i < kRounds; ++i) {
+            if (t < kWaiters) {
                 units.Wait();
                 taken.Signal();
+                continue;
             }
-        });
-    // As many at once as there are waiters, so that wake-ups overlap.
-    for (int i = 0; i < kRounds; ++i) {
-        for (int w = 0; w < kWaiters; ++w) units.Signal();
-        for (int w = 0; w < kWaiters; ++w) taken.Wait();
-    }
-    for (std::thread& waiter : waiters) waiter.join();
+            // As many at once as there are waiters, so that wake-ups overlap.
+            for (int w = 0; w < kWaiters; ++w) units.Signal();
+            for (int w = 0; w < kWaiters; ++w) taken.Wait();
+        }
+    });
     EXPECT_EQ(16, units.TryWait());
 }
 
@@ -214,22 +205,19 @@ TEST(ReadWriteLock, WritersAreAloneAndReadersSeeWholeUpdates) {
     RW lock;
     const int kRounds = 300 * kEffort;
     long first = 0, second = 0;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < kRounds; ++i) {
-                if ((i + t) % 4 == 0) {
-                    RW::WriteLock guard(lock, B_FALSE);
-                    ++first;
-                    RW::WriteLock nested(lock, B_FALSE);
-                    ++second;
-                } else {
-                    RW::ReadLock guard(lock, B_FALSE);
-                    EXPECT_EQ(first, second);
-                }
+    OnThreads(4, [&](int t) {
+        for (int i = 0; i < kRounds; ++i) {
+            if ((i + t) % 4 == 0) {
+                RW::WriteLock guard(lock, B_FALSE);
+                ++first;
+                RW::WriteLock nested(lock, B_FALSE);
+                ++second;
+            } else {
+                RW::ReadLock guard(lock, B_FALSE);
+                EXPECT_EQ(first, second);
             }
-        });
-    for (std::thread& thread : threads) thread.join();
+        }
+    });
     EXPECT_EQ(kRounds, first);
 }
 
@@ -292,8 +280,7 @@ TEST(Signaller, ASignalWithNoWaiterIsLost) {
 TEST(Signaller, TimesAreCutToMillisecondsAndTheLockIsTakenAgain) {
     ZAV_MutexSignaller signaller;
     ZAV_MutexSignaller::Lock lock(signaller);
-    EXPECT_EQ(62, lock.TimedWait(999));
-    EXPECT_EQ(62, lock.TimedWait(-999));
+    for (int none : {999, -999}) EXPECT_EQ(62, lock.TimedWait(none));
     bool others = false;
     std::thread other([&] {
         ZAV_MutexSignaller::Lock second(signaller);

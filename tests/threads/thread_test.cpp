@@ -1,3 +1,4 @@
+#include <tests/support/on_threads.h>
 #include <tests/threads/platform.h>
 
 #include <zavbase/threads/thread.h>
@@ -13,7 +14,6 @@
 #include <memory>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -86,11 +86,10 @@ TEST(Thread, AnyNumberMayWaitForIt) {
     Worker w(UntilStopped);
     w.Begin();
     w.AwaitRunning();
-    std::vector<std::thread> waiters;
-    for (int i = 0; i < 3; ++i) waiters.emplace_back([&] { EXPECT_EQ(0, w.WaitForThread()); });
-    waiters.emplace_back([&] { EXPECT_EQ(0, w.WaitForThread(600000)); });
-    w.StopThread();
-    for (std::thread& waiter : waiters) waiter.join();
+    OnThreads(4, [&](int t) {
+        if (t == 3) w.StopThread();
+        EXPECT_EQ(0, t % 2 ? w.WaitForThread(600000) : w.WaitForThread());
+    });
 }
 
 TEST(Thread, WaitingForItselfFailsButUnregisters) {
