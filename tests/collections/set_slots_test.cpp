@@ -180,6 +180,8 @@ void RunBesideTheModel(const Kind& kind) {
             ZAV_Set other(7);
             other.Add(o);
             other = *set;
+            other.ReSize(model.Count() + 1);
+            model.ReSize(model.Count() + 1);
             *set = other;
         }
         if (step % (steps / 32) == 0) {

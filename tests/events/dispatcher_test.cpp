@@ -239,6 +239,7 @@ TEST_F(Dispatcher, StopWaitsForTheHandlersOfARunningDispatch) {
 }
 
 TEST_F(Dispatcher, StopBeforeDispatchGoesStraightToTheEnd) {
+    TraceCapture trace(0x0300);
     ScriptListener listener;
     mDispatcher->AddListener(&listener);
     mScript->Post(1);
@@ -246,6 +247,7 @@ TEST_F(Dispatcher, StopBeforeDispatchGoesStraightToTheEnd) {
     mDispatcher->Dispatch(DISPATCH_UNTIL_STOPPED);
     EXPECT_EQ(cleanups, 1);
     EXPECT_EQ(listener.mPolls, 0);
+    EXPECT_EQ(trace.Text(), "");
     mScript->Post(2); // a stopped dispatcher still takes events
     EXPECT_EQ(Once(), Numbers{});
     EXPECT_EQ(cleanups, 2);

@@ -64,12 +64,13 @@ TEST(Ref, AssignmentKeepsThePlaceInAList) {
 }
 
 TEST(Ref, HandlesOfOneBodyOnManyThreads) {
-    {
-        ZAV_Ref shared(new Body);
-        OnThreads(4, [&shared](int) {
-            for (int i = 0; i < 2000; ++i) ZAV_Ref copy(shared);
-        });
-    }
+    ZAV_Ref own[4];
+    own[0] = new Body;
+    for (ZAV_Ref& ref : own) ref = own[0];
+    OnThreads(4, [&own](int t) {
+        for (int i = 0; i < 2000; ++i) ZAV_Ref copy(own[t]);
+        own[t] = ZAV_Ref(); // one of them is the last
+    });
     EXPECT_EQ(0, Body::alive);
 }
 
@@ -97,7 +98,9 @@ TEST(AllocMem, ASizeOfZeroKeepsTheBlockOneThatWrapsLosesIt) {
     ref->MemSet(1);
     ref = new ZAV_AllocMemBody(8, 0);
     EXPECT_EQ(8u, ref->GetSize());
-    EXPECT_FALSE(ZAV_AllocMemRef(0xFFFFFFF8ul, 15)->IsAllocated());
+    ref = ZAV_AllocMemRef(0xFFFFFFF8ul, 15);
+    EXPECT_FALSE(ref->IsAllocated());
+    EXPECT_TRUE(ref->Allocate(8, 7));
 }
 
 // In a child process, since there is no way back.
