@@ -1,5 +1,7 @@
 #include <zavbase/events/timer_table_internal.h>
 
+#include <utility>
+
 namespace {
 
 const std::size_t kFirstSlots = 16;
@@ -30,7 +32,7 @@ void ZAV_TimerTable::Insert(std::int32_t id, ZAV_EventTimer* timer) {
 ZAV_EventTimer* ZAV_TimerTable::Remove(std::int32_t id) {
     if (mCount == 0) return nullptr;
     const std::size_t i = Find(PageNumber(id));
-    Page* page = mSlots[i].page;
+    Page* page = mSlots[i].page.get();
     if (page == nullptr) return nullptr;
     ZAV_EventTimer* timer = page->timers[Place(id)];
     if (timer == nullptr) return nullptr;
@@ -44,7 +46,7 @@ ZAV_EventTimer* ZAV_TimerTable::Remove(std::int32_t id) {
 // Null when not even the page is there.
 ZAV_EventTimer* const* ZAV_TimerTable::Entry(std::int32_t id) const {
     if (mCount == 0) return nullptr;
-    const Page* page = mSlots[Find(PageNumber(id))].page;
+    const Page* page = mSlots[Find(PageNumber(id))].page.get();
     return page != nullptr ? &page->timers[Place(id)] : nullptr;
 }
 
@@ -58,33 +60,32 @@ ZAV_TimerTable::Page* ZAV_TimerTable::PageFor(std::uint32_t number) {
     if (2 * (mPages + 1) > mSlots.size()) Grow();
     Slot& slot = mSlots[Find(number)];
     if (slot.page == nullptr) {
-        slot.page = mSparePage != nullptr ? mSparePage.release() : new Page();
+        slot.page = mSparePage != nullptr ? std::move(mSparePage) : std::make_unique<Page>();
         slot.number = number;
         ++mPages;
     }
-    return slot.page;
+    return slot.page.get();
 }
 
 // Moves up whatever lies behind the gap and could not be found any more with a free slot there. One empty
 // page is kept: a timer that comes and goes alone shall not ask the heap for a page each time.
 void ZAV_TimerTable::RemovePage(std::size_t gap) {
-    mSparePage.reset(mSlots[gap].page);
+    mSparePage = std::move(mSlots[gap].page);
     const std::size_t mask = mSlots.size() - 1;
     for (std::size_t i = (gap + 1) & mask; mSlots[i].page != nullptr; i = (i + 1) & mask) {
         const std::size_t distanceFromHome = (i - Home(mSlots[i].number)) & mask;
         if (distanceFromHome < ((i - gap) & mask)) continue;
-        mSlots[gap] = mSlots[i];
+        mSlots[gap] = std::move(mSlots[i]);
         gap = i;
     }
-    mSlots[gap].page = nullptr;
     --mPages;
 }
 
 void ZAV_TimerTable::Grow() {
-    std::vector<Slot> old(mSlots.empty() ? kFirstSlots : 2 * mSlots.size(), Slot{nullptr, 0});
+    std::vector<Slot> old(mSlots.empty() ? kFirstSlots : 2 * mSlots.size());
     mSlots.swap(old);
     mShift = 64;
     for (std::size_t n = mSlots.size(); n > 1; n /= 2) --mShift;
-    for (const Slot& slot : old)
-        if (slot.page != nullptr) mSlots[Find(slot.number)] = slot;
+    for (Slot& slot : old)
+        if (slot.page != nullptr) mSlots[Find(slot.number)] = std::move(slot);
 }

@@ -28,7 +28,7 @@ private:
         ZAV_EventTimer* timers[1 << kPageBits];
     };
     struct Slot {
-        Page* page; // null: free
+        std::unique_ptr<Page> page; // null: free
         std::uint32_t number;
     };
 
