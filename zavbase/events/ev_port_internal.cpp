@@ -49,12 +49,12 @@ bool ZAV_EvPort::Post(ZAV_Event* event) {
     return true;
 }
 
-// Under the lock, for those who read without it.
+// Under the lock, for those who read without it: who sees the number sees a priority to take them by.
 void ZAV_EvPort::NotePosted() {
-    mPosted.store(mQueue.Length(), std::memory_order_relaxed);
     const std::int64_t highest = mQueue.IsEmpty() ? kNothing : mQueue.HighestPriority();
     if (highest != mHighest.load(std::memory_order_relaxed))
         mHighest.store(highest, std::memory_order_release);
+    mPosted.store(mQueue.Length(), std::memory_order_release);
 }
 
 // Under the lock the owner cannot go away; that it has stopped sleeping meanwhile does no harm.

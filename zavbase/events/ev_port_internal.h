@@ -34,7 +34,7 @@ public:
     static void Discard(ZAV_Event* event);
     bool IsClosed() const { return mClosed.load(std::memory_order_acquire); }
 
-    std::uint32_t Length() const { return mPosted.load(std::memory_order_relaxed) + AtHand(); }
+    std::uint32_t Length() const { return mPosted.load(std::memory_order_acquire) + AtHand(); }
     std::uint32_t HighWater() const { return mHighWater.load(std::memory_order_relaxed); }
 
     /// For the dispatching thread only.
