@@ -210,6 +210,7 @@ void ZAV_TimerMgr::Stop() {
 
 void ZAV_TimerMgr::Listen(ZAV_ListenerControl control) {
     if (control == LISTEN_POLL && Store().mPending.load(std::memory_order_relaxed) == 0) return;
+    ZAV_EXCEPTION_LINK link;
     do {
         const unsigned seenChanges = control == LISTEN_BLOCK ? SeenChanges() : 0;
         std::uint32_t now = static_cast<std::uint32_t>(ZAV_CurrentTime());
@@ -236,15 +237,16 @@ bool ZAV_TimerMgr::FireOne(std::uint32_t& now) {
     return timer != nullptr;
 }
 
+// The handler scope of Listen serves all timers; only one that has caught something needs to end.
 void ZAV_TimerMgr::QueueTimer(ZAV_EventTimer* timer) {
     std::unique_ptr<ZAV_EventTimer> owned(timer);
     const ZAV_EvHandlerRef handler(timer->mDestination);
-    ZAV_EXCEPTION_LINK link;
     try {
         const bool taken = handler->QueueEvent(timer, timer->mPriority) >= 0;
         owned.release();
         if (!taken) ZAV_EvPort::Discard(timer);
     } catch (ZAV_Exception* e) {
+        ZAV_EXCEPTION_LINK link;
         link.mException = e;
         ZAV_TraceCaught("ZAV_TimerMgr caught exception :", e);
     }
