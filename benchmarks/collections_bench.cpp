@@ -1,7 +1,7 @@
-// Collections beside the standard containers. A set or dictionary of ours holds pointers to keys that are there
-// already, the peer copies the key into its node; both are given keys made beforehand. Hits look up equal keys in
-// other objects, in another order; a set tells whether it has the key, a dictionary gives the value. Taking down
-// what was built is not timed.
+// Collections beside the standard containers. A set or dictionary of ours holds pointers to keys that are
+// there already, the peer copies the key into its node; both are given keys made beforehand. Hits look up
+// equal keys in other objects, in another order; a set tells whether it has the key, a dictionary gives the
+// value. Taking down what was built is not timed.
 #include <zavbase/collections/clt_string.h>
 #include <zavbase/collections/dictionary.h>
 #include <zavbase/collections/integer.h>
@@ -85,7 +85,9 @@ struct DictSide {
         for (const auto& t : in.texts) dict.AddAssoc(t.get(), t.get());
     }
     ~DictSide() { dict.ClearAndDestroy(); }
-    static bool Hit(DictSide& s, const Input& in, size_t i) { return s.dict.AtKey(in.soughtTexts[i].get()) != nullptr; }
+    static bool Hit(DictSide& s, const Input& in, size_t i) {
+        return s.dict.AtKey(in.soughtTexts[i].get()) != nullptr;
+    }
     static uintptr_t Sum(DictSide& s) {
         uintptr_t sum = 0;
         ZAV_Iterator it(&s.dict);
@@ -166,7 +168,8 @@ const std::vector<std::unique_ptr<ZAV_Integer>>& Numbers() {
     static const auto numbers = [] {
         std::mt19937 random(3);
         std::vector<std::unique_ptr<ZAV_Integer>> made;
-        for (int i = 0; i < N; ++i) made.emplace_back(new ZAV_Integer(static_cast<long>(random() % 1000000000)));
+        for (int i = 0; i < N; ++i)
+            made.emplace_back(new ZAV_Integer(static_cast<long>(random() % 1000000000)));
         return made;
     }();
     return numbers;
@@ -221,4 +224,4 @@ const bool registered = [] {
     return true;
 }();
 
-}  // namespace
+} // namespace

@@ -55,8 +55,8 @@ void ReadSettings() {
         ZAV_ConfigInit(file);
         Tally tally;
         Count(*ZAV_ConfigGet(), tally);
-        std::cout << file << ": now " << tally.mDicts << " sections, " << tally.mValues << " entries, " << tally.mElements
-                  << " elements\n";
+        std::cout << file << ": now " << tally.mDicts << " sections, " << tally.mValues << " entries, "
+                  << tally.mElements << " elements\n";
     }
 }
 
@@ -77,13 +77,16 @@ void AskQuestions() {
               << "watchdog      " << ZAV_ConfigGet("SPECTRO", "SYSTEM", "WATCHDOG", 1.0f) << " s\n"
               << "mirror focus  " << ZAV_ConfigGet("OPTICS", "MIRROR:M1", "FOCUS", 100.0) << " mm\n"
               << "lamp hours    " << ZAV_ConfigGet("LAMPS", "halogen", "HOURS", 0.0) << "\n"
-              << "uv lamp       " << (ZAV_IsConfigured("SPECTRO", "IDENTITY", "OPTIONS", "UV LAMP") ? "fitted" : "none") << "\n";
+              << "uv lamp       "
+              << (ZAV_IsConfigured("SPECTRO", "IDENTITY", "OPTIONS", "UV LAMP") ? "fitted" : "none") << "\n";
     std::cout << "languages    ";
     for (long i = 0; i < ZAV_ConfigGetDimension("SPECTRO", "SYSTEM", "LANGUAGES"); ++i)
         std::cout << " " << ZAV_ConfigGetAt("SPECTRO", "SYSTEM", "LANGUAGES", i, "?");
     ZAV_UVal* blaze = ZAV_ConfigGet("CALIBRATION", "WAVELENGTH", "FIRST");
     std::cout << "\nwavelength of pixel 1000: "
-              << blaze->GetDoubleValue(0) + 1000 * (blaze->GetDoubleValue(1) + 1000 * blaze->GetDoubleValue(2)) << " nm\n";
+              << blaze->GetDoubleValue(0) +
+                     1000 * (blaze->GetDoubleValue(1) + 1000 * blaze->GetDoubleValue(2))
+              << " nm\n";
 }
 
 void AskForWhatIsNotSo() {
@@ -103,7 +106,8 @@ bool SameElement(ZAV_UVal& a, ZAV_UVal& b, long index) {
 long Differences(const ZAV_UValDict& a, const ZAV_UValDict& b) {
     long count = a.GetSize() == b.GetSize() ? 0 : 1;
     ZAV_AssocUVal* theirs = b.GetNextAssoc(nullptr);
-    for (ZAV_AssocUVal* ours = a.GetNextAssoc(nullptr); ours && theirs; ours = ours->GetNext(), theirs = theirs->GetNext()) {
+    for (ZAV_AssocUVal* ours = a.GetNextAssoc(nullptr); ours && theirs;
+         ours = ours->GetNext(), theirs = theirs->GetNext()) {
         ZAV_UVal &x = *ours->Value(), &y = *theirs->Value();
         bool same = std::strcmp(ours->Key(), theirs->Key()) == 0 && x.GetType() == y.GetType() &&
                     x.GetDimension() == y.GetDimension();
@@ -121,8 +125,8 @@ bool StoreAndCompare() {
     ZAV_UValDict read;
     read.ReadFile(path.c_str());
     long differences = Differences(*ZAV_ConfigGet(), read);
-    std::cout << "\nbinary file: " << std::filesystem::file_size(path) << " bytes, read back with " << differences
-              << " differences\n";
+    std::cout << "\nbinary file: " << std::filesystem::file_size(path) << " bytes, read back with "
+              << differences << " differences\n";
     ZAV_SystemString name(path.c_str());
     ZAV_File(name).RemoveFile();
     return differences == 0;
@@ -132,20 +136,22 @@ bool StoreAndCompare() {
 
 int main() {
     bool done = false;
-    ZAV_TRY
+    ZAV_TRY {
         StartTracing();
         AskBeforeThereAreAny();
         ReadSettings();
         AskQuestions();
         AskForWhatIsNotSo();
         done = StoreAndCompare();
-    ZAV_CATCH(ZAV_FileException, e)
+    }
+    ZAV_CATCH(ZAV_FileException, e) {
         const ZAV_UValTextError& error = ZAV_GetUValTextError();
         std::cerr << *e;
-        if (error.mLine > 0) std::cerr << ", line " << error.mLine << ": " << error.mMessage << " at " << error.mFound;
+        if (error.mLine > 0)
+            std::cerr << ", line " << error.mLine << ": " << error.mMessage << " at " << error.mFound;
         std::cerr << "\n";
-    ZAV_CATCH(ZAV_Exception, e)
-        std::cerr << *e << "\n";
+    }
+    ZAV_CATCH(ZAV_Exception, e) { std::cerr << *e << "\n"; }
     ZAV_CATCH_END
     ZAV_ConfigCleanup();
     ZAV_Tracer::SetStreamP("BASE", nullptr);

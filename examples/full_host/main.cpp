@@ -41,7 +41,8 @@ public:
             const ZAV_String language(ZAV_ConfigGetAt("STATION", "TEXTS", "LANGUAGES", i, ""));
             // A code becomes part of a file name, so one from a file that people edit is looked at first.
             if (!ZAV_IsPlainLangCode(language)) continue;
-            std::cout << "  error [" << language << "] " << error.Format(language, &mResource, nullptr).Ptr() << std::endl;
+            std::cout << "  error [" << language << "] " << error.Format(language, &mResource, nullptr).Ptr()
+                      << std::endl;
         }
     }
 
@@ -72,12 +73,14 @@ protected:
 private:
     bool ReadOnce() {
         bool isRead = true;
-        ZAV_TRY
+        ZAV_TRY {
             const double value = mGauge.Read(mStep);
             std::cout << "  " << mName << " reads " << value << std::endl;
-        ZAV_CATCH(ZAV_ErrorException, e)
+        }
+        ZAV_CATCH(ZAV_ErrorException, e) {
             mTexts.Show(e->mError);
             isRead = false;
+        }
         ZAV_CATCH_END
         return isRead;
     }
@@ -124,10 +127,8 @@ void LoadModules(const std::string& folder, ZAV_SharedLib& plugIn, ZAV_SharedLib
     std::cout << "  found gauge_static_dll in the program" << std::endl;
     texts.Collect(plugIn);
     ZAV_SharedLib missing;
-    ZAV_TRY
-        missing.Load("no_such_module", folder.c_str());
-    ZAV_CATCH(ZAV_FileException, e)
-        std::cout << "  no_such_module: " << *e << std::endl;
+    ZAV_TRY { missing.Load("no_such_module", folder.c_str()); }
+    ZAV_CATCH(ZAV_FileException, e) { std::cout << "  no_such_module: " << *e << std::endl; }
     ZAV_CATCH_END
 }
 
@@ -176,7 +177,8 @@ void ShareLock(const std::string& program) {
     ZAV_ResourceLockPool pool(file.c_str());
     ZAV_ResourceLockPool::SetGuard(B_TRUE);
     std::cout << "  this process, lock:   " << State(pool.Lock("station:printer")) << std::endl;
-    if (std::system(("\"" + program + "\" --look " + file).c_str()) != 0) std::cout << "  no second process" << std::endl;
+    if (std::system(("\"" + program + "\" --look " + file).c_str()) != 0)
+        std::cout << "  no second process" << std::endl;
     std::cout << "  this process, unlock: " << State(pool.UnLock("station:printer")) << std::endl;
     ZAV_File(file.c_str()).RemoveFile();
     ZAV_File((file + ".guard").c_str()).RemoveFile();
@@ -206,10 +208,8 @@ int Run(const std::string& program) {
 
 int main(int argc, char** argv) {
     int result = 1;
-    ZAV_TRY
-        result = argc == 3 && std::string(argv[1]) == "--look" ? LookAtLock(argv[2]) : Run(argv[0]);
-    ZAV_CATCH(ZAV_Exception, e)
-        std::cerr << "full_host: " << *e << std::endl;
+    ZAV_TRY { result = argc == 3 && std::string(argv[1]) == "--look" ? LookAtLock(argv[2]) : Run(argv[0]); }
+    ZAV_CATCH(ZAV_Exception, e) { std::cerr << "full_host: " << *e << std::endl; }
     ZAV_CATCH_END
     return result;
 }

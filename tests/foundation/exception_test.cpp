@@ -39,56 +39,54 @@ TEST(Exception, DescribesItself) {
     }
 }
 
+// clang-format off: it takes scopes in scopes for initialisers
 TEST(Exception, AScopeDeletesWhatItCaughtUnlessItPassesItOn) {
     int inner = 0;
-    ZAV_TRY
-        ZAV_TRY
-            throw new Counted;
-            ZAV_CATCH(Counted, e)
-            inner = e != nullptr;
-            ZAV_RETHROW;
+    ZAV_TRY{ZAV_TRY{throw new Counted;
+}
+ZAV_CATCH(Counted, e) {
+    inner = e != nullptr;
+    ZAV_RETHROW;
+}
+ZAV_CATCH_END
+}
+ZAV_CATCH(ZAV_FileException, e) { ADD_FAILURE() << e; }
+ZAV_CATCH(ZAV_Exception, e) {
+    EXPECT_EQ("Base exception", Printed(*e));
+    const auto another = [e] {
+        ZAV_TRY { throw new Counted; }
+        ZAV_CATCH(Counted, second) { EXPECT_NE(e, second); }
         ZAV_CATCH_END
-        ZAV_CATCH(ZAV_FileException, e)
-        ADD_FAILURE() << e;
-        ZAV_CATCH(ZAV_Exception, e)
-        EXPECT_EQ("Base exception", Printed(*e));
-        const auto another = [e] {
-            ZAV_TRY
-                throw new Counted;
-                ZAV_CATCH(Counted, second)
-                EXPECT_NE(e, second);
-            ZAV_CATCH_END
-            EXPECT_EQ(1, Counted::alive);
-        };
-        another(); // while one is being handled
-        std::thread(another).join();
-    ZAV_CATCH_END
-    EXPECT_EQ(1, inner);
-    EXPECT_EQ(0, Counted::alive);
+        EXPECT_EQ(1, Counted::alive);
+    };
+    another(); // while one is being handled
+    std::thread(another).join();
+}
+ZAV_CATCH_END
+EXPECT_EQ(1, inner);
+EXPECT_EQ(0, Counted::alive);
 }
 
 TEST(Exception, AnotherExceptionMayLeaveTheHandler) {
-    EXPECT_THROW(
-        {
-            ZAV_TRY
-                throw new Counted;
-                ZAV_CATCH(Counted, e)
-                throw std::string(e->ClassName());
-            ZAV_CATCH_END
-        },
-        std::string);
+    const auto scope = [] {
+        ZAV_TRY { throw new Counted; }
+        ZAV_CATCH(Counted, e) { throw std::string(e->ClassName()); }
+        ZAV_CATCH_END
+    };
+    EXPECT_THROW(scope(), std::string);
     EXPECT_EQ(0, Counted::alive);
     ZAV_ThrowLastCleanup(); // no scope is open: nothing happens
 }
+// clang-format on
 
 TEST(Exception, TheMemoryExceptionSurvivesDelete) {
     ZAV_Exception* first = nullptr;
     for (int i = 0; i < 2; ++i) {
-        ZAV_TRY
-            ZAV_ThrowMemoryException();
-            ZAV_CATCH(ZAV_MemoryException, e)
+        ZAV_TRY { ZAV_ThrowMemoryException(); }
+        ZAV_CATCH(ZAV_MemoryException, e) {
             EXPECT_TRUE(i == 0 || e == first);
             first = e;
+        }
         ZAV_CATCH_END
     }
     // Nothing but a positive flag lets an exception go; copies of the memory exception have none either.

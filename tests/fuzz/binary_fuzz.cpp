@@ -1,5 +1,5 @@
-// Any bytes are a dictionary, too few, or an error; how they are cut makes no difference; and what was read is
-// packed to bytes that read to the same.
+// Any bytes are a dictionary, too few, or an error; how they are cut makes no difference; and what was read
+// is packed to bytes that read to the same.
 
 #include <algorithm>
 #include <cstddef>
@@ -50,7 +50,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (outcome != WHOLE) return 0;
     std::string packed = Packed(whole, 512);
     if (Packed(pieces, 7) != packed) std::abort();
-    if (Read(again, reinterpret_cast<const uint8_t*>(packed.data()), packed.size(), 512) != WHOLE) std::abort();
+    if (Read(again, reinterpret_cast<const uint8_t*>(packed.data()), packed.size(), 512) != WHOLE)
+        std::abort();
     if (Packed(again, 512) != packed) std::abort();
     return 0;
 }

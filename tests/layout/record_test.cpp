@@ -12,7 +12,8 @@ struct Row {
     const ZAV_RuntimeClass* base;
 };
 
-#define ROW(NAME, BASE) {&NAME::class##NAME, #NAME, sizeof(NAME), &BASE::class##BASE}
+#define ROW(NAME, BASE)                                                                                      \
+    { &NAME::class##NAME, #NAME, sizeof(NAME), &BASE::class##BASE }
 
 const Row theRows[] = {
     ROW(ZAV_CltObject, ZAV_Object),

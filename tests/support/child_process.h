@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-/// A program run beside the test, talked to through its standard input and output, so that a test can wait for
-/// what it does. One that still runs at the end of the object is killed.
+/// A program run beside the test, talked to through its standard input and output, so that a test can wait
+/// for what it does. One that still runs at the end of the object is killed.
 class ChildProcess {
 public:
     ChildProcess(const std::string& program, const std::vector<std::string>& arguments);
@@ -25,7 +25,7 @@ public:
 
 private:
     unsigned long mId;
-    intptr_t mProcess, mInput, mOutput;  // handles of the system; -1 when closed
+    intptr_t mProcess, mInput, mOutput; // handles of the system; -1 when closed
 };
 
 #endif

@@ -20,7 +20,7 @@ namespace zav_os {
 
 namespace {
 constexpr uint32_t FAILURE = 5;
-std::string gContents;  // of the one replacement that is open
+std::string gContents; // of the one replacement that is open
 } // namespace
 
 uint32_t CurrentFolder(char*, size_t) { return FAILURE; }

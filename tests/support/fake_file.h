@@ -11,9 +11,9 @@ namespace fake_file {
 
 struct Disk {
     std::map<std::string, std::string> mFiles;
-    size_t mRoom = static_cast<size_t>(-1);  ///< bytes that one new file can take
+    size_t mRoom = static_cast<size_t>(-1); ///< bytes that one new file can take
     bool mCommitFails = false;
-    int mOpenReplacements = 0;               ///< neither committed nor given up
+    int mOpenReplacements = 0; ///< neither committed nor given up
 };
 
 Disk& TheDisk();

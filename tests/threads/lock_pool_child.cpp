@@ -50,15 +50,18 @@ int Write(Pool& pool, const std::string& name) {
 int main(int argc, char** argv) {
     const std::string role = argc > 3 ? argv[1] : "";
     int result = 1;
-    ZAV_TRY
+    ZAV_TRY {
         Pool pool(argc > 3 ? argv[2] : "");
         Pool::SetGuard(B_TRUE);
         if (role == "hold") result = Hold(pool, argv[3]);
-        if (role == "work" && argc > 4) result = Work(pool, argv[3], argv[2] + std::string(".witness"), std::atoi(argv[4]));
+        if (role == "work" && argc > 4)
+            result = Work(pool, argv[3], argv[2] + std::string(".witness"), std::atoi(argv[4]));
         if (role == "write") result = Write(pool, argv[3]);
-    ZAV_CATCH(ZAV_Exception, e)
+    }
+    ZAV_CATCH(ZAV_Exception, e) {
         std::cerr << "lock_pool_child: " << *e << std::endl;
         result = 6;
+    }
     ZAV_CATCH_END
     return result;
 }

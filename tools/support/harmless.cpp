@@ -9,7 +9,12 @@ unsigned Byte(const std::string& text, size_t at) { return static_cast<unsigned 
 /// The length of the well-formed UTF-8 sequence at `at`; 0 if there is none.
 size_t SequenceLength(const std::string& text, size_t at) {
     const unsigned lead = Byte(text, at);
-    const size_t length = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+    const size_t length = lead < 0x80   ? 1
+                          : lead < 0xC2 ? 0
+                          : lead < 0xE0 ? 2
+                          : lead < 0xF0 ? 3
+                          : lead < 0xF5 ? 4
+                                        : 0;
     if (length == 0 || text.size() - at < length) return 0;
     for (size_t i = 1; i < length; ++i)
         if ((Byte(text, at + i) & 0xC0) != 0x80) return 0;
@@ -31,7 +36,8 @@ std::string Harmless(const std::string& text, bool keepLines) {
     std::string result;
     for (size_t at = 0; at < text.size();) {
         const size_t length = SequenceLength(text, at);
-        const bool stays = length > 0 && (!IsControl(text, at) || (keepLines && (text[at] == '\n' || text[at] == '\t')));
+        const bool stays =
+            length > 0 && (!IsControl(text, at) || (keepLines && (text[at] == '\n' || text[at] == '\t')));
         if (stays) {
             result.append(text, at, length);
             at += length;

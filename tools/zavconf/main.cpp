@@ -23,7 +23,8 @@ const char* const help =
     "\n"
     "  get FILE KEY...        prints the value at the path: one element a line, a dictionary as a list\n"
     "  list FILE              prints the whole dictionary\n"
-    "  set FILE PATH VALUE    stores VALUE, given in text form (5, 5 zavshort, [ 1 2 ], << ... >>); a VALUE that\n"
+    "  set FILE PATH VALUE    stores VALUE, given in text form (5, 5 zavshort, [ 1 2 ], << ... >>); a VALUE "
+    "that\n"
     "                         begins like none of these is taken as a string. FILE keeps its form, text or\n"
     "                         binary, but comments in it are lost\n"
     "  convert IN OUT         writes a text file as a binary one and a binary file as text\n"
@@ -32,11 +33,14 @@ const char* const help =
     "  check FILE...          says file, line and column of the first error in each\n"
     "  --help                 this text\n"
     "\n"
-    "FILE may be text or binary. A path is keys with \":\" between them, or the character C. Keys have up to 64\n"
-    "bytes. The text form keeps six decimals, drops empty keys, and reads a key that holds the separator as a\n"
+    "FILE may be text or binary. A path is keys with \":\" between them, or the character C. Keys have up to "
+    "64\n"
+    "bytes. The text form keeps six decimals, drops empty keys, and reads a key that holds the separator as "
+    "a\n"
     "path; choose another separator, or a binary file, where that matters.\n"
     "\n"
-    "Exit code: 0 done; 1 no such value, or check found an error; 2 a file could not be read or written, or the\n"
+    "Exit code: 0 done; 1 no such value, or check found an error; 2 a file could not be read or written, or "
+    "the\n"
     "command line is wrong.\n";
 
 typedef std::vector<std::string> Arguments;
@@ -55,10 +59,14 @@ std::string Describe(const std::string& path, const ZAV_FileException& e) {
         return text.str();
     }
     switch (e.mCode) {
-    case 2: return path + ": not a valid binary value file";
-    case 3: return path + ": cannot be opened";
-    case 6: return path + ": cannot be read";
-    default: return path + ": cannot be written";
+    case 2:
+        return path + ": not a valid binary value file";
+    case 3:
+        return path + ": cannot be opened";
+    case 6:
+        return path + ": cannot be read";
+    default:
+        return path + ": cannot be written";
     }
 }
 
@@ -66,14 +74,13 @@ std::string Describe(const std::string& path, const ZAV_FileException& e) {
 template <class Operation>
 void Guard(const std::string& path, Exit exit, Operation operation) {
     std::string trouble;
-    ZAV_TRY
-        operation();
-    ZAV_CATCH(ZAV_FileException, e)
-        trouble = Describe(path, *e);
-    ZAV_CATCH(ZAV_Exception, e)
+    ZAV_TRY { operation(); }
+    ZAV_CATCH(ZAV_FileException, e) { trouble = Describe(path, *e); }
+    ZAV_CATCH(ZAV_Exception, e) {
         std::ostringstream text;
         text << path << ": " << *e << " (too many entries in a dictionary, or a text too long)";
         trouble = text.str();
+    }
     ZAV_CATCH_END
     if (!trouble.empty()) throw Failure{exit, trouble};
 }
@@ -86,8 +93,10 @@ bool IsBinary(const std::string& path) { return std::ifstream(path, std::ios::bi
 
 void Save(const std::string& path, ZAV_UValDict& dict, bool binary) {
     Guard(path, TROUBLE, [&] {
-        if (binary) dict.WriteBinFile(path.c_str());
-        else dict.WriteTextFile(path.c_str());
+        if (binary)
+            dict.WriteBinFile(path.c_str());
+        else
+            dict.WriteTextFile(path.c_str());
     });
 }
 
@@ -164,7 +173,8 @@ Exit Import(const Arguments& arguments) {
         throw Failure{NOT_SO, text.str()};
     }
     if (json.mCutKeys > 0) std::cerr << "zavconf: keys that were cut to 64 bytes: " << json.mCutKeys << "\n";
-    if (json.mLostEntries > 0) std::cerr << "zavconf: entries replaced by a later one: " << json.mLostEntries << "\n";
+    if (json.mLostEntries > 0)
+        std::cerr << "zavconf: entries replaced by a later one: " << json.mLostEntries << "\n";
     const std::string& out = arguments[1];
     Save(out, *json.mDict, out.size() > 4 && out.compare(out.size() - 4, 4, ".bin") == 0);
     return DONE;
@@ -200,13 +210,13 @@ Exit Check(const Arguments& arguments) {
 
 struct Command {
     const char* mName;
-    size_t mLeast, mMost;  // arguments
+    size_t mLeast, mMost; // arguments
     Exit (*mRun)(const Arguments& arguments);
 };
 
 const Command commands[] = {
-    {"get", 2, 1000, Get},       {"list", 1, 1, List},     {"set", 3, 3, Set},       {"convert", 2, 2, Convert},
-    {"import", 2, 2, Import},    {"export", 1, 2, Export}, {"check", 1, 1000, Check},
+    {"get", 2, 1000, Get},    {"list", 1, 1, List},     {"set", 3, 3, Set},        {"convert", 2, 2, Convert},
+    {"import", 2, 2, Import}, {"export", 1, 2, Export}, {"check", 1, 1000, Check},
 };
 
 Exit Run(Arguments words) {

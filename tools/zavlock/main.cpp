@@ -45,8 +45,8 @@ void PrintLock(const std::string& path, ZAV_UValDict& entry) {
     } catch (ZAV_Exception* e) {
         e->Delete();
     }
-    std::cout << Harmless(path) << "  process " << static_cast<unsigned long>(entry.GetValue("ProcessId", 0UL) & 0xFFFFFFFFUL)
-              << "  " << state;
+    std::cout << Harmless(path) << "  process "
+              << static_cast<unsigned long>(entry.GetValue("ProcessId", 0UL) & 0xFFFFFFFFUL) << "  " << state;
     const char* file = entry.GetValue("FileName", "");
     if (file && *file) std::cout << "  " << Harmless(file);
     std::cout << "\n";
@@ -108,13 +108,15 @@ int main(int argc, char** argv) {
     if (guard) Pool::SetGuard(B_TRUE);
     const int skip = guard ? 2 : 1;
     int result = TROUBLE;
-    ZAV_TRY
-        result = Run(argc - skip, argv + skip);
-    ZAV_CATCH(ZAV_FileException, e)
-        std::cerr << "zavlock: " << *e << (e->mOsError ? std::string(": ") + GetErrorString(e->mOsError) : "") << "\n";
-    ZAV_CATCH(ZAV_Exception, e)
+    ZAV_TRY { result = Run(argc - skip, argv + skip); }
+    ZAV_CATCH(ZAV_FileException, e) {
+        std::cerr << "zavlock: " << *e << (e->mOsError ? std::string(": ") + GetErrorString(e->mOsError) : "")
+                  << "\n";
+    }
+    ZAV_CATCH(ZAV_Exception, e) {
         std::cerr << "zavlock: the lock cannot be an entry of the file, or its entry is damaged\n";
         (void)e;
+    }
     ZAV_CATCH_END
     return result;
 }

@@ -17,7 +17,9 @@ public:
         Check(offset, size);
         uint64_t value = 0;
         for (unsigned i = 0; i < size; ++i)
-            value |= static_cast<uint64_t>(static_cast<unsigned char>(mBytes[static_cast<size_t>(offset) + i])) << 8 * i;
+            value |=
+                static_cast<uint64_t>(static_cast<unsigned char>(mBytes[static_cast<size_t>(offset) + i]))
+                << 8 * i;
         return value;
     }
     uint32_t Word(uint64_t offset) const { return static_cast<uint32_t>(Number(offset, 4)); }
@@ -61,10 +63,10 @@ const size_t mostNames = 64u << 20;
 /// The places in which 32-bit and 64-bit ELF files differ.
 struct ElfLayout {
     const char* mText;
-    unsigned mAddress;                              // bytes of an offset or address
-    uint64_t mSectionTable, mSectionSize, mSectionCount;  // in the file header
-    uint64_t mOffset, mSize, mLink;                 // in a section header
-    uint64_t mSymbolSize, mInfo, mSection;          // in a symbol
+    unsigned mAddress;                                   // bytes of an offset or address
+    uint64_t mSectionTable, mSectionSize, mSectionCount; // in the file header
+    uint64_t mOffset, mSize, mLink;                      // in a section header
+    uint64_t mSymbolSize, mInfo, mSection;               // in a symbol
 };
 
 const ElfLayout elf32 = {"ELF 32-bit", 4, 0x20, 0x2E, 0x30, 0x10, 0x14, 0x18, 16, 12, 14};
@@ -73,12 +75,16 @@ const ElfLayout elf64 = {"ELF 64-bit", 8, 0x28, 0x3A, 0x3C, 0x18, 0x20, 0x28, 24
 std::string MachineName(unsigned machine) {
     switch (machine) {
     case 3:
-    case 0x14C: return "x86";
+    case 0x14C:
+        return "x86";
     case 62:
-    case 0x8664: return "x86-64";
+    case 0x8664:
+        return "x86-64";
     case 183:
-    case 0xAA64: return "ARM64";
-    default: return "machine " + std::to_string(machine);
+    case 0xAA64:
+        return "ARM64";
+    default:
+        return "machine " + std::to_string(machine);
     }
 }
 
@@ -124,7 +130,8 @@ public:
 
     uint64_t Offset(uint32_t address) const {
         for (const Section& s : mSections)
-            if (address >= s.mAddress && address - s.mAddress < s.mSize) return s.mOffset + uint64_t(address - s.mAddress);
+            if (address >= s.mAddress && address - s.mAddress < s.mSize)
+                return s.mOffset + uint64_t(address - s.mAddress);
         throw Damaged();
     }
 

@@ -6,8 +6,8 @@
 
 /// What a module file says of itself.
 struct ModuleFile {
-    std::string mFormat;               ///< for people: "ELF 64-bit, x86-64"
-    std::set<std::string> mFunctions;  ///< the exported names
+    std::string mFormat;              ///< for people: "ELF 64-bit, x86-64"
+    std::set<std::string> mFunctions; ///< the exported names
 };
 
 /// Reads the export table of an ELF or PE file, of any platform, from its bytes; no code of it runs. Returns

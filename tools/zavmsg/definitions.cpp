@@ -52,7 +52,9 @@ std::vector<std::string> Compare(const Definitions& wanted, const Definitions& l
         const auto translation = language.mTexts.find(id);
         if (translation != language.mTexts.end()) {
             const auto tags = Tags(text), theirs = Tags(translation->second);
-            if (tags != theirs) findings.push_back("tags differ: " + id + ": wanted" + Joined(tags) + ", found" + Joined(theirs));
+            if (tags != theirs)
+                findings.push_back("tags differ: " + id + ": wanted" + Joined(tags) + ", found" +
+                                   Joined(theirs));
         } else if (!language.mOthers.count(id)) {
             findings.push_back("missing: " + id);
         }
@@ -64,12 +66,15 @@ std::vector<std::string> Compare(const Definitions& wanted, const Definitions& l
 }
 
 std::string IdentifierOf(const std::string& context, const std::string& source) {
-    bool isPlain = context.empty() && !source.empty() && source.size() <= longestKey && source.compare(0, 3, "+++") != 0;
+    bool isPlain =
+        context.empty() && !source.empty() && source.size() <= longestKey && source.compare(0, 3, "+++") != 0;
     // The separator would make it a path, whichever one the reading host has set.
-    for (const char c : source) isPlain = isPlain && c >= ' ' && c < 0x7F && c != ':' && c != ZAV_DictPath::GetSeparator();
+    for (const char c : source)
+        isPlain = isPlain && c >= ' ' && c < 0x7F && c != ':' && c != ZAV_DictPath::GetSeparator();
     if (isPlain) return source;
     uint64_t hash = 14695981039346656037u;
-    for (const char c : context + '\4' + source) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
+    for (const char c : context + '\4' + source)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
     char id[24];
     std::snprintf(id, sizeof id, "PO_%08lX%08lX", static_cast<unsigned long>(hash >> 32),
                   static_cast<unsigned long>(hash & 0xFFFFFFFFu));

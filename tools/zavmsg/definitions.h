@@ -20,8 +20,8 @@ Definitions Flatten(ZAV_UValDict& dict);
 /// lacks or the other way round, tags that differ (each must occur as often), entries that are no texts.
 std::vector<std::string> Compare(const Definitions& wanted, const Definitions& language);
 
-/// The identifier for a gettext message: its source text if that can be one, otherwise "PO_" and a number made
-/// from the context and the source. Never depends on other messages of the file.
+/// The identifier for a gettext message: its source text if that can be one, otherwise "PO_" and a number
+/// made from the context and the source. Never depends on other messages of the file.
 std::string IdentifierOf(const std::string& context, const std::string& source);
 
 #endif

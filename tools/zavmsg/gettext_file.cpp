@@ -14,8 +14,8 @@ std::string CheckHeader(const std::string& header) {
     std::string charset = header.substr(begin, header.find_first_of(" \n;", begin) - begin);
     for (char& c : charset)
         if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    const bool isKnown = charset == "UTF-8" || charset == "UTF8" || charset == "ASCII" || charset == "US-ASCII" ||
-                         charset == "CHARSET";
+    const bool isKnown = charset == "UTF-8" || charset == "UTF8" || charset == "ASCII" ||
+                         charset == "US-ASCII" || charset == "CHARSET";
     return isKnown ? std::string() : "the encoding is " + charset + ", wanted is UTF-8 (see msgconv)";
 }
 
@@ -93,10 +93,13 @@ private:
     std::string Append(const std::string& quoted) {
         size_t at = 1;
         for (; at < quoted.size() && quoted[at] != '"'; ++at) {
-            if (quoted[at] != '\\') *mTarget += quoted[at];
-            else if (++at < quoted.size()) at += AppendEscape(quoted, at);
+            if (quoted[at] != '\\')
+                *mTarget += quoted[at];
+            else if (++at < quoted.size())
+                at += AppendEscape(quoted, at);
         }
-        return at + 1 == quoted.size() && quoted[0] == '"' ? std::string() : "a text that does not end in its line";
+        return at + 1 == quoted.size() && quoted[0] == '"' ? std::string()
+                                                           : "a text that does not end in its line";
     }
 
     /// Returns how many characters beyond the first the escape had.
@@ -113,7 +116,9 @@ private:
         }
         size_t digits = 0;
         unsigned value = 0;
-        for (; digits < 3 && at + digits < quoted.size() && quoted[at + digits] >= '0' && quoted[at + digits] <= '7'; ++digits)
+        for (; digits < 3 && at + digits < quoted.size() && quoted[at + digits] >= '0' &&
+               quoted[at + digits] <= '7';
+             ++digits)
             value = value * 8 + static_cast<unsigned>(quoted[at + digits] - '0');
         *mTarget += static_cast<char>(value);
         return digits - 1;
@@ -121,9 +126,12 @@ private:
 
     std::string Finish() {
         std::string problem;
-        if (mHasSource && !mHasTranslation) problem = "a message without msgstr";
-        else if (mHasSource && mEntry.mSource.empty() && mEntry.mContext.empty()) problem = CheckHeader(mEntry.mTranslations[0]);
-        else if (mHasSource) mEntries.push_back(mEntry);
+        if (mHasSource && !mHasTranslation)
+            problem = "a message without msgstr";
+        else if (mHasSource && mEntry.mSource.empty() && mEntry.mContext.empty())
+            problem = CheckHeader(mEntry.mTranslations[0]);
+        else if (mHasSource)
+            mEntries.push_back(mEntry);
         mEntry = GettextEntry();
         mHasSource = mHasTranslation = false;
         mTarget = nullptr;
@@ -151,7 +159,8 @@ public:
         if (!Word(8, count) || !Word(12, sources) || !Word(16, translations)) return "cut short";
         for (uint32_t i = 0; i < count; ++i) {
             std::string source, translation;
-            if (!Text(sources + uint64_t(i) * 8, source) || !Text(translations + uint64_t(i) * 8, translation))
+            if (!Text(sources + uint64_t(i) * 8, source) ||
+                !Text(translations + uint64_t(i) * 8, translation))
                 return "entry " + std::to_string(i) + " lies outside the file";
             if (source.empty()) {
                 const std::string problem = CheckHeader(translation);
@@ -172,7 +181,8 @@ private:
         GettextEntry entry;
         const size_t context = source.find('\4');
         if (context != std::string::npos) entry.mContext = source.substr(0, context);
-        const std::vector<std::string> forms = Split(context == std::string::npos ? source : source.substr(context + 1));
+        const std::vector<std::string> forms =
+            Split(context == std::string::npos ? source : source.substr(context + 1));
         entry.mSource = forms[0];
         if (forms.size() > 1) entry.mSourcePlural = forms[1];
         entry.mTranslations = Split(translation);
@@ -201,7 +211,8 @@ private:
 
     bool Text(uint64_t at, std::string& text) const {
         uint32_t length, offset;
-        if (!Word(at, length) || !Word(at + 4, offset) || uint64_t(offset) + length > mBytes.size()) return false;
+        if (!Word(at, length) || !Word(at + 4, offset) || uint64_t(offset) + length > mBytes.size())
+            return false;
         text = mBytes.substr(offset, length);
         return true;
     }

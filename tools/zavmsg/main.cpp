@@ -76,8 +76,10 @@ bool TakeOption(const std::string& name, const char* value, Options& options) {
 
 void Parse(int argc, char** argv, Options& options) {
     for (int i = 0; i < argc; ++i) {
-        if (argv[i][0] != '-') options.mFiles.push_back(argv[i]);
-        else if (TakeOption(argv[i], i + 1 < argc ? argv[i + 1] : nullptr, options)) ++i;
+        if (argv[i][0] != '-')
+            options.mFiles.push_back(argv[i]);
+        else if (TakeOption(argv[i], i + 1 < argc ? argv[i + 1] : nullptr, options))
+            ++i;
     }
     if (!options.mHasDefinitions) ZAV_Base_GetI18nDefs(&options.mDefinitions, B_TRUE, B_TRUE);
 }
@@ -101,14 +103,15 @@ std::vector<std::string> FilesOf(const std::vector<std::string>& arguments) {
 int CheckFile(const std::string& path, const Definitions& wanted) {
     ZAV_UValDict language(16);
     bool isRead = true;
-    ZAV_TRY
-        language.ReadFile(path.c_str());
-    ZAV_CATCH(ZAV_Exception, e)
+    ZAV_TRY { language.ReadFile(path.c_str()); }
+    ZAV_CATCH(ZAV_Exception, e) {
         isRead = false;
         std::cerr << "zavmsg: " << path << ": " << *e;
         const ZAV_UValTextError& place = ZAV_GetUValTextError();
-        if (place.mLine > 0) std::cerr << ": line " << place.mLine << ", column " << place.mColumn << ": " << place.mMessage;
+        if (place.mLine > 0)
+            std::cerr << ": line " << place.mLine << ", column " << place.mColumn << ": " << place.mMessage;
         std::cerr << "\n";
+    }
     ZAV_CATCH_END
     if (!isRead) return TROUBLE;
     const std::vector<std::string> findings = Compare(wanted, Flatten(language));
@@ -119,7 +122,8 @@ int CheckFile(const std::string& path, const Definitions& wanted) {
 int Check(Options& options) {
     const Definitions wanted = Flatten(options.mDefinitions);
     int result = CLEAN;
-    for (const std::string& file : FilesOf(options.mFiles)) result = (std::max)(result, CheckFile(file, wanted));
+    for (const std::string& file : FilesOf(options.mFiles))
+        result = (std::max)(result, CheckFile(file, wanted));
     return result;
 }
 
@@ -152,7 +156,8 @@ int ImportEntry(const GettextEntry& entry, const Options& options, ZAV_UValDict&
     if (entry.mIsFuzzy && !options.mWantsFuzzy && !options.mWantsSource) return CLEAN;
     const std::string id = IdentifierOf(entry.mContext, entry.mSource);
     std::vector<std::string> texts = entry.mTranslations;
-    if (options.mWantsSource) texts.assign(texts.size(), entry.mSourcePlural.empty() ? entry.mSource : entry.mSourcePlural);
+    if (options.mWantsSource)
+        texts.assign(texts.size(), entry.mSourcePlural.empty() ? entry.mSource : entry.mSourcePlural);
     if (options.mWantsSource) texts[0] = entry.mSource;
     int result = CLEAN;
     for (size_t i = 0; i < texts.size(); ++i) {
@@ -162,7 +167,8 @@ int ImportEntry(const GettextEntry& entry, const Options& options, ZAV_UValDict&
             const std::string formId = id.size() + suffix.size() <= 64 ? id : IdentifierOf("plural", id);
             Define(language, formId + suffix, texts[i]);
         } else {
-            std::cerr << "zavmsg: left out, it has characters beyond U+FFFF: " << Harmless(id + suffix) << "\n";
+            std::cerr << "zavmsg: left out, it has characters beyond U+FFFF: " << Harmless(id + suffix)
+                      << "\n";
             result = FINDINGS;
         }
     }
@@ -186,7 +192,8 @@ int Import(const Options& options) {
     }
     ZAV_UValDict language(16);
     int result = CLEAN;
-    for (const GettextEntry& entry : entries) result = (std::max)(result, ImportEntry(entry, options, language));
+    for (const GettextEntry& entry : entries)
+        result = (std::max)(result, ImportEntry(entry, options, language));
     Write(language, options.mOut);
     return result;
 }
@@ -208,10 +215,8 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     int result = TROUBLE;
-    ZAV_TRY
-        result = Run(argc, argv);
-    ZAV_CATCH(ZAV_FileException, e)
-        std::cerr << "zavmsg: " << *e << "\n";
+    ZAV_TRY { result = Run(argc, argv); }
+    ZAV_CATCH(ZAV_FileException, e) { std::cerr << "zavmsg: " << *e << "\n"; }
     ZAV_CATCH_END
     return result;
 }

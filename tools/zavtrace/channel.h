@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// What receives the trace pieces: Ready once the place is taken, Take for each, Idle when none has come for a fifth of a second. The last
-/// two return false to end the listening.
+/// What receives the trace pieces: Ready once the place is taken, Take for each, Idle when none has come for
+/// a fifth of a second. The last two return false to end the listening.
 class Receiver {
 public:
     virtual ~Receiver() {}

@@ -33,7 +33,9 @@ public:
     void Ready() override {
         if (mAnnounces) std::cout << "listening" << std::endl;
     }
-    bool Take(unsigned long source, const std::string& piece) override { return Print(mLines.Take(source, piece)); }
+    bool Take(unsigned long source, const std::string& piece) override {
+        return Print(mLines.Take(source, piece));
+    }
     bool Idle() override { return Print(mLines.Rest()); }
 
 private:
@@ -63,10 +65,14 @@ int main(int argc, char** argv) {
         const std::string option = argv[i];
         if (option == "--help") return std::cout << help, DONE;
         char* end = argv[i];
-        if (option == "--match" && i + 1 < argc) match = argv[++i];
-        else if (option == "--count" && i + 1 < argc) wrong = (count = std::strtoul(argv[++i], &end, 10)) == 0 || *end;
-        else if (option == "--announce") announces = true;
-        else wrong = true;
+        if (option == "--match" && i + 1 < argc)
+            match = argv[++i];
+        else if (option == "--count" && i + 1 < argc)
+            wrong = (count = std::strtoul(argv[++i], &end, 10)) == 0 || *end;
+        else if (option == "--announce")
+            announces = true;
+        else
+            wrong = true;
         if (wrong) return std::cerr << help, TROUBLE;
     }
     Printer printer(match, count, announces);

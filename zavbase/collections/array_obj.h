@@ -12,8 +12,8 @@ public:
     ZAV_DECLARE_CASTDOWN(ZAV_ArrayObj)
 
     explicit ZAV_ArrayObj(unsigned int n = 16);
-    ZAV_ArrayObj(const ZAV_ArrayObj& a);             ///< copies the pointers
-    ZAV_ArrayObj& operator=(const ZAV_ArrayObj& a);  ///< copies the pointers and the length
+    ZAV_ArrayObj(const ZAV_ArrayObj& a);            ///< copies the pointers
+    ZAV_ArrayObj& operator=(const ZAV_ArrayObj& a); ///< copies the pointers and the length
     ~ZAV_ArrayObj() override;
 
     ZAV_CltObject*& operator[](int i) { return mArray[i]; }
@@ -25,14 +25,14 @@ public:
     boolean_t operator==(const ZAV_ArrayObj& a) const;
     boolean_t operator!=(const ZAV_ArrayObj& a) const { return ZAV_Bool(!(*this == a)); }
     boolean_t IsEqual(const ZAV_CltObject* o) override;
-    int Compare(const ZAV_CltObject* o) const override;  ///< lexicographic; `o` must be an array
+    int Compare(const ZAV_CltObject* o) const override; ///< lexicographic; `o` must be an array
     unsigned int Hash() const override;
     unsigned int OccurrencesOf(const ZAV_CltObject* o) const override;
 
     ZAV_Collection* AddContentsTo(ZAV_Collection* target) const override;
     ZAV_CltObject* DoNext(ZAV_Iterator* it) const override;
-    void Clear() override;            ///< every slot becomes the nil object
-    void ClearAndDestroy() override;  ///< the same, deleting what the slots held
+    void Clear() override;           ///< every slot becomes the nil object
+    void ClearAndDestroy() override; ///< the same, deleting what the slots held
 
     virtual ZAV_CltObject* ShallowCopy() const;
     virtual unsigned int Capacity() const;
@@ -52,7 +52,7 @@ private:
     friend struct ZAV_SetAccess;
     void GrowWithSlack(uint32_t n);
 
-    ZAV_CltObject** mArray;  // room and helps of the slots stand in a hidden header in front of the first
+    ZAV_CltObject** mArray; // room and helps of the slots stand in a hidden header in front of the first
     uint32_t mLength;
 };
 

@@ -17,7 +17,7 @@ public:
     ~ZAV_Assoc() override;
 
     ZAV_CltObject* ShallowCopy() const override;
-    ZAV_CltObject* Value(ZAV_CltObject* value) override;  ///< stores it and returns the previous one
+    ZAV_CltObject* Value(ZAV_CltObject* value) override; ///< stores it and returns the previous one
     ZAV_CltObject* Value() const override;
 
 private:
@@ -25,8 +25,8 @@ private:
 };
 
 /// A key with an integer inside. Value() is the address of that integer, which lives and dies with the
-/// association; Value(v) copies the number out of `v`, which must be a ZAV_Integer (null changes nothing), and
-/// returns the same address.
+/// association; Value(v) copies the number out of `v`, which must be a ZAV_Integer (null changes nothing),
+/// and returns the same address.
 class ZAV_API ZAV_AssocInt : public ZAV_LookupKey {
     ZAV_DECLARE_CLASS(ZAV_AssocInt)
 public:

@@ -7,15 +7,19 @@ ZAV_DEFINE_CLASS(ZAV_Bag, ZAV_Collection)
 
 namespace {
 
-ZAV_Integer& CounterOf(ZAV_CltObject* a) { return *ZAV_Integer::Castdown(ZAV_AssocInt::Castdown(a)->Value()); }
+ZAV_Integer& CounterOf(ZAV_CltObject* a) {
+    return *ZAV_Integer::Castdown(ZAV_AssocInt::Castdown(a)->Value());
+}
 
 unsigned int CountOf(ZAV_CltObject* a) { return static_cast<unsigned int>(CounterOf(a).Value()); }
 
-}  // namespace
+} // namespace
 
 ZAV_Bag::ZAV_Bag(unsigned int capacity) : mCount(0), mContents(capacity) {}
 
-ZAV_Bag::ZAV_Bag(const ZAV_Bag& b) : ZAV_Collection(b), mCount(0), mContents(b.Capacity()) { CopyCounters(b); }
+ZAV_Bag::ZAV_Bag(const ZAV_Bag& b) : ZAV_Collection(b), mCount(0), mContents(b.Capacity()) {
+    CopyCounters(b);
+}
 
 ZAV_Bag& ZAV_Bag::operator=(const ZAV_Bag& b) {
     if (this == &b) return *this;
@@ -72,7 +76,8 @@ ZAV_CltObject* const& ZAV_Bag::At(int i) const { return mContents.At(i); }
 
 ZAV_CltObject* ZAV_Bag::DoNext(ZAV_Iterator* it) const {
     for (;;) {
-        ZAV_CltObject* a = it->mOccurrence ? mContents.At(static_cast<int>(it->mIndex) - 1) : mContents.DoNext(it);
+        ZAV_CltObject* a =
+            it->mOccurrence ? mContents.At(static_cast<int>(it->mIndex) - 1) : mContents.DoNext(it);
         if (!a) return nullptr;
         if (it->mOccurrence++ < CountOf(a)) return ZAV_AssocInt::Castdown(a)->Key();
         it->mOccurrence = 0;

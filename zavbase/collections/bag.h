@@ -12,7 +12,7 @@ public:
     ZAV_DECLARE_CASTDOWN(ZAV_Bag)
 
     explicit ZAV_Bag(unsigned int capacity = 16);
-    ZAV_Bag(const ZAV_Bag& b);  ///< copies the counters, shares the objects
+    ZAV_Bag(const ZAV_Bag& b); ///< copies the counters, shares the objects
     ZAV_Bag& operator=(const ZAV_Bag& b);
     ~ZAV_Bag() override;
 
@@ -24,19 +24,19 @@ public:
     ZAV_CltObject* Remove(const ZAV_CltObject* o) override;
     void RemoveAndDestroy(const ZAV_CltObject* o) override;
     unsigned int OccurrencesOf(const ZAV_CltObject* o) const override;
-    unsigned int Size() const override;  ///< all occurrences
+    unsigned int Size() const override; ///< all occurrences
     unsigned int Capacity() const { return mContents.Capacity(); }
 
-    ZAV_CltObject*& At(int i) override;  ///< the raw table slot: a counter or the nil object
+    ZAV_CltObject*& At(int i) override; ///< the raw table slot: a counter or the nil object
     ZAV_CltObject* const& At(int i) const override;
     ZAV_CltObject* DoNext(ZAV_Iterator* it) const override;
     void Clear() override;
-    void ClearAndDestroy() override;  ///< deletes the kept objects too
+    void ClearAndDestroy() override; ///< deletes the kept objects too
 
     boolean_t operator==(const ZAV_Bag& b) const;
     boolean_t operator!=(const ZAV_Bag& b) const { return ZAV_Bool(!(*this == b)); }
     boolean_t IsEqual(const ZAV_CltObject* o) override;
-    int Compare(const ZAV_CltObject* o) const override;  ///< 0: bags have no order
+    int Compare(const ZAV_CltObject* o) const override; ///< 0: bags have no order
     unsigned int Hash() const override;
 
     virtual ZAV_CltObject* ShallowCopy() const;

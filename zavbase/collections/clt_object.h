@@ -25,7 +25,7 @@ public:
 
     constexpr ZAV_CltObject() {}
     constexpr ZAV_CltObject(const ZAV_CltObject& o) : ZAV_Object(o) {}
-    ZAV_CltObject& operator=(const ZAV_CltObject&) { return *this; }  ///< copies nothing
+    ZAV_CltObject& operator=(const ZAV_CltObject&) { return *this; } ///< copies nothing
     ~ZAV_CltObject() override;
 
     /// The class that counts in comparisons: two objects of one species may be equal. The object's own class
@@ -33,8 +33,8 @@ public:
     virtual const ZAV_RuntimeClass* Species() const;
     /// The number of elements or characters; 0 for a plain object.
     virtual unsigned int Size() const;
-    /// Whether the objects are equal in value. `o` must not be null. (Not const, so that classes of hosts keep
-    /// overriding it; it does not change the object.)
+    /// Whether the objects are equal in value. `o` must not be null. (Not const, so that classes of hosts
+    /// keep overriding it; it does not change the object.)
     virtual boolean_t IsEqual(const ZAV_CltObject* o);
     /// Negative, zero or positive when this object comes before, with or after `o`.
     virtual int Compare(const ZAV_CltObject* o) const;

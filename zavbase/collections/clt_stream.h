@@ -17,7 +17,7 @@ public:
     std::istream* Stream() const { return mStream; }
     void Stream(std::istream* s) { mStream = s; }
 
-    void PrintOn(std::ostream& os) override;  ///< the pointer in hexadecimal; leaves `os` decimal
+    void PrintOn(std::ostream& os) override; ///< the pointer in hexadecimal; leaves `os` decimal
     unsigned int Hash() const override;
 
 private:
@@ -38,7 +38,7 @@ public:
     std::ostream* Stream() const { return mStream; }
     void Stream(std::ostream* s) { mStream = s; }
 
-    void PrintOn(std::ostream& os) override;  ///< the pointer in hexadecimal; leaves `os` decimal
+    void PrintOn(std::ostream& os) override; ///< the pointer in hexadecimal; leaves `os` decimal
     unsigned int Hash() const override;
 
 private:

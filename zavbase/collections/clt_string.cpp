@@ -11,8 +11,8 @@ namespace {
 
 // Byte by byte, so that the result does not depend on the machine's byte order; compilers make it one load.
 uint32_t LittleEndianWord(const unsigned char* p) {
-    return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 | static_cast<uint32_t>(p[2]) << 16 |
-           static_cast<uint32_t>(p[3]) << 24;
+    return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 |
+           static_cast<uint32_t>(p[2]) << 16 | static_cast<uint32_t>(p[3]) << 24;
 }
 
 boolean_t SameBytes(const ZAV_Str& a, const ZAV_Str& b) {
@@ -22,7 +22,7 @@ boolean_t SameBytes(const ZAV_Str& a, const ZAV_Str& b) {
 // The nil object comes up where arrays with empty slots are compared; it is no string to cast to.
 bool IsNothing(const ZAV_CltObject* o) { return !o || o == ZAV_Nil(); }
 
-}  // namespace
+} // namespace
 
 unsigned int ZAV_StringHash(const char* bytes, unsigned int length) {
     const unsigned char* p = reinterpret_cast<const unsigned char*>(bytes);

@@ -5,8 +5,8 @@
 #include <zavbase/strings/byte_string.h>
 #include <zavbase/strings/utf_string.h>
 
-/// The hash of a text: its length XOR each 4-byte little-endian word, the last 1 to 3 bytes as a shorter word.
-/// The same on every platform; cheap, and weak for texts that differ in few places.
+/// The hash of a text: its length XOR each 4-byte little-endian word, the last 1 to 3 bytes as a shorter
+/// word. The same on every platform; cheap, and weak for texts that differ in few places.
 ZAV_API unsigned int ZAV_StringHash(const char* bytes, unsigned int length);
 
 /// A byte string that collections can hold. Both bases are meant to be used: it is a string to string
@@ -23,8 +23,8 @@ public:
     using ZAV_String::operator=;
     ~ZAV_CltString() override;
 
-    void PrintOn(std::ostream& os) override;  ///< writes the text
-    unsigned int Size() const override;       ///< the number of bytes
+    void PrintOn(std::ostream& os) override; ///< writes the text
+    unsigned int Size() const override;      ///< the number of bytes
     /// Whether length and all bytes are equal. `o` must be of the same class; the nil object is not equal.
     boolean_t IsEqual(const ZAV_CltObject* o) override;
     /// As strcmp. `o` must be of the same class; the nil object compares as 0.
@@ -32,7 +32,7 @@ public:
     using ZAV_String::Compare;
     unsigned int Hash() const override;
 
-    virtual ZAV_CltObject* ShallowCopy() const;  ///< a new object with a copy of the text
+    virtual ZAV_CltObject* ShallowCopy() const; ///< a new object with a copy of the text
 };
 
 /// The same for UTF-8 text. Size is the number of bytes, Length the number of runes.

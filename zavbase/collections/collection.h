@@ -40,8 +40,8 @@ public:
     virtual ZAV_CltObject* DoNext(ZAV_Iterator* it) const = 0;
     virtual ZAV_CltObject* Remove(const ZAV_CltObject* o) = 0;
     virtual void RemoveAndDestroy(const ZAV_CltObject* o) = 0;
-    virtual const ZAV_Collection* AddAll(const ZAV_Collection* c);     ///< returns `c`
-    virtual const ZAV_Collection* RemoveAll(const ZAV_Collection* c);  ///< returns `c`
+    virtual const ZAV_Collection* AddAll(const ZAV_Collection* c);    ///< returns `c`
+    virtual const ZAV_Collection* RemoveAll(const ZAV_Collection* c); ///< returns `c`
     virtual void DeepenShallowCopy();
     virtual void DoFinish(ZAV_Iterator* it) const;
     virtual void DoReset(ZAV_Iterator* it) const;

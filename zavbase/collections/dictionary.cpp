@@ -23,7 +23,7 @@ bool HasValue(const ZAV_LookupKey* a, const ZAV_CltObject* value) {
     return own && value && const_cast<ZAV_CltObject*>(value)->IsEqual(own);
 }
 
-}  // namespace
+} // namespace
 
 ZAV_Dictionary::~ZAV_Dictionary() {}
 
@@ -74,7 +74,9 @@ ZAV_Assoc* ZAV_Dictionary::AddAssoc(ZAV_CltObject* key, ZAV_CltObject* value) {
     return ZAV_Assoc::Castdown(there);
 }
 
-ZAV_LookupKey* ZAV_Dictionary::AssocAt(const ZAV_CltObject* key) const { return ZAV_LookupKey::Castdown(Lookup(key)); }
+ZAV_LookupKey* ZAV_Dictionary::AssocAt(const ZAV_CltObject* key) const {
+    return ZAV_LookupKey::Castdown(Lookup(key));
+}
 
 ZAV_CltObject* ZAV_Dictionary::AtKey(const ZAV_CltObject* key, ZAV_CltObject* value) {
     ZAV_LookupKey* a = AssocAt(key);

@@ -18,7 +18,7 @@ public:
     ~ZAV_Dictionary() override;
 
     unsigned int OccurrencesOf(const ZAV_CltObject* value) const override;
-    ZAV_Collection* AddContentsTo(ZAV_Collection* target) const override;  ///< the values
+    ZAV_Collection* AddContentsTo(ZAV_Collection* target) const override; ///< the values
     boolean_t operator==(const ZAV_Dictionary& d) const;
     boolean_t operator!=(const ZAV_Dictionary& d) const { return ZAV_Bool(!(*this == d)); }
     boolean_t IsEqual(const ZAV_CltObject* o) override;
@@ -27,8 +27,8 @@ public:
     /// Adds a new association, which the caller owns; when the key is present already, returns that
     /// association with its value unchanged.
     virtual ZAV_Assoc* AddAssoc(ZAV_CltObject* key, ZAV_CltObject* value);
-    virtual ZAV_Collection* AddKeysTo(ZAV_Collection* target) const;    ///< returns `target`
-    virtual ZAV_Collection* AddValuesTo(ZAV_Collection* target) const;  ///< returns `target`
+    virtual ZAV_Collection* AddKeysTo(ZAV_Collection* target) const;   ///< returns `target`
+    virtual ZAV_Collection* AddValuesTo(ZAV_Collection* target) const; ///< returns `target`
     /// The association with an equal key, or null.
     virtual ZAV_LookupKey* AssocAt(const ZAV_CltObject* key) const;
     /// Stores a value under a present key and returns the previous one; the nil object for an absent key,
@@ -36,12 +36,12 @@ public:
     virtual ZAV_CltObject* AtKey(const ZAV_CltObject* key, ZAV_CltObject* value);
     /// The value under a key; the nil object for an absent key.
     virtual ZAV_CltObject* AtKey(const ZAV_CltObject* key) const;
-    virtual boolean_t IncludesAssoc(const ZAV_LookupKey* a);  ///< key and value are equal to one here
+    virtual boolean_t IncludesAssoc(const ZAV_LookupKey* a); ///< key and value are equal to one here
     virtual boolean_t IncludesKey(const ZAV_CltObject* key);
     /// The key of the first association, in table order, with an equal value; the nil object if none.
     virtual ZAV_CltObject* KeyAtValue(const ZAV_CltObject* value) const;
-    /// Take an association out and return it; null if absent. RemoveAssoc is Remove: of an absent one it drops
-    /// the count. RemoveKey of an absent key changes nothing.
+    /// Take an association out and return it; null if absent. RemoveAssoc is Remove: of an absent one it
+    /// drops the count. RemoveKey of an absent key changes nothing.
     virtual ZAV_LookupKey* RemoveAssoc(const ZAV_LookupKey* a);
     virtual ZAV_LookupKey* RemoveKey(const ZAV_CltObject* key);
 };
@@ -59,7 +59,7 @@ public:
     ZAV_DictAutoDel& operator=(const ZAV_DictAutoDel&) = delete;
     ~ZAV_DictAutoDel() override;
 
-    void RemoveAndDestroy(const ZAV_CltObject* key) override;  ///< nothing for an absent key
+    void RemoveAndDestroy(const ZAV_CltObject* key) override; ///< nothing for an absent key
     void ClearAndDestroy() override;
 };
 

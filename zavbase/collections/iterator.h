@@ -8,8 +8,8 @@
 ///     ZAV_Iterator it(&collection);
 ///     while (ZAV_CltObject* o = ++it) ...
 ///
-/// The collection is not owned and must outlive the iterator. A hashed collection must not be changed while it
-/// is walked. The cursors are public for the collections that implement DoNext.
+/// The collection is not owned and must outlive the iterator. A hashed collection must not be changed while
+/// it is walked. The cursors are public for the collections that implement DoNext.
 class ZAV_API ZAV_Iterator : public ZAV_CltObject {
     ZAV_DECLARE_CLASS(ZAV_Iterator)
 public:
@@ -18,9 +18,9 @@ public:
     explicit ZAV_Iterator(const ZAV_Collection* c);
     ~ZAV_Iterator() override;
 
-    ZAV_CltObject* operator++() { return mCurrent = mCollection->DoNext(this); }  ///< null at the end
+    ZAV_CltObject* operator++() { return mCurrent = mCollection->DoNext(this); } ///< null at the end
     ZAV_CltObject* Next() { return ++*this; }
-    ZAV_CltObject* operator()() const { return mCurrent; }  ///< null before the first and after the last
+    ZAV_CltObject* operator()() const { return mCurrent; } ///< null before the first and after the last
     const ZAV_Collection* Collection() const { return mCollection; }
     void Reset() { mCollection->DoReset(this); }
 
@@ -29,16 +29,16 @@ public:
     boolean_t operator!=(const ZAV_Iterator* o) const { return ZAV_Bool(!(*this == o)); }
     boolean_t IsEqual(const ZAV_CltObject* o) override;
     unsigned int Hash() const override;
-    void PrintOn(std::ostream& os) override;  ///< the current element's print, or nothing
+    void PrintOn(std::ostream& os) override; ///< the current element's print, or nothing
 
 private:
     const ZAV_Collection* mCollection;
 
 public:
-    uint32_t mIndex;          ///< the collection's cursor
-    uint32_t mOccurrence;     ///< a second cursor
-    ZAV_CltObject* mCurrent;  ///< the element last returned
-    ZAV_CltObject* mState;    ///< for the collection's own use; the nil object if unused
+    uint32_t mIndex;         ///< the collection's cursor
+    uint32_t mOccurrence;    ///< a second cursor
+    ZAV_CltObject* mCurrent; ///< the element last returned
+    ZAV_CltObject* mState;   ///< for the collection's own use; the nil object if unused
 };
 
 #endif

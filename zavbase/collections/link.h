@@ -23,7 +23,7 @@ public:
 
 protected:
     friend class ZAV_LinkedList;
-    ZAV_Link* mNext;  ///< for classes that chain their own links while these are in no list
+    ZAV_Link* mNext; ///< for classes that chain their own links while these are in no list
 
 private:
     struct SelfLinked {};
@@ -32,7 +32,8 @@ private:
 };
 
 /// A link that carries any collectable object, not owned. Equality, order, hash, size and print are the
-/// object's; IsEqual and Compare ask the other object with the carried one as argument, as ZAV_LookupKey does.
+/// object's; IsEqual and Compare ask the other object with the carried one as argument, as ZAV_LookupKey
+/// does.
 class ZAV_API ZAV_LinkObj : public ZAV_Link {
     ZAV_DECLARE_CLASS(ZAV_LinkObj)
 public:

@@ -17,8 +17,8 @@ public:
     ZAV_LinkedList& operator=(const ZAV_LinkedList&) = delete;
     ~ZAV_LinkedList() override;
 
-    /// Append, put at the front, put behind `existing`, which must be in the list. All return the link put in.
-    /// Where an object is given it must be a link; that is not checked.
+    /// Append, put at the front, put behind `existing`, which must be in the list. All return the link put
+    /// in. Where an object is given it must be a link; that is not checked.
     ZAV_Link* Add(ZAV_Link* l);
     ZAV_CltObject* Add(ZAV_CltObject* o) override;
     ZAV_Link* AddFirst(ZAV_Link* l);
@@ -39,7 +39,7 @@ public:
     /// The first and last link; the nil link when empty.
     ZAV_CltObject* First() const override;
     ZAV_CltObject* Last() const override;
-    ZAV_Link* operator[](int i) const;  ///< by walking; the nil link beyond the end
+    ZAV_Link* operator[](int i) const; ///< by walking; the nil link beyond the end
     ZAV_CltObject* DoNext(ZAV_Iterator* it) const override;
     unsigned int Size() const override;
     boolean_t IsEmpty() override;

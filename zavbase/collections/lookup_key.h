@@ -22,10 +22,10 @@ public:
     void PrintOn(std::ostream& os) override;
     boolean_t IsEqual(const ZAV_CltObject* o) override;
     int Compare(const ZAV_CltObject* o) const override;
-    unsigned int Hash() const override;  ///< the key's
+    unsigned int Hash() const override; ///< the key's
 
-    virtual ZAV_CltObject* ShallowCopy() const;  ///< a new object with the same pointers
-    virtual void DeepenShallowCopy();            ///< does nothing
+    virtual ZAV_CltObject* ShallowCopy() const; ///< a new object with the same pointers
+    virtual void DeepenShallowCopy();           ///< does nothing
 
     /// Stores `key` and returns the previous one. A holder in a hashed collection keeps its key.
     virtual ZAV_CltObject* Key(ZAV_CltObject* key);

@@ -3,8 +3,9 @@
 
 #include <zavbase/collections/clt_object.h>
 
-/// The class of the nil object, which fills empty slots of collections and stands for "not found". It is equal
-/// to itself only, compares as 0 with everything and prints as "NIL". A program uses the one static instance.
+/// The class of the nil object, which fills empty slots of collections and stands for "not found". It is
+/// equal to itself only, compares as 0 with everything and prints as "NIL". A program uses the one static
+/// instance.
 class ZAV_API ZAV_CltNil : public ZAV_CltObject {
     ZAV_DECLARE_CLASS(ZAV_CltNil)
 public:

@@ -3,8 +3,8 @@
 
 #include <zavbase/collections/nil.h>
 
-/// The nil object's storage: built by the compiler and, being in a union, never destroyed, so that collections
-/// in static objects may use it at any time.
+/// The nil object's storage: built by the compiler and, being in a union, never destroyed, so that
+/// collections in static objects may use it at any time.
 union ZAV_NilHolder {
     constexpr ZAV_NilHolder() : mNil() {}
     ~ZAV_NilHolder() {}

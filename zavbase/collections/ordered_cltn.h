@@ -14,7 +14,7 @@ public:
     ZAV_DECLARE_CASTDOWN(ZAV_OrderedCltn)
 
     explicit ZAV_OrderedCltn(unsigned int capacity = 16);
-    ZAV_OrderedCltn(const ZAV_OrderedCltn& c);  ///< copies the pointers
+    ZAV_OrderedCltn(const ZAV_OrderedCltn& c); ///< copies the pointers
     ZAV_OrderedCltn& operator=(const ZAV_OrderedCltn& c);
     ~ZAV_OrderedCltn() override;
 
@@ -34,8 +34,8 @@ public:
     ZAV_CltObject* const& operator[](int i) const { return mContents.mArray[i]; }
     ZAV_CltObject*& At(int i) override;
     ZAV_CltObject* const& At(int i) const override;
-    ZAV_CltObject* First() const override;  ///< the nil object when empty
-    ZAV_CltObject* Last() const override;   ///< the nil object when empty
+    ZAV_CltObject* First() const override; ///< the nil object when empty
+    ZAV_CltObject* Last() const override;  ///< the nil object when empty
     /// The neighbour of the first element equal to `o`; the nil object if there is none.
     ZAV_CltObject* After(const ZAV_CltObject* o) const;
     ZAV_CltObject* Before(const ZAV_CltObject* o) const;
@@ -50,7 +50,7 @@ public:
     void RemoveAndDestroy(const ZAV_CltObject* o) override;
     void Clear() override;
     void ClearAndDestroy() override;
-    void AtAllPut(ZAV_CltObject* o);  ///< stores `o` at every position in use
+    void AtAllPut(ZAV_CltObject* o); ///< stores `o` at every position in use
 
     boolean_t operator==(const ZAV_OrderedCltn& c) const;
     boolean_t operator!=(const ZAV_OrderedCltn& c) const { return ZAV_Bool(!(*this == c)); }
@@ -59,9 +59,9 @@ public:
     ZAV_OrderedCltn& operator&=(const ZAV_OrderedCltn& c);
 
     virtual ZAV_CltObject* ShallowCopy() const;
-    virtual unsigned int Capacity() const;  ///< slots of the table
-    virtual void ReSize(unsigned int n);    ///< a table of `n` slots; does nothing unless n > Size()
-    virtual void Sort();                    ///< as ZAV_ArrayObj::Sort, of the elements in use
+    virtual unsigned int Capacity() const; ///< slots of the table
+    virtual void ReSize(unsigned int n);   ///< a table of `n` slots; does nothing unless n > Size()
+    virtual void Sort();                   ///< as ZAV_ArrayObj::Sort, of the elements in use
 
 protected:
     ZAV_CltObject* AddAtIndex(int i, ZAV_CltObject* o);

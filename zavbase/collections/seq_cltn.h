@@ -13,7 +13,7 @@ public:
     ~ZAV_SeqCltn() override;
 
     ZAV_CltObject* DoNext(ZAV_Iterator* it) const override;
-    boolean_t IsEqual(const ZAV_CltObject* o) override;  ///< same species, same size, pairwise IsEqual
+    boolean_t IsEqual(const ZAV_CltObject* o) override; ///< same species, same size, pairwise IsEqual
     /// The first pair of elements that differ decides; a collection that is the start of the other is less.
     /// `o` must be a collection.
     int Compare(const ZAV_CltObject* o) const override;

@@ -23,11 +23,12 @@ const uint32_t LONG_CLUSTER = 16;
 
 // The table is the smallest power of two that is at least twice as large as the capacity.
 uint32_t NbitsFor(uint32_t capacity) {
-    const uint32_t nbits = static_cast<uint32_t>(std::bit_width(capacity)) + (capacity & (capacity - 1) ? 1 : 0);
+    const uint32_t nbits =
+        static_cast<uint32_t>(std::bit_width(capacity)) + (capacity & (capacity - 1) ? 1 : 0);
     return (std::min)(nbits, 31u);
 }
 
-}  // namespace
+} // namespace
 
 ZAV_Set::ZAV_Set(unsigned int capacity) : mContents(0) {
     SetCapacity(capacity);
@@ -135,7 +136,8 @@ ZAV_CltObject* ZAV_Set::Add(ZAV_CltObject* o) {
     if (mContents.mArray[i] != ZAV_Nil()) return mContents.mArray[i];
     mContents.mArray[i] = o;
     CountAdded();
-    if (mCount == INDEXED_COUNT || (mCount >= CLUSTERED_COUNT && StandsInLongCluster(static_cast<uint32_t>(i))))
+    if (mCount == INDEXED_COUNT ||
+        (mCount >= CLUSTERED_COUNT && StandsInLongCluster(static_cast<uint32_t>(i))))
         TryIndex();
     return o;
 }
@@ -152,7 +154,8 @@ ZAV_CltObject* ZAV_Set::AddByIndex(ZAV_CltObject* o, ZAV_SetIndex& index, bool& 
     if (!place.mElement && place.mOneSided) return nullptr;
     const uint32_t hash = place.mElement ? 0 : o->Hash();
     const uint32_t slot = place.mElement ? place.mSlot : index.EmptyFrom(hash);
-    if (slot == ZAV_SetIndex::NONE || (!ProbesItself() && FindIndexOf(o) != static_cast<int>(slot))) return nullptr;
+    if (slot == ZAV_SetIndex::NONE || (!ProbesItself() && FindIndexOf(o) != static_cast<int>(slot)))
+        return nullptr;
     if (place.mElement) return place.mElement;
     added = index.Insert(o, key, slot, hash);
     if (!added) return nullptr;
@@ -308,8 +311,8 @@ void ZAV_Set::ReSize(unsigned int n) {
     SetCapacity(n);
 }
 
-// Every element moves, in slot order, to a new table for `n` elements. Nothing is touched before there is memory
-// for all of it.
+// Every element moves, in slot order, to a new table for `n` elements. Nothing is touched before there is
+// memory for all of it.
 void ZAV_Set::Rehash(unsigned int n) {
     ZAV_Set table(n);
     if (TakeByIndex(table)) return SwapTable(table);

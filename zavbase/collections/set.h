@@ -20,7 +20,7 @@ public:
 
     /// Room for `capacity` elements; the set grows by itself beyond that.
     explicit ZAV_Set(unsigned int capacity = 16);
-    ZAV_Set(const ZAV_Set& s);  ///< copies the pointers, not the elements
+    ZAV_Set(const ZAV_Set& s); ///< copies the pointers, not the elements
     ZAV_Set& operator=(const ZAV_Set& s);
     ~ZAV_Set() override;
 
@@ -30,7 +30,7 @@ public:
     /// first.
     ZAV_CltObject* Remove(const ZAV_CltObject* o) override;
     void RemoveAndDestroy(const ZAV_CltObject* o) override;
-    unsigned int OccurrencesOf(const ZAV_CltObject* o) const override;  ///< 1 or 0
+    unsigned int OccurrencesOf(const ZAV_CltObject* o) const override; ///< 1 or 0
     unsigned int Size() const override;
     /// The raw table slot, which may hold the nil object. A slot stored to by hand ends the use of the side
     /// index until the table is next re-sized.
@@ -43,10 +43,10 @@ public:
     boolean_t operator==(const ZAV_Set& s) const;
     boolean_t operator!=(const ZAV_Set& s) const { return ZAV_Bool(!(*this == s)); }
     boolean_t IsEqual(const ZAV_CltObject* o) override;
-    unsigned int Hash() const override;  ///< XOR of the elements' hashes
-    ZAV_Set operator|(const ZAV_Set& s) const;  ///< union
-    ZAV_Set operator-(const ZAV_Set& s) const;  ///< difference
-    ZAV_Set operator&(const ZAV_Set& s) const;  ///< intersection
+    unsigned int Hash() const override;        ///< XOR of the elements' hashes
+    ZAV_Set operator|(const ZAV_Set& s) const; ///< union
+    ZAV_Set operator-(const ZAV_Set& s) const; ///< difference
+    ZAV_Set operator&(const ZAV_Set& s) const; ///< intersection
 
     virtual ZAV_CltObject* ShallowCopy() const;
 
@@ -55,18 +55,18 @@ protected:
     virtual int FindIndexOf(const ZAV_CltObject* o) const;
 
 public:
-    virtual unsigned int Capacity() const;  ///< half the number of slots
+    virtual unsigned int Capacity() const; ///< half the number of slots
     /// The element equal to `o`, or the nil object.
     virtual ZAV_CltObject* FindObjectWithKey(const ZAV_CltObject* o) const;
     /// Makes room for `n` elements, which may shrink the table; does nothing unless n > Size().
     virtual void ReSize(unsigned int n);
 
 protected:
-    void SetCapacity(unsigned int n);           ///< sets the sizes for `n` elements and the count to 0
-    int HashIdx(unsigned long h) const;         ///< the slot of a hash
+    void SetCapacity(unsigned int n);   ///< sets the sizes for `n` elements and the count to 0
+    int HashIdx(unsigned long h) const; ///< the slot of a hash
 
 private:
-    int Compare(const ZAV_CltObject* o) const override;  ///< 0
+    int Compare(const ZAV_CltObject* o) const override; ///< 0
 
     friend class ZAV_Dictionary;
     friend struct ZAV_SetAccess;

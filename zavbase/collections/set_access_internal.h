@@ -6,8 +6,9 @@
 #include <zavbase/collections/set_index_internal.h>
 #include <zavbase/collections/slot_block_internal.h>
 
-/// Lookup in, and filling of, a ZAV_Set by the bytes of a key, without an object that holds them and without calls to the
-/// elements. For a set of exactly class ZAV_Set, all of whose elements are of one registered class.
+/// Lookup in, and filling of, a ZAV_Set by the bytes of a key, without an object that holds them and without
+/// calls to the elements. For a set of exactly class ZAV_Set, all of whose elements are of one registered
+/// class.
 struct ZAV_SetAccess {
     /// The side index, or null while the set has none.
     static const ZAV_SetIndex* Index(const ZAV_Set& set) {

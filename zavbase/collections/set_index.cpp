@@ -44,11 +44,11 @@ bool HasKey(const ZAV_CltObject* stored, const zav_strong::KeyView& sought) {
            std::memcmp(v.mBytes, sought.mBytes, v.mLength) == 0;
 }
 
-}  // namespace
+} // namespace
 
 ZAV_SetIndex::ZAV_SetIndex(uint32_t nbits)
-    : mNbits(nbits), mMask((1u << nbits) - 1), mCount(0), mHashes(nullptr), mOccupied(nullptr), mFull(nullptr),
-      mEntryBits(0), mEntryMask(0), mEntries(nullptr) {}
+    : mNbits(nbits), mMask((1u << nbits) - 1), mCount(0), mHashes(nullptr), mOccupied(nullptr),
+      mFull(nullptr), mEntryBits(0), mEntryMask(0), mEntries(nullptr) {}
 
 ZAV_SetIndex::~ZAV_SetIndex() {
     std::free(mOccupied);

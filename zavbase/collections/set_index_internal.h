@@ -7,18 +7,20 @@
 
 /// The side index of a hashed table: finds an element, or the slot where a new one goes, without probing.
 ///
-/// The table itself stays what probing would have made it: same slots, same order. But probing asks the elements
-/// one after the other, and hashes that collide by the thousand (decimal numbers do) make that slow. The index
-/// keeps
-///   - a hash table from a strong hash of each element's key to the element and its slot, with a copy of a short
+/// The table itself stays what probing would have made it: same slots, same order. But probing asks the
+/// elements one after the other, and hashes that collide by the thousand (decimal numbers do) make that slow.
+/// The index keeps
+///   - a hash table from a strong hash of each element's key to the element and its slot, with a copy of a
+///   short
 ///     key beside it: most keys are found without looking at any element,
 ///   - a bit for each occupied slot, and one for each 64 of them that are all occupied: the free slot below a
 ///     home slot is found by words, and iteration skips what is empty,
-///   - for each occupied slot the strong hash and the element's own hash: a larger table is filled, and a gap is
-///     closed after a removal, without touching the elements. Closing a gap still moves as many elements as the
-///     table's rule moves, which may be the rest of the cluster.
-/// It serves elements of the classes that zav_strong::View sees through, and is given up for a table that gets
-/// another one. Its memory is optional: where there is none, the table does without.
+///   - for each occupied slot the strong hash and the element's own hash: a larger table is filled, and a gap
+///   is
+///     closed after a removal, without touching the elements. Closing a gap still moves as many elements as
+///     the table's rule moves, which may be the rest of the cluster.
+/// It serves elements of the classes that zav_strong::View sees through, and is given up for a table that
+/// gets another one. Its memory is optional: where there is none, the table does without.
 class ZAV_SetIndex {
 public:
     static const uint32_t NONE = 0xFFFFFFFFu;
@@ -44,9 +46,9 @@ public:
     };
 
     struct Place {
-        ZAV_CltObject* mElement;  ///< the equal element, or null
-        uint32_t mSlot;           ///< its slot
-        bool mOneSided;           ///< there is an element with the same key that does not call itself equal
+        ZAV_CltObject* mElement; ///< the equal element, or null
+        uint32_t mSlot;          ///< its slot
+        bool mOneSided;          ///< there is an element with the same key that does not call itself equal
     };
 
     /// An empty index for 2^nbits slots, at least 64; null without memory.
@@ -67,13 +69,13 @@ public:
     bool Insert(ZAV_CltObject* o, const Sought& key, uint32_t slot, uint32_t hash);
     /// Empties a slot and closes the gap, in `slots` too, as backward shifting does.
     void Remove(ZAV_CltObject** slots, uint32_t slot);
-    /// Moves every element of the table that `from` indexes to this, empty, one, slot by slot. `from` is of no use
-    /// afterwards.
+    /// Moves every element of the table that `from` indexes to this, empty, one, slot by slot. `from` is of
+    /// no use afterwards.
     void TakeAll(ZAV_CltObject** slots, ZAV_SetIndex& from, ZAV_CltObject* const* fromSlots);
 
 private:
     struct Entry {
-        ZAV_CltObject* mElement;  ///< null when free
+        ZAV_CltObject* mElement; ///< null when free
         uint32_t mStrong;
         uint32_t mSlot;
         zav_strong::Brief mBrief;
@@ -98,14 +100,15 @@ private:
     void Vacate(uint32_t slot);
     bool IsOccupied(uint32_t slot) const { return mOccupied[slot / 64] >> slot % 64 & 1; }
 
-    uint32_t mNbits;  // of the slots
+    uint32_t mNbits; // of the slots
     uint32_t mMask;
     uint32_t mCount;
-    Hashes* mHashes;      // by slot; nothing for empty ones
-    uint64_t* mOccupied;  // a bit for each slot
-    uint64_t* mFull;      // a bit for each word of mOccupied
+    Hashes* mHashes;     // by slot; nothing for empty ones
+    uint64_t* mOccupied; // a bit for each slot
+    uint64_t* mFull;     // a bit for each word of mOccupied
 
-    // Sized by the number of elements, not of slots. A home is the top bits of the strong hash, probing goes up.
+    // Sized by the number of elements, not of slots. A home is the top bits of the strong hash, probing goes
+    // up.
     uint32_t mEntryBits;
     uint32_t mEntryMask;
     Entry* mEntries;

@@ -6,8 +6,8 @@
 namespace zav_slots {
 namespace {
 
-// realloc is what makes growing cheap: a large block is moved by its pages, not byte by byte. operator new has
-// nothing like it, so its rules for running out of memory are kept here by hand.
+// realloc is what makes growing cheap: a large block is moved by its pages, not byte by byte. operator new
+// has nothing like it, so its rules for running out of memory are kept here by hand.
 Header* Resize(Header* old, uint32_t room) {
     const size_t most = (SIZE_MAX / 2 - sizeof(Header)) / sizeof(ZAV_CltObject*);
     for (;;) {
@@ -21,7 +21,7 @@ Header* Resize(Header* old, uint32_t room) {
 
 ZAV_CltObject** SlotsOf(Header* h) { return reinterpret_cast<ZAV_CltObject**>(h + 1); }
 
-}  // namespace
+} // namespace
 
 ZAV_CltObject** Allocate(uint32_t n, uint32_t room) {
     Header* h = Resize(nullptr, room);
@@ -38,4 +38,4 @@ ZAV_CltObject** Reallocate(ZAV_CltObject** slots, uint32_t room) {
 
 void Free(ZAV_CltObject** slots) { std::free(&HeaderOf(slots)); }
 
-}  // namespace zav_slots
+} // namespace zav_slots

@@ -13,9 +13,9 @@ class ZAV_SetIndex;
 namespace zav_slots {
 
 struct Header {
-    uint32_t mRoom;        ///< slots allocated, at least the array's length
-    uint32_t mNoIndex;     ///< not 0 while a hashed table is to do without a side index
-    ZAV_SetIndex* mIndex;  ///< of a hashed table, or null; belongs to the set
+    uint32_t mRoom;       ///< slots allocated, at least the array's length
+    uint32_t mNoIndex;    ///< not 0 while a hashed table is to do without a side index
+    ZAV_SetIndex* mIndex; ///< of a hashed table, or null; belongs to the set
 };
 
 inline Header& HeaderOf(ZAV_CltObject** slots) { return *(reinterpret_cast<Header*>(slots) - 1); }
@@ -33,6 +33,6 @@ inline void FillNil(ZAV_CltObject** first, ZAV_CltObject** last) { std::fill(fir
 /// a Compare throws, the order is as before.
 void Sort(ZAV_CltObject** slots, uint32_t n);
 
-}  // namespace zav_slots
+} // namespace zav_slots
 
 #endif

@@ -6,10 +6,10 @@
 #include <zavbase/collections/slot_block_internal.h>
 #include <zavbase/collections/strong_hash_internal.h>
 
-// Sorting by Compare costs a virtual call and two cache misses a comparison. For elements of the library's own
-// classes the keys are taken out once and sorted beside the pointers; the result is one that Compare would have
-// given. Everything else goes through a merge sort, which asks Compare about the least number of times and, whatever
-// it answers, only ever permutes the elements.
+// Sorting by Compare costs a virtual call and two cache misses a comparison. For elements of the library's
+// own classes the keys are taken out once and sorted beside the pointers; the result is one that Compare
+// would have given. Everything else goes through a merge sort, which asks Compare about the least number of
+// times and, whatever it answers, only ever permutes the elements.
 namespace zav_slots {
 namespace {
 
@@ -20,7 +20,8 @@ int CompareElements(Element a, Element b) { return ZAV_OrNil(a)->Compare(ZAV_OrN
 // Merges the sorted halves [first, middle) and [middle, last) into `to`.
 void Merge(const Element* first, const Element* middle, const Element* last, Element* to) {
     const Element* other = middle;
-    while (first != middle && other != last) *to++ = CompareElements(*first, *other) <= 0 ? *first++ : *other++;
+    while (first != middle && other != last)
+        *to++ = CompareElements(*first, *other) <= 0 ? *first++ : *other++;
     to = std::copy(first, middle, to);
     std::copy(other, last, to);
 }
@@ -46,8 +47,8 @@ struct Numbered {
     Element mElement;
 };
 
-// One pass of a radix sort over 11 bits of the key. Returns whether it moved the elements to `to`: not when they
-// all have the same digit.
+// One pass of a radix sort over 11 bits of the key. Returns whether it moved the elements to `to`: not when
+// they all have the same digit.
 bool SortByDigit(const std::vector<Numbered>& from, std::vector<Numbered>& to, int shift) {
     const uint32_t mask = 0x7FF;
     std::vector<uint32_t> start(mask + 2);
@@ -64,8 +65,8 @@ int32_t NumberOf(const zav_strong::KeyView& v) {
     return number;
 }
 
-// Compare subtracts with wrap-around. Only where no two numbers are 2^31 or more apart is that an order; where they
-// are, what comes out depends on which pairs are asked about, and the general sort asks.
+// Compare subtracts with wrap-around. Only where no two numbers are 2^31 or more apart is that an order;
+// where they are, what comes out depends on which pairs are asked about, and the general sort asks.
 bool SortNumbers(Element* slots, uint32_t n) {
     std::vector<Numbered> keyed(n);
     int32_t low = INT32_MAX, high = INT32_MIN;
@@ -80,7 +81,8 @@ bool SortNumbers(Element* slots, uint32_t n) {
     if (static_cast<int64_t>(high) - low > INT32_MAX) return false;
     for (Numbered& e : keyed) e.mKey -= static_cast<uint32_t>(low);
     if (n < 512) {
-        std::sort(keyed.begin(), keyed.end(), [](const Numbered& a, const Numbered& b) { return a.mKey < b.mKey; });
+        std::sort(keyed.begin(), keyed.end(),
+                  [](const Numbered& a, const Numbered& b) { return a.mKey < b.mKey; });
     } else {
         std::vector<Numbered> other(n);
         for (int shift = 0; shift < 32; shift += 11)
@@ -120,8 +122,8 @@ void SortTexts(Element* slots, uint32_t n) {
     for (uint32_t i = 0; i < n; ++i) slots[i] = keyed[i].mElement;
 }
 
-// Whether all elements are compared by the same kind of key, all bare or all held: a holder and a bare key see
-// their order from opposite sides.
+// Whether all elements are compared by the same kind of key, all bare or all held: a holder and a bare key
+// see their order from opposite sides.
 bool HaveOneKind(Element* slots, uint32_t n, zav_strong::KeyView& first) {
     if (!slots[0] || !zav_strong::View(slots[0], first)) return false;
     for (uint32_t i = 1; i < n; ++i) {
@@ -132,7 +134,7 @@ bool HaveOneKind(Element* slots, uint32_t n, zav_strong::KeyView& first) {
     return true;
 }
 
-}  // namespace
+} // namespace
 
 void Sort(ZAV_CltObject** slots, uint32_t n) {
     if (n < 2) return;
@@ -144,4 +146,4 @@ void Sort(ZAV_CltObject** slots, uint32_t n) {
     SortByCompare(slots, n);
 }
 
-}  // namespace zav_slots
+} // namespace zav_slots

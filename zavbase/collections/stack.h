@@ -16,7 +16,7 @@ public:
     ZAV_CltObject* Top(int i = 0) const; ///< the element `i` places below the top, or null
     boolean_t Empty() const { return ZAV_Bool(Size() == 0); }
 
-    void PrintOn(std::ostream& os) override;  ///< from the bottom up, each followed by a line end
+    void PrintOn(std::ostream& os) override; ///< from the bottom up, each followed by a line end
 };
 
 #endif

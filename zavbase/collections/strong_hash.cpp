@@ -73,7 +73,7 @@ uint64_t Mix(uint64_t h, uint64_t word) {
     return h ^ (h >> 32);
 }
 
-}  // namespace
+} // namespace
 
 void RegisterKeyClass(const std::type_info& type, BytesOf bytes) {
     const int n = registeredCount.load(std::memory_order_relaxed);
@@ -120,4 +120,4 @@ uint32_t Hash(const KeyView& v, const Brief& brief) {
     return static_cast<uint32_t>(Mix(h, 0) >> 20);
 }
 
-}  // namespace zav_strong
+} // namespace zav_strong

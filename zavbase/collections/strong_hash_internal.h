@@ -17,27 +17,27 @@ enum Kind : uint16_t { TEXT, NUMBER, FIRST_REGISTERED };
 struct KeyView {
     const char* mBytes;
     uint32_t mLength;
-    uint16_t mKind;     ///< TEXT, NUMBER, or FIRST_REGISTERED and up for the registered classes
-    uint16_t mWrapped;  ///< 1 when the bytes are those of a ZAV_LookupKey's key
+    uint16_t mKind;    ///< TEXT, NUMBER, or FIRST_REGISTERED and up for the registered classes
+    uint16_t mWrapped; ///< 1 when the bytes are those of a ZAV_LookupKey's key
 };
 
 /// The bytes that an object of a registered class is compared by; they stay where they are until the object
 /// changes.
 typedef const char* (*BytesOf)(const ZAV_CltObject* o, uint32_t* length);
 
-/// Makes a class known whose IsEqual is true exactly for objects of the same class with equal bytes, and whose
-/// Hash() depends on these bytes only. To be called when the library is loaded, from a static initialiser;
-/// the table it fills needs none. At most 4 classes.
+/// Makes a class known whose IsEqual is true exactly for objects of the same class with equal bytes, and
+/// whose Hash() depends on these bytes only. To be called when the library is loaded, from a static
+/// initialiser; the table it fills needs none. At most 4 classes.
 void RegisterKeyClass(const std::type_info& type, BytesOf bytes);
 
 /// Fills `v` and returns true when the exact class of `o` is known.
 bool View(const ZAV_CltObject* o, KeyView& v);
 
-/// A view in 16 bytes: up to 15 bytes of the key and a tag. Of two keys of at most 15 bytes it tells whether they
-/// are equal without looking at the objects again.
+/// A view in 16 bytes: up to 15 bytes of the key and a tag. Of two keys of at most 15 bytes it tells whether
+/// they are equal without looking at the objects again.
 struct Brief {
     uint64_t mLow;
-    uint64_t mHigh;  ///< the top byte is the tag: 4 bits length, 1 bit wrapped, 3 bits kind
+    uint64_t mHigh; ///< the top byte is the tag: 4 bits length, 1 bit wrapped, 3 bits kind
 
     static const uint64_t WRAPPED = uint64_t{1} << 60;
 
@@ -52,6 +52,6 @@ Brief MakeBrief(const KeyView& v);
 /// 32 well-mixed bits of the kind and all the bytes; the same for wrapped and bare. `brief` is the view's.
 uint32_t Hash(const KeyView& v, const Brief& brief);
 
-}  // namespace zav_strong
+} // namespace zav_strong
 
 #endif

@@ -16,8 +16,8 @@ public:
     ~ZAV_AllocMemBody() override;
 
     /// Takes a block. B_FALSE for a size of 0, with nothing changed, and when memory is lacking or size and
-    /// mask together exceed 32 bits; size and mask are then 0. A block already held is not freed: its memory is
-    /// lost, or without a size if none takes its place.
+    /// mask together exceed 32 bits; size and mask are then 0. A block already held is not freed: its memory
+    /// is lost, or without a size if none takes its place.
     boolean_t Allocate(unsigned long size, unsigned long align);
     /// The same, but frees the held block first. Contents are not carried over. A size of 0 keeps the block.
     boolean_t Reallocate(unsigned long size, unsigned long align);

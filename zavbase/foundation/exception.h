@@ -10,14 +10,15 @@ class ZAV_String;
 ///
 /// In host code the handler scope below does the deleting:
 ///
-///     ZAV_TRY
+///     ZAV_TRY {
 ///         file.Open();
-///     ZAV_CATCH(ZAV_FileException, e)
-///         if (e->mCode != 1) ZAV_RETHROW;      // goes on to the scope outside, undeleted
+///     }
+///     ZAV_CATCH(ZAV_FileException, e) {
+///         if (e->mCode != 1) ZAV_RETHROW; // goes on to the scope outside, undeleted
 ///         UseDefaults();
-///     ZAV_CATCH(ZAV_Exception, e)
-///         std::cerr << e << std::endl;
-///     ZAV_CATCH_END                            // deletes what was caught
+///     }
+///     ZAV_CATCH(ZAV_Exception, e) { std::cerr << e << std::endl; }
+///     ZAV_CATCH_END // deletes what was caught
 class ZAV_API ZAV_Exception : public ZAV_Object {
     ZAV_DECLARE_CLASS(ZAV_Exception)
 public:
@@ -27,9 +28,9 @@ public:
     ZAV_Exception& operator=(const ZAV_Exception&) = default;
     ~ZAV_Exception() override;
 
-    void PrintOn(std::ostream& os) override;  ///< writes what ToString appends
+    void PrintOn(std::ostream& os) override; ///< writes what ToString appends
     void DumpOn(std::ostream& os) override;
-    virtual ZAV_String& ToString(ZAV_String& s) const;  ///< appends a description to `s` and returns it
+    virtual ZAV_String& ToString(ZAV_String& s) const; ///< appends a description to `s` and returns it
 
     /// Destroys the object if it is deletable, that is if the flag is greater than 0. A copy takes the flag
     /// along, so a copy of the static memory exception is never deleted this way.
@@ -37,7 +38,7 @@ public:
 
 protected:
     boolean_t mDeletable;
-    boolean_t mDeleted;  ///< set by Delete just before the object goes
+    boolean_t mDeleted; ///< set by Delete just before the object goes
 };
 
 /// Out of memory. The one that ZAV_ThrowMemoryException throws is static and survives Delete.
@@ -58,7 +59,7 @@ public:
 class ZAV_API ZAV_FileException : public ZAV_Exception {
     ZAV_DECLARE_CLASS(ZAV_FileException)
 public:
-    ZAV_FileException();  ///< code 0, no error number
+    ZAV_FileException(); ///< code 0, no error number
     ZAV_FileException(unsigned short code, unsigned long osError);
     ZAV_FileException(const ZAV_FileException& other);
     ZAV_FileException& operator=(const ZAV_FileException&) = default;
@@ -66,7 +67,7 @@ public:
     ZAV_String& ToString(ZAV_String& s) const override;
 
     unsigned short mCode;
-    zav_ulong32 mOsError;  ///< the system's error number; GetErrorString has its text
+    zav_ulong32 mOsError; ///< the system's error number; GetErrorString has its text
 };
 
 /// Asks the code that catches it to end the program or the task in an orderly way.
@@ -99,8 +100,8 @@ struct ZAV_API ZAV_EXCEPTION_LINK {
     ZAV_EXCEPTION_LINK(const ZAV_EXCEPTION_LINK&) = delete;
     ZAV_EXCEPTION_LINK& operator=(const ZAV_EXCEPTION_LINK&) = delete;
 
-    ZAV_EXCEPTION_LINK* mNext;   ///< the enclosing scope
-    ZAV_Exception* mException;   ///< what this scope caught, or null
+    ZAV_EXCEPTION_LINK* mNext; ///< the enclosing scope
+    ZAV_Exception* mException; ///< what this scope caught, or null
 };
 
 /// Ends the innermost scope: deletes its exception and makes the enclosing scope the innermost. There must be
@@ -116,11 +117,11 @@ ZAV_API void ZAV_ThrowLastCleanup();
         ZAV_EXCEPTION_LINK zav_link;                                                                         \
         try {
 #define ZAV_CATCH(TYPE, NAME)                                                                                \
-        }                                                                                                    \
-        catch (TYPE * NAME) {                                                                                \
-            zav_link.mException = NAME;
+    }                                                                                                        \
+    catch (TYPE * NAME) {                                                                                    \
+        zav_link.mException = NAME;
 #define ZAV_CATCH_END                                                                                        \
-        }                                                                                                    \
+    }                                                                                                        \
     }
 /// Inside ZAV_CATCH: throws the caught exception on, to the scope outside.
 #define ZAV_RETHROW                                                                                          \

@@ -6,10 +6,10 @@
 /// The run-time record of a class: one static instance a class, linked to its base's record. Records are
 /// compared by address. This is the library's own scheme; it works without compiler type information.
 struct ZAV_RuntimeClass {
-    const char* mName;                         ///< the class's own name
-    unsigned mObjectSize;                      ///< sizeof an object of the class
-    ZAV_RuntimeClass* (*mGetBaseClass)(void);  ///< the base's _GetBaseClass; null only for ZAV_Object
-    void* mReserved;                           ///< null in every record
+    const char* mName;                        ///< the class's own name
+    unsigned mObjectSize;                     ///< sizeof an object of the class
+    ZAV_RuntimeClass* (*mGetBaseClass)(void); ///< the base's _GetBaseClass; null only for ZAV_Object
+    void* mReserved;                          ///< null in every record
 };
 
 /// Stands in a class derived from ZAV_Object and declares its record `class<NAME>`:
@@ -36,7 +36,8 @@ public:                                                                         
 
 /// Defines what ZAV_DECLARE_CLASS declares; BASE is the class whose record becomes the base link.
 #define ZAV_DEFINE_CLASS(NAME, BASE)                                                                         \
-    ZAV_RECORD_INIT ZAV_RuntimeClass NAME::class##NAME = {#NAME, sizeof(NAME), &BASE::_GetBaseClass, nullptr};               \
+    ZAV_RECORD_INIT ZAV_RuntimeClass NAME::class##NAME = {#NAME, sizeof(NAME), &BASE::_GetBaseClass,         \
+                                                          nullptr};                                          \
     ZAV_RuntimeClass* NAME::_GetBaseClass(void) { return &NAME::class##NAME; }                               \
     ZAV_RuntimeClass* NAME::GetRuntimeClass(void) const { return &NAME::class##NAME; }
 

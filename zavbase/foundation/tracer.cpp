@@ -26,8 +26,8 @@ union Table {
 };
 constinit Table theTable;
 
-// A mutex is not built by the compiler everywhere; a flag is. Its wait is not used, as it misses notifications in
-// the Windows run-time library; the table is in use for moments only.
+// A mutex is not built by the compiler everywhere; a flag is. Its wait is not used, as it misses
+// notifications in the Windows run-time library; the table is in use for moments only.
 constinit std::atomic_flag theTableInUse;
 class TableLock {
 public:

@@ -26,7 +26,7 @@ constexpr char kDefaultDefs[] = "%$@#";
 class Texts : public ZAV_UValDict {
 public:
     void Share() { ++mHolders; }
-    bool Leave() { return --mHolders == 0; }  // whether nobody is left
+    bool Leave() { return --mHolders == 0; } // whether nobody is left
 
     void Prepare();
     const ZAV_UTFString* Find(const ZAV_UTFString& id) const;
@@ -52,7 +52,7 @@ void Texts::MakeUtf(ZAV_AssocUVal& entry) {
 }
 
 void Texts::Prepare() {
-    std::vector<ZAV_UValDict*> open{this};  // a file may nest deeper than the stack
+    std::vector<ZAV_UValDict*> open{this}; // a file may nest deeper than the stack
     while (!open.empty()) {
         ZAV_UValDict* dict = open.back();
         open.pop_back();
@@ -128,10 +128,8 @@ Texts* ReadLanguage(const ZAV_SystemString& base, const ZAV_String& lang) {
     name += ".";
     name += lang;
     ZAV_SystemString file(name);
-    ZAV_TRY
-        texts->ReadFile(file);
-    ZAV_CATCH(ZAV_Exception, e)
-        ZAV_BASE_TRACE(0x1, "Error reading I18n file '" << file << "'");
+    ZAV_TRY { texts->ReadFile(file); }
+    ZAV_CATCH(ZAV_Exception, e) { ZAV_BASE_TRACE(0x1, "Error reading I18n file '" << file << "'"); }
     ZAV_CATCH_END
     texts->Prepare();
     return texts.release();

@@ -16,14 +16,14 @@ uint32_t DeleteOneFile(const char* path);
 
 /// The bytes of a file, with a NUL behind them that mSize does not count.
 struct FileBytes {
-    char* mData;  ///< null after a failure
+    char* mData; ///< null after a failure
     size_t mSize;
 };
 
 enum ReadStatus { READ_DONE, READ_NOT_OPEN, READ_TOO_LARGE, READ_FAILED };
 
-/// Reads a whole file. Only an ordinary file is opened: a directory, pipe or device is READ_NOT_OPEN, at once.
-/// A file of more than `most` bytes, or more than memory holds, is READ_TOO_LARGE.
+/// Reads a whole file. Only an ordinary file is opened: a directory, pipe or device is READ_NOT_OPEN, at
+/// once. A file of more than `most` bytes, or more than memory holds, is READ_TOO_LARGE.
 ReadStatus ReadWholeFile(const char* path, size_t most, FileBytes* bytes);
 void FreeFileBytes(FileBytes* bytes);
 
@@ -34,13 +34,13 @@ bool FileExists(const char* path);
 enum FileLinks { THROUGH_LINKS, NOT_THROUGH_LINKS };
 
 /// New contents of a file, which appear all at once: they are written to a temporary beside it, which Commit
-/// flushes and renames over it. A reader sees the old file or the new one; whatever fails leaves the old one and
-/// no temporary. The file keeps its permissions, and a link keeps pointing to it. A name that is a device or a
-/// pipe is written to directly.
+/// flushes and renames over it. A reader sees the old file or the new one; whatever fails leaves the old one
+/// and no temporary. The file keeps its permissions, and a link keeps pointing to it. A name that is a device
+/// or a pipe is written to directly.
 class FileReplacement {
 public:
     FileReplacement();
-    ~FileReplacement();  ///< gives up what was not committed
+    ~FileReplacement(); ///< gives up what was not committed
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;
 
@@ -56,9 +56,9 @@ private:
     uint32_t Finish(bool mustBeNew);
     void Discard();
 
-    char* mTarget;       // the file behind all links
-    char* mTemporary;    // null when the target is written directly
-    intptr_t mHandle;    // -1 when closed
+    char* mTarget;    // the file behind all links
+    char* mTemporary; // null when the target is written directly
+    intptr_t mHandle; // -1 when closed
 };
 
 } // namespace zav_os

@@ -10,7 +10,7 @@ namespace zav_os {
 class FileLock {
 public:
     FileLock();
-    ~FileLock();  ///< drops the lock; the file stays
+    ~FileLock(); ///< drops the lock; the file stays
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
@@ -19,7 +19,7 @@ public:
     uint32_t Take(const char* path);
 
 private:
-    intptr_t mHandle;  // -1 when closed
+    intptr_t mHandle; // -1 when closed
 };
 
 } // namespace zav_os

@@ -72,8 +72,8 @@ ZAV_Point operator-(const ZAV_Point& a, const ZAV_Point& b) {
 ZAV_Rect::ZAV_Rect() {}
 
 ZAV_Rect::ZAV_Rect(int x, int y, int dy, int dx)
-    : mOrigin(Low16(Bits(x)), Low16(Bits(y))),
-      mCorner(Low16(Bits(x) + Bits(dx)), Low16(Bits(y) + Bits(dy))) {}
+    : mOrigin(Low16(Bits(x)), Low16(Bits(y))), mCorner(Low16(Bits(x) + Bits(dx)), Low16(Bits(y) + Bits(dy))) {
+}
 
 ZAV_Rect::ZAV_Rect(const ZAV_Point& origin, const ZAV_Point& corner) : mOrigin(origin), mCorner(corner) {}
 

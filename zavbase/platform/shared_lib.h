@@ -26,8 +26,8 @@ public:
     ZAV_SharedLib();
     /// Stores both and computes the full path; loads nothing.
     ZAV_SharedLib(const ZAV_SystemString& name, const ZAV_SystemString& directory);
-    /// Copies share the module: each holds it, and it goes when the last of them releases it. Should the system
-    /// refuse another hold, the copy is not loaded. Assigning releases what the target held.
+    /// Copies share the module: each holds it, and it goes when the last of them releases it. Should the
+    /// system refuse another hold, the copy is not loaded. Assigning releases what the target held.
     ZAV_SharedLib(const ZAV_SharedLib& other);
     ZAV_SharedLib& operator=(const ZAV_SharedLib& other);
     ~ZAV_SharedLib() override;

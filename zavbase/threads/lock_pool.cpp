@@ -193,10 +193,10 @@ void ZAV_ResourceLockPool::ClearInvalidLocks() {
         next = mLocks.GetNextAssoc(lock);
         ZAV_UValDict* entry = DictOf(lock);
         if (!entry) continue;
-        ZAV_TRY
+        ZAV_TRY {
             if (!IsOwnerAlive(*entry)) RemoveTop(lock);
-        ZAV_CATCH(ZAV_Exception, unreadable)
-            (void)unreadable;
+        }
+        ZAV_CATCH(ZAV_Exception, unreadable) { (void)unreadable; }
         ZAV_CATCH_END
     }
     Close();
@@ -204,11 +204,16 @@ void ZAV_ResourceLockPool::ClearInvalidLocks() {
 
 const char* ZAV_ResourceLockPool::RetVal2String(RetVal value) {
     switch (value) {
-    case HAVE_LOCK: return "HAVE_LOCK";
-    case ALREADY_HAD_LOCK: return "ALREADY_HAD_LOCK";
-    case OTHER_HAS_LOCK: return "OTHER_HAS_LOCK";
-    case NOBODY_HAS_LOCK: return "NOBODY_HAS_LOCK";
-    case UNLOCKED: return "UNLOCKED";
+    case HAVE_LOCK:
+        return "HAVE_LOCK";
+    case ALREADY_HAD_LOCK:
+        return "ALREADY_HAD_LOCK";
+    case OTHER_HAS_LOCK:
+        return "OTHER_HAS_LOCK";
+    case NOBODY_HAS_LOCK:
+        return "NOBODY_HAS_LOCK";
+    case UNLOCKED:
+        return "UNLOCKED";
     }
     return "<ILLEGAL VALUE>";
 }
@@ -216,7 +221,9 @@ const char* ZAV_ResourceLockPool::RetVal2String(RetVal value) {
 void ZAV_ResourceLockPool::SetGuard(boolean_t on) { theGuardIsOn = on != B_FALSE; }
 boolean_t ZAV_ResourceLockPool::HasGuard() { return ZAV_Bool(theGuardIsOn); }
 
-boolean_t ZAV_ResourceLockPool::IsOwnerAlive(ZAV_UValDict& entry) { return ZAV_Bool(Owner::Of(entry).IsAlive()); }
+boolean_t ZAV_ResourceLockPool::IsOwnerAlive(ZAV_UValDict& entry) {
+    return ZAV_Bool(Owner::Of(entry).IsAlive());
+}
 
 void ZAV_ResourceLockPool::Open() {
     Cleanup();

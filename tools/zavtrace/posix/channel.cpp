@@ -52,7 +52,8 @@ bool IsLeftOver(const sockaddr_un& address) {
 
 std::string OpenSocket(sockaddr_un& address, int& socketFile) {
     address.sun_family = AF_UNIX;
-    if (!FindChannel(address.sun_path, sizeof address.sun_path)) return "there is no private folder for the channel";
+    if (!FindChannel(address.sun_path, sizeof address.sun_path))
+        return "there is no private folder for the channel";
     socketFile = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     const int on = 1;
     if (socketFile < 0 || setsockopt(socketFile, SOL_SOCKET, SO_PASSCRED, &on, sizeof on) != 0)
@@ -63,7 +64,8 @@ std::string OpenSocket(sockaddr_un& address, int& socketFile) {
     if (errno != EADDRINUSE) return Reason("cannot listen at", address.sun_path);
     if (!IsLeftOver(address)) return std::string("another viewer listens at ") + address.sun_path;
     unlink(address.sun_path);
-    return bind(socketFile, where, sizeof address) == 0 ? std::string() : Reason("cannot listen at", address.sun_path);
+    return bind(socketFile, where, sizeof address) == 0 ? std::string()
+                                                        : Reason("cannot listen at", address.sun_path);
 }
 
 bool ReceiveOne(int socketFile, Receiver& receiver) {
@@ -79,8 +81,10 @@ bool ReceiveOne(int socketFile, Receiver& receiver) {
     if (length < 0) return true;
     ucred sender = {};
     const cmsghdr* header = CMSG_FIRSTHDR(&message);
-    if (header && header->cmsg_type == SCM_CREDENTIALS) std::memcpy(&sender, CMSG_DATA(header), sizeof sender);
-    return receiver.Take(static_cast<unsigned long>(sender.pid), std::string(text, static_cast<size_t>(length)));
+    if (header && header->cmsg_type == SCM_CREDENTIALS)
+        std::memcpy(&sender, CMSG_DATA(header), sizeof sender);
+    return receiver.Take(static_cast<unsigned long>(sender.pid),
+                         std::string(text, static_cast<size_t>(length)));
 }
 
 } // namespace

@@ -78,7 +78,8 @@ void* FindSymbol(void* module, const char* name, uint32_t& error) {
     // dlsym also finds what the libraries export that the module needs.
     link_map* owner = nullptr;
     Dl_info info;
-    if (symbol && dladdr1(symbol, &info, reinterpret_cast<void**>(&owner), RTLD_DL_LINKMAP) && owner != module)
+    if (symbol && dladdr1(symbol, &info, reinterpret_cast<void**>(&owner), RTLD_DL_LINKMAP) &&
+        owner != module)
         symbol = nullptr;
     if (!symbol) error = noEntry;
     return symbol;

@@ -12,7 +12,8 @@ namespace zav_os {
 namespace {
 
 /// Reads the start of a /proc file, which has no size to ask for; the text is ended. Empty on failure.
-template <size_t size> void ReadText(const char* path, char (&text)[size]) {
+template <size_t size>
+void ReadText(const char* path, char (&text)[size]) {
     text[0] = 0;
     const int file = open(path, O_RDONLY | O_CLOEXEC);
     if (file < 0) return;
@@ -29,7 +30,8 @@ uint32_t BootNumber() {
         char text[64];
         ReadText("/proc/sys/kernel/random/boot_id", text);
         uint32_t hash = 2166136261u;
-        for (const char* p = text; *p && *p != '\n'; ++p) hash = (hash ^ static_cast<unsigned char>(*p)) * 16777619u;
+        for (const char* p = text; *p && *p != '\n'; ++p)
+            hash = (hash ^ static_cast<unsigned char>(*p)) * 16777619u;
         return hash;
     }();
     return number;

@@ -48,7 +48,8 @@ char* Concat(const char* a, const char* b) {
 }
 
 HANDLE CreateForWriting(const char* path, DWORD disposition) {
-    return CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, disposition, FILE_ATTRIBUTE_NORMAL,
+                       nullptr);
 }
 
 HANDLE CreateBeside(const char* target, char** name) {
@@ -69,8 +70,8 @@ HANDLE CreateBeside(const char* target, char** name) {
 // Whether the file that stands there may be written; a file that does not exist may. Opening and closing it
 // changes nothing.
 uint32_t CheckWritable(const char* path, bool* isDevice) {
-    HANDLE file = CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE file = CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                              nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_FILE_NOT_FOUND ? 0 : Failure();
     *isDevice = !IsOrdinary(file);
     CloseHandle(file);
@@ -93,8 +94,8 @@ uint32_t DeleteOneFile(const char* path) { return Result(DeleteFileA(path)); }
 
 ReadStatus ReadWholeFile(const char* path, size_t most, FileBytes* bytes) {
     *bytes = {nullptr, 0};
-    HANDLE file = CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE file = CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                              nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return READ_NOT_OPEN;
     LARGE_INTEGER size;
     ReadStatus status = READ_NOT_OPEN;

@@ -16,7 +16,8 @@ static_assert(sizeof(PROCESSENTRY32) == 296, "the size that the snapshot functio
 typedef HANDLE(WINAPI* SnapshotFn)(DWORD flags, DWORD process);
 typedef BOOL(WINAPI* EntryFn)(HANDLE snapshot, PROCESSENTRY32* entry);
 
-template <class Fn> Fn KernelFunction(const char* name) {
+template <class Fn>
+Fn KernelFunction(const char* name) {
     const HMODULE kernel = GetModuleHandleA("KERNEL32.DLL");
     return kernel ? reinterpret_cast<Fn>(reinterpret_cast<void*>(GetProcAddress(kernel, name))) : nullptr;
 }
