@@ -1,5 +1,6 @@
-// The text and binary forms beside the peers' forms of the same data: 1.4 million small values in nested
-// sections, for text about 50 MB in all.
+// The text and binary forms beside the peers' forms of the same data. SMALL is 1.4 million small values in
+// nested sections, 45 MB as text; TABLES is what makes real value files large: the same sections with fewer
+// small values and a table of numbers in each, 50 MB as text.
 
 #include <benchmark/benchmark.h>
 
@@ -28,21 +29,24 @@
 
 namespace {
 
-constexpr int SECTIONS = 2000, GROUPS = 10;
+enum Kind { SMALL, TABLES };
+constexpr int SECTIONS = 2000, GROUPS = 10, TABLE_SIZE = 120;
 
-// The names of a group's 70 values, as an instrument has them.
-std::vector<std::string> Names() {
+// The names of a group's values, as an instrument has them: 70, or 35 beside a table.
+std::vector<std::string> Names(Kind kind) {
     std::vector<std::string> names;
-    for (const char* part : {"shutter", "slit", "grating", "lamp", "detector", "stage_x", "stage_y", "pump", "valve", "cell"})
+    for (const char* part :
+         {"shutter", "slit", "grating", "lamp", "detector", "stage_x", "stage_y", "pump", "valve", "cell"})
         for (const char* what : {"speed", "position", "limit", "delay_ms", "gain", "name", "comment"})
             names.push_back(std::string(part) + "_" + what);
+    if (kind == TABLES) names.resize(35);
     return names;
 }
 
-// Calls `put` for every value of the data, as section, group, key, and either a number, a real or a text.
-template <class Open, class Close, class Number, class Real, class Text>
-void Generate(Open open, Close close, Number number, Real real, Text text) {
-    const std::vector<std::string> names = Names();
+// Calls one of these for every section, value and table of the data.
+template <class Open, class Close, class Number, class Real, class Text, class Table>
+void Generate(Kind kind, Open open, Close close, Number number, Real real, Text text, Table table) {
+    const std::vector<std::string> names = Names(kind);
     unsigned state = 1;
     for (int s = 0; s < SECTIONS; ++s) {
         open("section" + std::to_string(s));
@@ -51,9 +55,18 @@ void Generate(Open open, Close close, Number number, Real real, Text text) {
             for (size_t v = 0; v < names.size(); ++v) {
                 state = state * 1664525 + 1013904223;
                 const std::string& key = names[v];
-                if (v % 7 < 4) number(key, static_cast<int>(state >> 4) % 2000000 - 1000000);
-                else if (v % 7 < 5) real(key, static_cast<double>(state % 1000000) / 64.0);
-                else text(key, "a text of some words " + std::to_string(state % 1000));
+                if (v % 7 < 4)
+                    number(key, static_cast<int>(state >> 4) % 2000000 - 1000000);
+                else if (v % 7 < 5)
+                    real(key, static_cast<double>(state % 1000000) / 64.0);
+                else
+                    text(key, "a text of some words " + std::to_string(state % 1000));
+            }
+            if (kind == TABLES) {
+                std::vector<double> numbers;
+                for (int i = 0; i < TABLE_SIZE; ++i)
+                    numbers.push_back((i * i + static_cast<int>(state % 5000)) / 128.0);
+                table("response", numbers);
             }
             close();
         }
@@ -61,34 +74,42 @@ void Generate(Open open, Close close, Number number, Real real, Text text) {
     }
 }
 
-ZAV_UValDict& ZavData() {
-    static ZAV_UValDict* data = [] {
-        ZAV_UValDict* top = new ZAV_UValDict(16);
-        std::vector<ZAV_UValDict*> open(1, top);
-        auto add = [&](const std::string& key, ZAV_UValType type) {
-            return open.back()->SetEntry(key.c_str(), ZAV_NewUVal(type));
-        };
-        Generate(
-            [&](const std::string& key) {
-                ZAV_UValDict* dict = new ZAV_UValDict(16);
-                open.back()->SetEntry(key.c_str(), dict);
-                open.push_back(dict);
-            },
-            [&] { open.pop_back(); }, [&](const std::string& key, int n) { add(key, UVAL_LONG)->SetLongValue(n, 0); },
-            [&](const std::string& key, double d) { add(key, UVAL_DOUBLE)->SetDoubleValue(d, 0); },
-            [&](const std::string& key, const std::string& t) { add(key, UVAL_STRING)->SetStrValue(ZAV_String(t.c_str()), 0); });
-        return top;
-    }();
-    return *data;
+ZAV_UValDict* MakeZavData(Kind kind) {
+    ZAV_UValDict* top = new ZAV_UValDict(16);
+    std::vector<ZAV_UValDict*> open(1, top);
+    auto add = [&](const std::string& key, ZAV_UValType type) {
+        return open.back()->SetEntry(key.c_str(), ZAV_NewUVal(type));
+    };
+    Generate(
+        kind,
+        [&](const std::string& key) {
+            ZAV_UValDict* dict = new ZAV_UValDict(16);
+            open.back()->SetEntry(key.c_str(), dict);
+            open.push_back(dict);
+        },
+        [&] { open.pop_back(); },
+        [&](const std::string& key, int n) { add(key, UVAL_LONG)->SetLongValue(n, 0); },
+        [&](const std::string& key, double d) { add(key, UVAL_DOUBLE)->SetDoubleValue(d, 0); },
+        [&](const std::string& key, const std::string& t) {
+            add(key, UVAL_STRING)->SetStrValue(ZAV_String(t.c_str()), 0);
+        },
+        [&](const std::string& key, const std::vector<double>& t) {
+            ZAV_UVal* table =
+                open.back()->SetEntry(key.c_str(), ZAV_NewUVal(UVAL_DOUBLE, static_cast<long>(t.size())));
+            for (size_t i = 0; i < t.size(); ++i) table->SetDoubleValue(t[i], static_cast<long>(i));
+        });
+    return top;
 }
 
-const std::string& ZavText() {
-    static const std::string text = [] {
-        std::ostringstream os;
-        ZAV_WriteUValTxt(os, &ZavData(), 0);
-        return os.str();
-    }();
-    return text;
+ZAV_UValDict& ZavData(Kind kind) {
+    static ZAV_UValDict* data[] = {MakeZavData(SMALL), MakeZavData(TABLES)};
+    return *data[kind];
+}
+
+std::string ZavText(Kind kind) {
+    std::ostringstream os;
+    ZAV_WriteUValTxt(os, &ZavData(kind), 0);
+    return os.str();
 }
 
 // Each reader is measured on its own text of the same data; the rates are per byte of that text.
@@ -97,9 +118,11 @@ void Rate(benchmark::State& state, size_t bytes) {
 }
 
 void ZavReadText(benchmark::State& state) {
-    const std::string& text = ZavText();
+    const std::string text = ZavText(static_cast<Kind>(state.range(0)));
+    std::istringstream is(text);
     for (auto _ : state) {
-        std::istringstream is(text);
+        is.clear();
+        is.seekg(0);
         ZAV_UVal* value = nullptr;
         ZAV_ReadUValTxt(is, value);
         state.PauseTiming();
@@ -110,13 +133,14 @@ void ZavReadText(benchmark::State& state) {
 }
 
 void ZavWriteText(benchmark::State& state) {
-    ZAV_UValDict& data = ZavData();
+    ZAV_UValDict& data = ZavData(static_cast<Kind>(state.range(0)));
+    size_t size = 0;
     for (auto _ : state) {
         std::ostringstream os;
         ZAV_WriteUValTxt(os, &data, 0);
-        benchmark::DoNotOptimize(os);
+        size = static_cast<size_t>(os.tellp());
     }
-    Rate(state, ZavText().size());
+    Rate(state, size);
 }
 
 // Both sides put into memory that is there already.
@@ -126,7 +150,7 @@ std::vector<unsigned char>& Room() {
 }
 
 std::string Packed() {
-    ZAV_BinPackUValDict packer(ZavData());
+    ZAV_BinPackUValDict packer(ZavData(SMALL));
     unsigned char* cursor = Room().data();
     if (packer.Put(&cursor, cursor + Room().size())) return "";
     return std::string(Room().data(), cursor);
@@ -135,7 +159,7 @@ std::string Packed() {
 void ZavWriteBinary(benchmark::State& state) {
     const size_t size = Packed().size();
     for (auto _ : state) {
-        ZAV_BinPackUValDict packer(ZavData());
+        ZAV_BinPackUValDict packer(ZavData(SMALL));
         unsigned char* cursor = Room().data();
         if (packer.Put(&cursor, cursor + Room().size())) state.SkipWithError("no room");
     }
@@ -156,27 +180,47 @@ void ZavReadBinary(benchmark::State& state) {
     Rate(state, bytes.size());
 }
 
-BENCHMARK(ZavReadText)->Name("ReadText/zav/50MB")->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(ZavWriteText)->Name("WriteText/zav/50MB")->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(ZavWriteBinary)->Name("WriteBinary/zav/1400000_values")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(ZavReadText)
+    ->Name("ReadText/zav/50MB")
+    ->ArgName("tables")
+    ->Arg(SMALL)
+    ->Arg(TABLES)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(ZavWriteText)
+    ->Name("WriteText/zav/50MB")
+    ->ArgName("tables")
+    ->Arg(SMALL)
+    ->Arg(TABLES)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(ZavWriteBinary)
+    ->Name("WriteBinary/zav/1400000_values")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 BENCHMARK(ZavReadBinary)->Name("ReadBinary/zav/1400000_values")->Unit(benchmark::kMillisecond)->Iterations(1);
 
 #if defined(HAVE_NLOHMANN)
-nlohmann::json& JsonData() {
-    static nlohmann::json* data = [] {
-        nlohmann::json* top = new nlohmann::json(nlohmann::json::object());
-        std::vector<nlohmann::json*> open(1, top);
-        Generate([&](const std::string& key) { open.push_back(&((*open.back())[key] = nlohmann::json::object())); },
-                 [&] { open.pop_back(); }, [&](const std::string& key, int n) { (*open.back())[key] = n; },
-                 [&](const std::string& key, double d) { (*open.back())[key] = d; },
-                 [&](const std::string& key, const std::string& t) { (*open.back())[key] = t; });
-        return top;
-    }();
-    return *data;
+nlohmann::json* MakeJsonData(Kind kind) {
+    nlohmann::json* top = new nlohmann::json(nlohmann::json::object());
+    std::vector<nlohmann::json*> open(1, top);
+    Generate(
+        kind,
+        [&](const std::string& key) { open.push_back(&((*open.back())[key] = nlohmann::json::object())); },
+        [&] { open.pop_back(); }, [&](const std::string& key, int n) { (*open.back())[key] = n; },
+        [&](const std::string& key, double d) { (*open.back())[key] = d; },
+        [&](const std::string& key, const std::string& t) { (*open.back())[key] = t; },
+        [&](const std::string& key, const std::vector<double>& t) { (*open.back())[key] = t; });
+    return top;
+}
+
+nlohmann::json& JsonData(Kind kind) {
+    static nlohmann::json* data[] = {MakeJsonData(SMALL), MakeJsonData(TABLES)};
+    return *data[kind];
 }
 
 void JsonReadText(benchmark::State& state) {
-    const std::string text = JsonData().dump();
+    const std::string text = JsonData(static_cast<Kind>(state.range(0))).dump();
     for (auto _ : state) {
         auto json = std::make_unique<nlohmann::json>(nlohmann::json::parse(text));
         state.PauseTiming();
@@ -187,7 +231,7 @@ void JsonReadText(benchmark::State& state) {
 }
 
 void JsonWriteText(benchmark::State& state) {
-    nlohmann::json& data = JsonData();
+    nlohmann::json& data = JsonData(static_cast<Kind>(state.range(0)));
     size_t size = 0;
     for (auto _ : state) {
         std::ostringstream os;
@@ -197,12 +241,24 @@ void JsonWriteText(benchmark::State& state) {
     Rate(state, size);
 }
 
-BENCHMARK(JsonReadText)->Name("ReadText/nlohmann/50MB")->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(JsonWriteText)->Name("WriteText/nlohmann/50MB")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(JsonReadText)
+    ->Name("ReadText/nlohmann/50MB")
+    ->ArgName("tables")
+    ->Arg(SMALL)
+    ->Arg(TABLES)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(JsonWriteText)
+    ->Name("WriteText/nlohmann/50MB")
+    ->ArgName("tables")
+    ->Arg(SMALL)
+    ->Arg(TABLES)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
 #if defined(HAVE_BOOST)
 void PropertyTreeReadText(benchmark::State& state) {
-    const std::string text = JsonData().dump();
+    const std::string text = JsonData(static_cast<Kind>(state.range(0))).dump();
     for (auto _ : state) {
         std::istringstream is(text);
         auto tree = std::make_unique<boost::property_tree::ptree>();
@@ -214,7 +270,13 @@ void PropertyTreeReadText(benchmark::State& state) {
     Rate(state, text.size());
 }
 
-BENCHMARK(PropertyTreeReadText)->Name("ReadText/boost/50MB")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(PropertyTreeReadText)
+    ->Name("ReadText/boost/50MB")
+    ->ArgName("tables")
+    ->Arg(SMALL)
+    ->Arg(TABLES)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 #endif
 #endif
 
@@ -224,6 +286,7 @@ QVariantMap& QtData() {
         std::vector<QVariantMap> open(1);
         std::vector<QString> keys;
         Generate(
+            SMALL,
             [&](const std::string& key) {
                 keys.push_back(QString::fromStdString(key));
                 open.emplace_back();
@@ -238,7 +301,8 @@ QVariantMap& QtData() {
             [&](const std::string& key, double d) { open.back().insert(QString::fromStdString(key), d); },
             [&](const std::string& key, const std::string& t) {
                 open.back().insert(QString::fromStdString(key), QString::fromStdString(t));
-            });
+            },
+            [](const std::string&, const std::vector<double>&) {});
         return new QVariantMap(open.back());
     }();
     return *data;

@@ -88,14 +88,17 @@ class ZAV_API ZAV_BinPackUValDict {
 public:
     /// Binds `dict`, which must live and, while it is put, stay unchanged until the packer is done. The packer
     /// does one thing: all its calls are Put, or all are Get.
-    explicit ZAV_BinPackUValDict(ZAV_UValDict& dict);
+    ///
+    /// What does not fit is refused before Put has written a byte. A caller who can take back what was put saves
+    /// that look over the tree with `checkFirst` B_FALSE: any Put may then throw.
+    explicit ZAV_BinPackUValDict(ZAV_UValDict& dict, boolean_t checkFirst = B_TRUE);
     ~ZAV_BinPackUValDict();
     ZAV_BinPackUValDict(const ZAV_BinPackUValDict&) = delete;
     ZAV_BinPackUValDict& operator=(const ZAV_BinPackUValDict&) = delete;
 
-    /// The first call checks the tree and throws ZAV_BinPackException*, before it writes a byte, when a
-    /// dictionary has more than 65535 entries, a text more than 65534 bytes, a value no binary form, or all
-    /// pointer arrays together more than ZAV_BINPACK_MAX_POINTERS elements.
+    /// Throws ZAV_BinPackException*, with the cursor where it was, when a dictionary has more than 65535 entries,
+    /// a text more than 65534 bytes, a value no binary form, or all pointer arrays together more than
+    /// ZAV_BINPACK_MAX_POINTERS elements.
     int Put(unsigned char** cursor, const unsigned char* limit);
 
     /// Adds what it reads to the dictionary, keys as they stand (no paths). Throws ZAV_BinPackException* for
@@ -108,6 +111,7 @@ private:
     class Writer;
     class Reader;
     ZAV_UValDict& mDict;
+    boolean_t mCheckFirst;
     Writer* mWriter;
     Reader* mReader;
 };

@@ -29,16 +29,18 @@ int KindOf(ZAV_UValType number);
 /// in the caller's buffer when it has room); elements are copied from where they are.
 class ZAV_LOCAL ZAV_BinPackUValDict::Writer {
 public:
-    /// Checks the tree; throws ZAV_BinPackException*.
-    explicit Writer(ZAV_UValDict& dict);
+    Writer(ZAV_UValDict& dict, bool checkFirst);
     int Put(unsigned char** cursor, const unsigned char* limit);
 
 private:
     static constexpr size_t MOST_PIECE = 128;  // bytes of a piece: key, type, dimension, header and a scalar
 
-    static void Check(ZAV_UValDict& dict);
-    static void CheckTexts(ZAV_UVal& value);
+    static void CheckAll(ZAV_UValDict& dict);
+    static void CheckDict(ZAV_UValDict& dict);
+    static void CheckText(const ZAV_String& text);
+    static void CheckValue(ZAV_UVal& value, unsigned long& pointers);
 
+    int PutSome(unsigned char** cursor, const unsigned char* limit);
     bool IsDone() const { return mNext.empty() && mTextsLeft == 0; }
     unsigned char* MakePiece(unsigned char* out);
     unsigned char* PutEntry(unsigned char* out, ZAV_AssocUVal& entry);
@@ -46,9 +48,12 @@ private:
     unsigned char* PutValue(unsigned char* out, ZAV_UVal& value);
     unsigned char* PutText(unsigned char* out);
 
+    ZAV_UValDict& mTop;
     std::vector<ZAV_AssocUVal*> mNext;  // of each open dictionary: the entry to be put next, never null
     ZAV_UVal* mTexts;                   // the string value of which elements are left
     long mTextsLeft;
+    unsigned long mPointers;            // elements of pointer arrays so far
+    bool mCheckAll;                     // before the first bytes are given away
     unsigned char mPiece[MOST_PIECE];
     ZAV_BinPackBuffer mPieceLeft;
     ZAV_BinPackBuffer mElementsLeft;

@@ -213,7 +213,8 @@ void ZAV_BinPackUValDict::Reader::StoreTexts() {
     StoreEntry(value.release());
 }
 
-ZAV_BinPackUValDict::ZAV_BinPackUValDict(ZAV_UValDict& dict) : mDict(dict), mWriter(nullptr), mReader(nullptr) {}
+ZAV_BinPackUValDict::ZAV_BinPackUValDict(ZAV_UValDict& dict, boolean_t checkFirst)
+    : mDict(dict), mCheckFirst(checkFirst), mWriter(nullptr), mReader(nullptr) {}
 
 ZAV_BinPackUValDict::~ZAV_BinPackUValDict() {
     delete mWriter;
@@ -221,7 +222,7 @@ ZAV_BinPackUValDict::~ZAV_BinPackUValDict() {
 }
 
 int ZAV_BinPackUValDict::Put(unsigned char** cursor, const unsigned char* limit) {
-    if (!mWriter) mWriter = new Writer(mDict);
+    if (!mWriter) mWriter = new Writer(mDict, mCheckFirst != B_FALSE);
     return mWriter->Put(cursor, limit);
 }
 

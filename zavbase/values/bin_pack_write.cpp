@@ -63,37 +63,56 @@ Elements ElementsOf(ZAV_UVal& number) {
 using namespace zav_pack;
 typedef ZAV_UValDict::Fields Fields;
 
-ZAV_BinPackUValDict::Writer::Writer(ZAV_UValDict& dict) : mTexts(nullptr), mTextsLeft(0) {
-    Check(dict);
+ZAV_BinPackUValDict::Writer::Writer(ZAV_UValDict& dict, bool checkFirst)
+    : mTop(dict), mTexts(nullptr), mTextsLeft(0), mPointers(0), mCheckAll(checkFirst) {
     mPieceLeft = ZAV_BinPackBuffer(mPiece, static_cast<unsigned long>(PutDict(mPiece, dict) - mPiece));
 }
 
-void ZAV_BinPackUValDict::Writer::Check(ZAV_UValDict& top) {
+void ZAV_BinPackUValDict::Writer::CheckDict(ZAV_UValDict& dict) {
+    if (dict.GetSize() > MOST_ENTRIES) ZAV_ThrowBinPackException();
+}
+
+void ZAV_BinPackUValDict::Writer::CheckText(const ZAV_String& text) {
+    if (text.Size() > MOST_TEXT) ZAV_ThrowBinPackException();
+}
+
+void ZAV_BinPackUValDict::Writer::CheckValue(ZAV_UVal& value, unsigned long& pointers) {
+    ZAV_UValType type = value.GetType();
+    if (type < UVAL_DICT || type > UVAL_PTR) ZAV_ThrowBinPackException();
+    if (type == UVAL_PTR) pointers += static_cast<unsigned long>(value.GetDimension());
+    if (pointers > ZAV_BINPACK_MAX_POINTERS) ZAV_ThrowBinPackException();
+}
+
+void ZAV_BinPackUValDict::Writer::CheckAll(ZAV_UValDict& top) {
     unsigned long pointers = 0;
     std::vector<ZAV_UValDict*> dicts(1, &top);
     while (!dicts.empty()) {
         ZAV_UValDict* dict = dicts.back();
         dicts.pop_back();
-        if (dict->GetSize() > MOST_ENTRIES) ZAV_ThrowBinPackException();
+        CheckDict(*dict);
         for (ZAV_AssocUVal* entry = Fields::First(*dict); entry; entry = Fields::Next(*entry)) {
             ZAV_UVal* value = Fields::Value(*entry);
             if (!value) continue;
-            ZAV_UValType type = value->GetType();
-            if (type < UVAL_DICT || type > UVAL_PTR) ZAV_ThrowBinPackException();
-            if (type == UVAL_DICT) dicts.push_back(static_cast<ZAV_UValDict*>(value));
-            if (type == UVAL_STRING || type == UVAL_UTFSTRING) CheckTexts(*value);
-            if (type == UVAL_PTR) pointers += static_cast<unsigned long>(value->GetDimension());
-            if (pointers > ZAV_BINPACK_MAX_POINTERS) ZAV_ThrowBinPackException();
+            CheckValue(*value, pointers);
+            if (value->GetType() == UVAL_DICT) dicts.push_back(static_cast<ZAV_UValDict*>(value));
+            if (value->GetFamily() != UVAL_FAMILY_STRING) continue;
+            for (long i = 0; i < ElementCount(*value); ++i) CheckText(TextOf(*value, i));
         }
     }
 }
 
-void ZAV_BinPackUValDict::Writer::CheckTexts(ZAV_UVal& value) {
-    for (long i = 0; i < ElementCount(value); ++i)
-        if (TextOf(value, i).Size() > MOST_TEXT) ZAV_ThrowBinPackException();
+// A tree that fits into the first buffer is checked while it is put, for nothing is given away before the end.
+int ZAV_BinPackUValDict::Writer::Put(unsigned char** cursor, const unsigned char* limit) {
+    if (!mCheckAll) return PutSome(cursor, limit);
+    unsigned char* at = *cursor;
+    int more = PutSome(&at, limit);
+    if (more) CheckAll(mTop);
+    mCheckAll = false;
+    *cursor = at;
+    return more;
 }
 
-int ZAV_BinPackUValDict::Writer::Put(unsigned char** cursor, const unsigned char* limit) {
+int ZAV_BinPackUValDict::Writer::PutSome(unsigned char** cursor, const unsigned char* limit) {
     for (;;) {
         if (mPieceLeft.Put(cursor, limit) || mElementsLeft.Put(cursor, limit)) return 1;
         if (IsDone()) return 0;
@@ -120,13 +139,15 @@ unsigned char* ZAV_BinPackUValDict::Writer::PutEntry(unsigned char* out, ZAV_Ass
     std::memcpy(out, Fields::Key(entry), length);
     out += length;
     ZAV_UVal* value = Fields::Value(entry);
-    out = PutNumber(out, value ? static_cast<unsigned int>(value->GetType()) : 0);
-    if (!value) return out;
+    if (!value) return PutNumber(out, 0);
+    CheckValue(*value, mPointers);
+    out = PutNumber(out, static_cast<unsigned int>(value->GetType()));
     if (value->GetType() == UVAL_DICT) return PutDict(out, static_cast<ZAV_UValDict&>(*value));
     return PutValue(out, *value);
 }
 
 unsigned char* ZAV_BinPackUValDict::Writer::PutDict(unsigned char* out, ZAV_UValDict& dict) {
+    CheckDict(dict);
     if (ZAV_AssocUVal* first = Fields::First(dict)) mNext.push_back(first);
     return PutNumber(out, dict.GetSize());
 }
@@ -155,6 +176,7 @@ unsigned char* ZAV_BinPackUValDict::Writer::PutValue(unsigned char* out, ZAV_UVa
 
 unsigned char* ZAV_BinPackUValDict::Writer::PutText(unsigned char* out) {
     const ZAV_String& text = TextOf(*mTexts, ElementCount(*mTexts) - mTextsLeft--);
+    CheckText(text);
     unsigned int length = text.Size() + 1;
     mElementsLeft = ZAV_BinPackBuffer(const_cast<char*>(text.Ptr()), length);
     return PutHeader(PutNumber(out, length), BINPACK_BLOCK, length);

@@ -221,12 +221,13 @@ void Reader::CloseDict() {
     size_t mark = FindMark(ITEM_DICT);
     if (mark == NO_MARK) Fail(DICT_MARK_ERROR);
     if ((mItems.size() - mark) % 2 == 0) Fail(PAIR_COUNT_ERROR);
-    std::unique_ptr<ZAV_UValDict> dict(new ZAV_UValDict(16));
+    std::unique_ptr<ZAV_UValDict> dict;
     uint32_t depth = 0;
     if (HasPlainKeys(mark + 1)) {
         for (size_t i = mark + 1; i < mItems.size(); i += 2) depth = (std::max)(depth, CheckedDepth(mItems[i + 1], 0));
-        FillPlain(*dict, mark + 1);
+        dict = MakePlainDict(mark + 1);
     } else {
+        dict.reset(new ZAV_UValDict(16));
         for (size_t i = mark + 1; i < mItems.size(); i += 2)
             depth = (std::max)(depth, StorePair(*dict, mItems[i], mItems[i + 1]));
         for (size_t i = mark + 1; i < mItems.size(); i += 2)
@@ -250,13 +251,14 @@ bool Reader::HasPlainKeys(size_t first) const {
     return true;
 }
 
-void Reader::FillPlain(ZAV_UValDict& dict, size_t first) {
+std::unique_ptr<ZAV_UValDict> Reader::MakePlainDict(size_t first) {
     ZAV_UValDict::Chain chain;
     for (size_t i = first; i < mItems.size(); i += 2) {
         mItems[i + 1].mKind = ITEM_NAME;  // the chain takes it
         chain.Append(mItems[i].mText, mItems[i].mLength, mItems[i + 1].mValue);
     }
-    mFiller.Fill(dict, chain);
+    bool allNew;
+    return mFiller.Make(chain, &allNew);
 }
 
 // How deep dictionaries nest in an entry whose key puts so many levels around its value.

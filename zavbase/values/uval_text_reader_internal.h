@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <memory>
 #include <vector>
 
 #include <zavbase/values/uval.h>
@@ -80,7 +81,7 @@ private:
 
     void CloseDict();
     bool HasPlainKeys(size_t first) const;
-    void FillPlain(ZAV_UValDict& dict, size_t first);
+    std::unique_ptr<ZAV_UValDict> MakePlainDict(size_t first);
     uint32_t CheckedDepth(const Item& value, uint32_t levels);
     uint32_t StorePair(ZAV_UValDict& dict, const Item& key, Item& value);
 

@@ -30,7 +30,8 @@ uint32_t Millionths(double x) {
     return static_cast<uint32_t>(whole) + (up ? 1 : 0);
 }
 
-char* PutDigits(char* end, uint64_t value, int least) {
+template <class Unsigned>
+char* PutDigits(char* end, Unsigned value, int least) {
     do {
         *--end = static_cast<char>('0' + value % 10);
         value /= 10;
@@ -97,7 +98,7 @@ void Output::Real(double value, int decimals) {
     char* end = digits + sizeof digits;
     char* start = PutDigits(end, millionths, 6);
     *--start = '.';
-    start = PutDigits(start, whole, 1);
+    start = whole <= 0xFFFFFFFF ? PutDigits(start, static_cast<uint32_t>(whole), 1) : PutDigits(start, whole, 1);
     if (std::signbit(value)) *--start = '-';
     mText.append(start, end);
 }

@@ -170,14 +170,14 @@ void ZAV_UValDict::WriteBinFile(const ZAV_SystemString& file) {
     uint16_t magicSize = gMagicSize;
     ZAV_BinPackAtom sizeAtom(BINPACK_16, 1, &magicSize);
     ZAV_BinPackAtom magicAtom(BINPACK_BLOCK, sizeof gMagic, const_cast<char*>(gMagic));
-    ZAV_BinPackUValDict packer(*this);
+    ZAV_BinPackUValDict packer(*this, B_FALSE);  // a file that is not finished does not appear
     std::unique_ptr<unsigned char[]> buffer(new unsigned char[PIECE]);
     unsigned char* cursor = buffer.get();
     const unsigned char* limit = cursor + PIECE;
     sizeAtom.Put(&cursor, limit);
     magicAtom.Put(&cursor, limit);
-    bool more = packer.Put(&cursor, limit) != 0;  // what cannot be packed is refused before there is a file
     NewFile out(file);
+    bool more = packer.Put(&cursor, limit) != 0;
     for (; more; more = packer.Put(&cursor, limit) != 0) {
         out.Write(buffer.get(), static_cast<size_t>(cursor - buffer.get()));
         cursor = buffer.get();

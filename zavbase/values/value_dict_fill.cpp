@@ -38,22 +38,40 @@ void ZAV_UValDict::Chain::Append(const char* key, unsigned int length, ZAV_UVal*
     ++mCount;
 }
 
-bool ZAV_UValDict::Filler::Fill(ZAV_UValDict& dict, Chain& chain) {
+void ZAV_UValDict::Filler::TakeHashes(const Chain& chain) {
     mEntries.clear();
     mHashes.clear();
     for (ZAV_AssocUVal* entry = chain.mFirst; entry; entry = entry->mNext) {
         mEntries.push_back(entry);
         mHashes.push_back(ZAV_EntryHash(entry->mKey, entry->mKeyLength));
     }
+}
+
+bool ZAV_UValDict::Filler::Fill(ZAV_UValDict& dict, Chain& chain) {
+    TakeHashes(chain);
     bool isPlain = dict.GetSize() == 0 && !dict.mCaseInsensitive && Play(ZAV_SetAccess::Bits(dict.mSet));
     if (!isPlain) return FillOneByOne(dict, chain.Release());
     ZAV_SetAccess::MakeTable(dict.mSet, mNbits);
+    Store(dict, chain);
+    return true;
+}
+
+// A table made in its last size is no other than one that grew to it.
+std::unique_ptr<ZAV_UValDict> ZAV_UValDict::Filler::Make(Chain& chain, bool* allNew) {
+    TakeHashes(chain);
+    *allNew = Play(NEW_BITS);
+    std::unique_ptr<ZAV_UValDict> dict(new ZAV_UValDict(*allNew ? 1u << (mNbits - 1) : 16));
+    if (*allNew) Store(*dict, chain);
+    else *allNew = FillOneByOne(*dict, chain.Release());
+    return dict;
+}
+
+void ZAV_UValDict::Filler::Store(ZAV_UValDict& dict, Chain& chain) {
     for (uint32_t slot = 0; slot < mSlots.size(); ++slot)
         if (mSlots[slot] != NONE) ZAV_SetAccess::Store(dict.mSet, slot, mEntries[mSlots[slot]]);
     ZAV_SetAccess::Stored(dict.mSet, chain.mCount);
     dict.mLast = chain.mLast;
     dict.mFirst = chain.Release();
-    return true;
 }
 
 bool ZAV_UValDict::Filler::FillOneByOne(ZAV_UValDict& dict, ZAV_AssocUVal* first) {

@@ -2,6 +2,7 @@
 #define ZAVBASE_VALUES_VALUE_DICT_FILL_INTERNAL_H
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include <zavbase/values/value_dict.h>
@@ -31,24 +32,37 @@ struct ZAV_UValDict::Fields {
     static const char* Key(const ZAV_AssocUVal& entry) { return entry.mKey; }
     static ZAV_UVal* Value(const ZAV_AssocUVal& entry) { return entry.mValue; }
     static ZAV_AssocUVal* First(const ZAV_UValDict& dict) { return dict.mFirst; }
-    /// Fetches ahead what comes after the entry: memory is slower than any of this.
+    /// Fetches ahead what comes after the entry, its links first: memory is slower than any of this.
     static ZAV_AssocUVal* Next(const ZAV_AssocUVal& entry) {
-        if (entry.mNext) __builtin_prefetch(entry.mNext->mNext);
+        if (const ZAV_AssocUVal* next = entry.mNext) {
+            __builtin_prefetch(next->mValue);
+            if (next->mNext) {
+                __builtin_prefetch(&next->mNext->mNext);
+                __builtin_prefetch(next->mNext);
+            }
+        }
         return entry.mNext;
     }
 };
 
-/// Puts many entries at once into an empty dictionary. The result is what SetEntry would make of them one after
+/// Puts many entries at once into a dictionary. The result is what SetEntry would make of them one after
 /// the other, slot for slot; but the table's growth is played through on numbers, and only the last table is made.
 /// Keep one for many dictionaries: it keeps its memory.
 struct ZAV_UValDict::Filler {
-    /// Empties the chain. False if a key came twice; the later value is then the one that stays.
+    /// Empties the chain. False if a key was there already or came twice; the later value is then the one that
+    /// stays.
     bool Fill(ZAV_UValDict& dict, Chain& chain);
+    /// The same into a new dictionary, at first of capacity 16, which is the caller's.
+    std::unique_ptr<ZAV_UValDict> Make(Chain& chain, bool* allNew);
 
 private:
     static constexpr uint32_t NONE = 0xFFFFFFFF;
     static constexpr uint32_t LONGEST_PROBE = 48;
 
+    static constexpr uint32_t NEW_BITS = 5;  // of the table of a new dictionary
+
+    void TakeHashes(const Chain& chain);
+    void Store(ZAV_UValDict& dict, Chain& chain);
     bool Play(uint32_t nbits);
     bool Place(uint32_t entry, bool isNew);
     bool Grow();
