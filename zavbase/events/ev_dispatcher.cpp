@@ -178,10 +178,10 @@ void ZAV_EvDispatcher::DispatchBatch() {
         PollListeners();
         if (!port.HasAtLeast(rest)) rest = port.Length();
         if (rest == 0) return;
-        ZAV_Event* event = port.Take();
+        std::unique_ptr<ZAV_Event> event(port.Take()); // the host's print of it may throw
         if (event->mPriority < 1) --rest;
         ZAV_BASE_TRACE(0x0200, "DispatchEvent : event" << *event);
-        DispatchEvent(event);
+        DispatchEvent(event.release());
     } while (rest != 0);
 }
 
