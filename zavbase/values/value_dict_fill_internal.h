@@ -8,7 +8,7 @@
 #include <zavbase/values/value_dict.h>
 
 /// Entries that are in no dictionary yet, in their order. Owns them and their values.
-struct ZAV_UValDict::Chain {
+struct ZAV_LOCAL ZAV_UValDict::Chain {
     Chain() : mFirst(nullptr), mLast(nullptr), mCount(0) {}
     Chain(Chain&& other) noexcept;
     Chain& operator=(Chain&& other) noexcept;
@@ -28,7 +28,7 @@ private:
 };
 
 /// The fields of an entry without a call; for who walks millions of them.
-struct ZAV_UValDict::Fields {
+struct ZAV_LOCAL ZAV_UValDict::Fields {
     static const char* Key(const ZAV_AssocUVal& entry) { return entry.mKey; }
     static ZAV_UVal* Value(const ZAV_AssocUVal& entry) { return entry.mValue; }
     static ZAV_AssocUVal* First(const ZAV_UValDict& dict) { return dict.mFirst; }
@@ -48,7 +48,7 @@ struct ZAV_UValDict::Fields {
 /// Puts many entries at once into a dictionary. The result is what SetEntry would make of them one after
 /// the other, slot for slot; but the table's growth is played through on numbers, and only the last table is made.
 /// Keep one for many dictionaries: it keeps its memory.
-struct ZAV_UValDict::Filler {
+struct ZAV_LOCAL ZAV_UValDict::Filler {
     /// Empties the chain. False if a key was there already or came twice; the later value is then the one that
     /// stays.
     bool Fill(ZAV_UValDict& dict, Chain& chain);
