@@ -11,41 +11,38 @@
 #include <thread>
 
 #include "tests/support/printed.h"
+#include "tests/support/thrown.h"
 #include "tests/support/trace_capture.h"
 
 namespace {
 
-class Counted : public ZAV_Exception {
-public:
-    Counted() { ++alive; }
+struct Counted : ZAV_Exception {
+    explicit Counted(int deletable = 1) : ZAV_Exception(static_cast<boolean_t>(deletable)) { ++alive; }
     ~Counted() override { --alive; }
-    static int alive;
+    inline static int alive = 0;
 };
-int Counted::alive = 0;
 
 } // namespace
 
 TEST(Exception, DescribesItself) {
-    ZAV_ErrorException error{ZAV_Error("ERR")};
-    EXPECT_EQ("Error exception: ", Printed(error)); // and not its message
-    ZAV_ExitException exit;
     ZAV_String s("kept ");
-    EXPECT_EQ(&s, &exit.ToString(s));
+    EXPECT_EQ(&s, &ZAV_ExitException().ToString(s));
     EXPECT_STREQ("kept Exit exception: ", s.Ptr());
-
     for (const auto& [code, name] : {std::pair{0, "NoError"}, {11, "Unknown"}, {12, "\v"}}) {
         ZAV_FileException file(static_cast<unsigned short>(code), 5);
         EXPECT_EQ(std::string("File exception: ") + name, Printed(file));
     }
+    EXPECT_STREQ("0x2FFFABCD", GetErrorString(0x2FFFABCDu));
+    EXPECT_STRNE("0x2", GetErrorString(2));
 }
 
 // clang-format off: it takes scopes in scopes for initialisers
 TEST(Exception, AScopeDeletesWhatItCaughtUnlessItPassesItOn) {
-    int inner = 0;
+    bool passedOn = false;
     ZAV_TRY{ZAV_TRY{throw new Counted;
 }
 ZAV_CATCH(Counted, e) {
-    inner = e != nullptr;
+    passedOn = e != nullptr;
     ZAV_RETHROW;
 }
 ZAV_CATCH_END
@@ -63,7 +60,7 @@ ZAV_CATCH(ZAV_Exception, e) {
     std::thread(another).join();
 }
 ZAV_CATCH_END
-EXPECT_EQ(1, inner);
+EXPECT_TRUE(passedOn);
 EXPECT_EQ(0, Counted::alive);
 }
 
@@ -79,31 +76,19 @@ TEST(Exception, AnotherExceptionMayLeaveTheHandler) {
 }
 // clang-format on
 
-TEST(Exception, TheMemoryExceptionSurvivesDelete) {
-    ZAV_Exception* first = nullptr;
-    for (int i = 0; i < 2; ++i) {
-        ZAV_TRY { ZAV_ThrowMemoryException(); }
-        ZAV_CATCH(ZAV_MemoryException, e) {
-            EXPECT_TRUE(i == 0 || e == first);
-            first = e;
-        }
-        ZAV_CATCH_END
-    }
-    // Nothing but a positive flag lets an exception go; copies of the memory exception have none either.
-    const std::unique_ptr<ZAV_Exception> staying[] = {
-        std::make_unique<ZAV_MemoryException>(*static_cast<ZAV_MemoryException*>(first)),
-        std::make_unique<ZAV_Exception>(static_cast<boolean_t>(-1))};
-    for (const auto& e : staying) {
-        const std::string text = Printed(*e);
+TEST(Exception, OnlyAPositiveFlagLetsItBeDeleted) {
+    for (const int flag : {-1, 0, 1, 5}) {
+        auto e = std::make_unique<Counted>(flag);
         e->Delete();
-        EXPECT_EQ(text, Printed(*e));
+        EXPECT_EQ(flag <= 0, Counted::alive == 1);
+        if (Counted::alive == 0) e.release();
     }
-    (new ZAV_Exception(static_cast<boolean_t>(5)))->Delete();
-}
-
-TEST(Exception, UnknownErrorNumbersBecomeHexadecimal) {
-    EXPECT_STREQ("0x2FFFABCD", GetErrorString(0x2FFFABCDu));
-    EXPECT_STRNE("0x2", GetErrorString(2));
+    // The memory exception has none, nor has a copy of it.
+    ZAV_MemoryException* const first = Thrown<ZAV_MemoryException>(ZAV_ThrowMemoryException).get();
+    const auto copy = std::make_unique<ZAV_MemoryException>(*first);
+    copy->Delete();
+    EXPECT_EQ("Memory exception: ", Printed(*copy));
+    EXPECT_EQ(first, Thrown<ZAV_MemoryException>(ZAV_ThrowMemoryException).get());
 }
 
 TEST(Error, ParameterErrorIsTheDetailOfAnInternalOne) {
@@ -112,19 +97,12 @@ TEST(Error, ParameterErrorIsTheDetailOfAnInternalOne) {
     ZAV_I18nDef2Dict(&defs, "ERR_BASE_INTERNAL", "Internal: <<detail>>");
     ZAV_I18nResource resource;
     resource.SetDefaultDefs(&defs);
-
-    for (const char* text : {static_cast<const char*>("dialog"), static_cast<const char*>(nullptr)}) {
+    for (const auto& [text, path] : {std::pair{"dialog", "dialog:a:b:"}, {nullptr, "a:b:"}}) {
         TraceCapture capture;
-        try {
-            ZAV_ThrowParamSpecError(ZAV_DictPath("a:b"), text);
-            ADD_FAILURE();
-        } catch (ZAV_ErrorException* e) {
-            const std::string path = text ? "dialog:a:b:" : "a:b:";
-            EXPECT_EQ("Internal: Invalid parameter spec for " + path,
-                      e->mError.Format("", &resource, nullptr).Ptr());
-            e->Delete();
-        }
-        EXPECT_EQ("Error exception: \n", capture.Text());
+        const auto e = Thrown<ZAV_ErrorException>([&] { ZAV_ThrowParamSpecError("a:b", text); });
+        EXPECT_EQ(std::string("Internal: Invalid parameter spec for ") + path,
+                  e->mError.Format("", &resource, nullptr).Ptr());
+        EXPECT_EQ("Error exception: \n", capture.Text()); // and not its message
     }
 }
 

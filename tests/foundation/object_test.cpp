@@ -1,41 +1,30 @@
 #include <zavbase/foundation/object.h>
 
+#include <zavbase/collections/bag.h>
+#include <zavbase/collections/dictionary.h>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/printed.h"
 
-namespace {
-
-class Probe : public ZAV_Object {
-    ZAV_DECLARE_CLASS(Probe)
-};
-ZAV_DEFINE_CLASS(Probe, ZAV_Object)
-
-class SubProbe : public Probe {
-    ZAV_DECLARE_CLASS(SubProbe)
-    void PrintOn(std::ostream& os) override { os << "sub"; }
-};
-ZAV_DEFINE_CLASS(SubProbe, Probe)
-
-} // namespace
-
 TEST(Object, KindFollowsTheRecordsButNeverReachesTheRoot) {
-    SubProbe sub;
-    Probe probe;
-    EXPECT_TRUE(sub.IsKindOf(&SubProbe::classSubProbe));
-    EXPECT_TRUE(sub.IsKindOf(&Probe::classProbe));
-    EXPECT_FALSE(probe.IsKindOf(&SubProbe::classSubProbe));
-    EXPECT_FALSE(sub.IsKindOf(&ZAV_Object::classZAV_Object));
-    EXPECT_FALSE(sub.IsKindOf(nullptr));
-    EXPECT_STREQ("SubProbe", sub.ClassName());
+    const ZAV_Dictionary dictionary;
+    EXPECT_TRUE(dictionary.IsKindOf(&ZAV_Dictionary::classZAV_Dictionary));
+    EXPECT_TRUE(dictionary.IsKindOf(&ZAV_CltObject::classZAV_CltObject));
+    EXPECT_FALSE(dictionary.IsKindOf(&ZAV_Bag::classZAV_Bag));
+    EXPECT_FALSE(dictionary.IsKindOf(&ZAV_Object::classZAV_Object));
+    EXPECT_FALSE(dictionary.IsKindOf(nullptr));
 }
 
 TEST(Object, PrintsThroughTheVirtual) {
-    Probe probe;
-    SubProbe sub;
-    EXPECT_EQ("Base class", Printed(probe));
-    EXPECT_EQ("sub", Printed(static_cast<ZAV_Object&>(sub)));
-    EXPECT_EQ("sub", Printed(static_cast<ZAV_Object*>(&sub)));
+    struct : ZAV_Object {
+    } plain;
+    struct : ZAV_Object {
+        void PrintOn(std::ostream& os) override { os << "sub"; }
+    } sub;
+    EXPECT_EQ("Base class", Printed(plain));
+    EXPECT_EQ("sub", Printed(static_cast<const ZAV_Object&>(sub)));
+    EXPECT_EQ("sub", Printed(static_cast<const ZAV_Object*>(&sub)));
 }
 
 TEST(Boolean, AnyNonZeroValuePrintsAsTrue) {

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "tests/support/on_threads.h"
@@ -61,17 +62,14 @@ TEST(Tracer, StatementsObeyStreamAndMask) {
 TEST(Tracer, LinesOfManyThreadsArriveWhole) {
     TraceCapture capture(0x10);
     OnThreads(4, [](int t) {
-        for (int i = 0; i < 200; ++i)
-            ZAV_BASE_TRACE(0x10, "thread " << t << " says " << i << " in one piece");
+        for (int i = 0; i < 200; ++i) ZAV_BASE_TRACE(0x10, t << " says " << i << " in one piece");
     });
-    std::vector<int> next(4, 0);
-    for (const std::string& line : capture.Lines()) {
-        int t = -1, i = -1, end = -1;
-        std::sscanf(line.c_str(), "thread %d says %d in one piece%n", &t, &i, &end);
-        ASSERT_EQ(static_cast<int>(line.size()), end) << line;
-        EXPECT_EQ(next[static_cast<size_t>(t)]++, i);
-    }
-    EXPECT_EQ(std::vector<int>(4, 200), next);
+    std::vector<std::string> expected, lines = capture.Lines();
+    for (int said = 0; said < 4 * 200; ++said)
+        expected.push_back(std::to_string(said / 200) + " says " + std::to_string(said % 200) +
+                           " in one piece");
+    std::ranges::stable_sort(lines, {}, [](const std::string& line) { return line.substr(0, 1); });
+    EXPECT_EQ(expected, lines);
 }
 
 TEST(Tracer, ConfiguredFromADictionary) {
@@ -101,7 +99,6 @@ TEST(TracerZ, TableTakesThirtyNames) {
 
     std::ostream* stream = &dout;
     mask = 77;
-    EXPECT_EQ(nullptr, ZAV_Tracer::FindOrCreate("TOO MANY"));
     EXPECT_EQ(-1, ZAV_Tracer::SetMask("TOO MANY", 1));
     EXPECT_EQ(-1, ZAV_Tracer::SetStreamP("TOO MANY", &dout));
     EXPECT_EQ(-1, ZAV_Tracer::GetMask("TOO MANY", &mask));

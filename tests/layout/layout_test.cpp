@@ -1,5 +1,5 @@
-// The fields of the classes whose layout is part of the contract: their order on every platform, and the
-// sizes of the objects where pointers and long have 32 bits.
+// The classes that hosts derive from or embed: what their run-time records say, the order of their fields on
+// every platform, and the size of their objects where pointers and long have 32 bits.
 #include <zavbase/zavbase.h>
 
 #include <gtest/gtest.h>
@@ -10,201 +10,168 @@
 
 namespace {
 
-template <class Member, class Class>
-ptrdiff_t Offset(Member Class::*member) {
-    return std::bit_cast<ptrdiff_t>(member);
+constexpr size_t ANY = 0; // for classes whose size is not part of the contract
+
+void CheckRecord(const ZAV_RuntimeClass& record, const char* name, size_t size, ZAV_RuntimeClass* base) {
+    EXPECT_STREQ(name, record.mName);
+    EXPECT_EQ(size, record.mObjectSize);
+    EXPECT_EQ(nullptr, record.mReserved);
+    ASSERT_NE(nullptr, record.mGetBaseClass);
+    EXPECT_EQ(base, record.mGetBaseClass());
 }
 
-struct Layout {
-    const char* name;
-    size_t size;                    // of the object
-    size_t size32;                  // what it must be with 32-bit pointers
-    std::vector<ptrdiff_t> offsets; // of the fields in their listed order
-};
-
-#define LAYOUT(NAME, SIZE32, ...)                                                                            \
-    Layout {                                                                                                 \
-#NAME, sizeof(NAME), SIZE32, { __VA_ARGS__ }                                                         \
-    }
-
-void Check(const std::vector<Layout>& layouts) {
-    for (const Layout& layout : layouts) {
-        SCOPED_TRACE(layout.name);
-        for (size_t i = 1; i < layout.offsets.size(); i++)
-            EXPECT_LT(layout.offsets[i - 1], layout.offsets[i]) << "field " << i;
-        if (sizeof(void*) == 4) {
-            EXPECT_EQ(layout.size32, layout.size);
-        }
+template <class... Members>
+void CheckFields(size_t size, size_t size32, Members... members) {
+    const std::vector<ptrdiff_t> offsets = {std::bit_cast<ptrdiff_t>(members)...};
+    for (size_t i = 1; i < offsets.size(); ++i) EXPECT_LT(offsets[i - 1], offsets[i]) << "field " << i;
+    if (sizeof(void*) == 4 && size32 != ANY) {
+        EXPECT_EQ(size32, size);
     }
 }
+
+/// A class without a record: its size and its fields in their listed order.
+#define PLAIN(NAME, SIZE32, ...)                                                                             \
+    do {                                                                                                     \
+        using C [[maybe_unused]] = NAME;                                                                     \
+        SCOPED_TRACE(#NAME);                                                                                 \
+        CheckFields(sizeof(NAME), SIZE32 __VA_OPT__(, ) __VA_ARGS__);                                        \
+    } while (0)
+
+/// A class with a record, in which BASE is its base.
+#define CLASS(NAME, BASE, ...)                                                                               \
+    do {                                                                                                     \
+        SCOPED_TRACE(#NAME);                                                                                 \
+        CheckRecord(NAME::class##NAME, #NAME, sizeof(NAME), &BASE::class##BASE);                             \
+        PLAIN(NAME, __VA_ARGS__);                                                                            \
+    } while (0)
+
+#define TYPED(NAME, SIZE32) CLASS(NAME, ZAV_UVal, SIZE32, &C::mValue, &C::mExternal, &C::mData)
 
 } // namespace
 
 TEST(Layout, Foundation) {
-    using Record = ZAV_RuntimeClass;
-    Check({
-        LAYOUT(Record, 16, Offset(&Record::mName), Offset(&Record::mObjectSize),
-               Offset(&Record::mGetBaseClass), Offset(&Record::mReserved)),
-        LAYOUT(ZAV_Object, 4),
-        LAYOUT(ZAV_Tracer, 20, Offset(&ZAV_Tracer::mName), Offset(&ZAV_Tracer::mStreamP),
-               Offset(&ZAV_Tracer::mMask)),
-        LAYOUT(ZAV_Exception, 12, Offset(&ZAV_Exception::mDeletable), Offset(&ZAV_Exception::mDeleted)),
-        LAYOUT(ZAV_FileException, 20, Offset(&ZAV_FileException::mCode),
-               Offset(&ZAV_FileException::mOsError)),
-        LAYOUT(ZAV_EXCEPTION_LINK, 8, Offset(&ZAV_EXCEPTION_LINK::mNext),
-               Offset(&ZAV_EXCEPTION_LINK::mException)),
-        LAYOUT(ZAV_RefCount, 8),
-        LAYOUT(ZAV_Ref, 12),
-        LAYOUT(ZAV_AllocMemBody, 20, Offset(&ZAV_AllocMemBody::mPointer), Offset(&ZAV_AllocMemBody::mSize),
-               Offset(&ZAV_AllocMemBody::mAlign)),
-    });
+    PLAIN(ZAV_RuntimeClass, 16, &C::mName, &C::mObjectSize, &C::mGetBaseClass, &C::mReserved);
+    PLAIN(ZAV_Object, 4);
+    PLAIN(ZAV_Tracer, 20, &C::mName, &C::mStreamP, &C::mMask);
+    PLAIN(ZAV_EXCEPTION_LINK, 8, &C::mNext, &C::mException);
+    CLASS(ZAV_Exception, ZAV_Object, 12, &C::mDeletable, &C::mDeleted);
+    CLASS(ZAV_MemoryException, ZAV_Exception, ANY);
+    CLASS(ZAV_FileException, ZAV_Exception, 20, &C::mCode, &C::mOsError);
+    CLASS(ZAV_ErrorException, ZAV_Exception, ANY);
+    CLASS(ZAV_ExitException, ZAV_Exception, ANY);
+    CLASS(ZAV_BinPackException, ZAV_Exception, ANY);
+    CLASS(ZAV_RefCount, ZAV_Object, 8);
+    CLASS(ZAV_Ref, ZAV_Link, 12);
+    PLAIN(ZAV_AllocMemBody, 20, &C::mPointer, &C::mSize, &C::mAlign);
 }
 
 TEST(Layout, Strings) {
-    Check({
-        LAYOUT(ZAV_Str, 16, Offset(&ZAV_Str::mData), Offset(&ZAV_Str::mLength), Offset(&ZAV_Str::mCapacity)),
-        LAYOUT(ZAV_String, 16),
-        LAYOUT(ZAV_UTFString, 16),
-        LAYOUT(ZAV_SubStr, 12, Offset(&ZAV_SubStr::mStart), Offset(&ZAV_SubStr::mLength),
-               Offset(&ZAV_SubStr::mOwner)),
-        LAYOUT(ZAV_SubString, 12),
-        LAYOUT(ZAV_UTFSubString, 12),
-        LAYOUT(ZAV_SystemString, 24, Offset(&ZAV_SystemString::mString),
-               Offset(&ZAV_SystemString::mUtfString)),
-        LAYOUT(ZAV_TextEncodingConverter, 8),
-    });
+    PLAIN(ZAV_Str, 16, &C::mData, &C::mLength, &C::mCapacity);
+    PLAIN(ZAV_String, 16);
+    PLAIN(ZAV_UTFString, 16);
+    PLAIN(ZAV_SubStr, 12, &C::mStart, &C::mLength, &C::mOwner);
+    PLAIN(ZAV_SubString, 12);
+    PLAIN(ZAV_UTFSubString, 12);
+    CLASS(ZAV_SystemString, ZAV_Object, 24, &C::mString, &C::mUtfString);
+    CLASS(ZAV_TextEncodingConverter, ZAV_Object, 8);
 }
 
 TEST(Layout, Collections) {
-    Check({
-        LAYOUT(ZAV_CltObject, 4),
-        LAYOUT(ZAV_LookupKey, 8),
-        LAYOUT(ZAV_Assoc, 12),
-        LAYOUT(ZAV_Integer, 8),
-        LAYOUT(ZAV_AssocInt, 16),
-        LAYOUT(ZAV_AssocIs, 16),
-        LAYOUT(ZAV_CltString, 20),
-        LAYOUT(ZAV_CltUTFString, 20),
-        LAYOUT(ZAV_IStream, 8),
-        LAYOUT(ZAV_Iterator, 24, Offset(&ZAV_Iterator::mCollection), Offset(&ZAV_Iterator::mIndex),
-               Offset(&ZAV_Iterator::mOccurrence), Offset(&ZAV_Iterator::mCurrent),
-               Offset(&ZAV_Iterator::mState)),
-        LAYOUT(ZAV_ArrayObj, 12, Offset(&ZAV_ArrayObj::mArray), Offset(&ZAV_ArrayObj::mLength)),
-        LAYOUT(ZAV_Set, 28, Offset(&ZAV_Set::mCount), Offset(&ZAV_Set::mNbits), Offset(&ZAV_Set::mMask),
-               Offset(&ZAV_Set::mContents)),
-        LAYOUT(ZAV_Dictionary, 28),
-        LAYOUT(ZAV_DictAutoDel, 28),
-        LAYOUT(ZAV_Bag, 36, Offset(&ZAV_Bag::mCount), Offset(&ZAV_Bag::mContents)),
-        LAYOUT(ZAV_OrderedCltn, 20, Offset(&ZAV_OrderedCltn::mCount), Offset(&ZAV_OrderedCltn::mContents)),
-        LAYOUT(ZAV_Stack, 20),
-        LAYOUT(ZAV_Link, 8),
-        LAYOUT(ZAV_LinkObj, 12),
-        LAYOUT(ZAV_LinkedList, 20, Offset(&ZAV_LinkedList::mFirst), Offset(&ZAV_LinkedList::mLast),
-               Offset(&ZAV_LinkedList::mCount), Offset(&ZAV_LinkedList::mNil)),
-    });
+    CLASS(ZAV_CltObject, ZAV_Object, 4);
+    CLASS(ZAV_CltNil, ZAV_CltObject, ANY);
+    CLASS(ZAV_LookupKey, ZAV_CltObject, 8);
+    CLASS(ZAV_Assoc, ZAV_LookupKey, 12);
+    CLASS(ZAV_Integer, ZAV_CltObject, 8);
+    CLASS(ZAV_AssocInt, ZAV_LookupKey, 16);
+    CLASS(ZAV_AssocIs, ZAV_LookupKey, 16);
+    CLASS(ZAV_AssocOs, ZAV_LookupKey, ANY);
+    CLASS(ZAV_CltString, ZAV_CltObject, 20);
+    CLASS(ZAV_CltUTFString, ZAV_CltObject, 20);
+    CLASS(ZAV_IStream, ZAV_CltObject, 8);
+    CLASS(ZAV_OStream, ZAV_CltObject, ANY);
+    CLASS(ZAV_Collection, ZAV_CltObject, ANY);
+    CLASS(ZAV_SeqCltn, ZAV_Collection, ANY);
+    CLASS(ZAV_Iterator, ZAV_CltObject, 24, &C::mCollection, &C::mIndex, &C::mOccurrence, &C::mCurrent,
+          &C::mState);
+    CLASS(ZAV_ArrayObj, ZAV_Collection, 12, &C::mArray, &C::mLength);
+    CLASS(ZAV_Set, ZAV_Collection, 28, &C::mCount, &C::mNbits, &C::mMask, &C::mContents);
+    CLASS(ZAV_Dictionary, ZAV_Set, 28);
+    PLAIN(ZAV_DictAutoDel, 28);
+    CLASS(ZAV_Bag, ZAV_Collection, 36, &C::mCount, &C::mContents);
+    CLASS(ZAV_OrderedCltn, ZAV_SeqCltn, 20, &C::mCount, &C::mContents);
+    PLAIN(ZAV_Stack, 20);
+    CLASS(ZAV_Link, ZAV_CltObject, 8);
+    CLASS(ZAV_LinkObj, ZAV_Link, 12);
+    CLASS(ZAV_LinkedList, ZAV_SeqCltn, 20, &C::mFirst, &C::mLast, &C::mCount, &C::mNil);
 }
 
 TEST(Layout, Values) {
-#define TYPED(NAME, SIZE32)                                                                                  \
-    LAYOUT(NAME, SIZE32, Offset(&NAME::mValue), Offset(&NAME::mExternal), Offset(&NAME::mData))
-    Check({
-        LAYOUT(ZAV_UVal, 20, Offset(&ZAV_UVal::mType), Offset(&ZAV_UVal::mFamily),
-               Offset(&ZAV_UVal::mNrItemsToPrint), Offset(&ZAV_UVal::mDimension)),
-        TYPED(ZAV_UValChar, 32),
-        TYPED(ZAV_UValUChar, 32),
-        TYPED(ZAV_UValShort, 32),
-        TYPED(ZAV_UValUShort, 32),
-        TYPED(ZAV_UValLong, 32),
-        TYPED(ZAV_UValULong, 32),
-        TYPED(ZAV_UValFloat, 32),
-        TYPED(ZAV_UValDouble, 40),
-        TYPED(ZAV_UValString, 44),
-        TYPED(ZAV_UValUTFString, 44),
-        TYPED(ZAV_UValPtr, 32),
-        LAYOUT(ZAV_AssocUVal, 88, Offset(&ZAV_AssocUVal::mKey), Offset(&ZAV_AssocUVal::mKeyLength),
-               Offset(&ZAV_AssocUVal::mValue), Offset(&ZAV_AssocUVal::mPrev), Offset(&ZAV_AssocUVal::mNext)),
-        LAYOUT(ZAV_UValDict, 60, Offset(&ZAV_UValDict::mSet), Offset(&ZAV_UValDict::mFirst),
-               Offset(&ZAV_UValDict::mLast), Offset(&ZAV_UValDict::mCaseInsensitive)),
-        LAYOUT(ZAV_DictPath, 32, Offset(&ZAV_DictPath::mPath), Offset(&ZAV_DictPath::mFirstKey),
-               Offset(&ZAV_DictPath::mEnd), Offset(&ZAV_DictPath::mSize)),
-    });
+    CLASS(ZAV_UVal, ZAV_CltObject, 20, &C::mType, &C::mFamily, &C::mNrItemsToPrint, &C::mDimension);
+    TYPED(ZAV_UValChar, 32);
+    TYPED(ZAV_UValUChar, 32);
+    TYPED(ZAV_UValShort, 32);
+    TYPED(ZAV_UValUShort, 32);
+    TYPED(ZAV_UValLong, 32);
+    TYPED(ZAV_UValULong, 32);
+    TYPED(ZAV_UValFloat, 32);
+    TYPED(ZAV_UValDouble, 40);
+    TYPED(ZAV_UValString, 44);
+    TYPED(ZAV_UValUTFString, 44);
+    TYPED(ZAV_UValPtr, 32);
+    CLASS(ZAV_AssocUVal, ZAV_CltObject, 88, &C::mKey, &C::mKeyLength, &C::mValue, &C::mPrev, &C::mNext);
+    CLASS(ZAV_UValDict, ZAV_UVal, 60, &C::mSet, &C::mFirst, &C::mLast, &C::mCaseInsensitive);
+    PLAIN(ZAV_DictPath, 32, &C::mPath, &C::mFirstKey, &C::mEnd, &C::mSize);
 }
 
 TEST(Layout, MessagesAndPlatform) {
-    Check({
-        LAYOUT(ZAV_I18nMsg, 32, Offset(&ZAV_I18nMsg::mWarning), Offset(&ZAV_I18nMsg::mId),
-               Offset(&ZAV_I18nMsg::mArgs)),
-        LAYOUT(ZAV_Error, 32),
-        LAYOUT(ZAV_I18nMsgArg, 60, Offset(&ZAV_I18nMsgArg::mTag), Offset(&ZAV_I18nMsgArg::mType),
-               Offset(&ZAV_I18nMsgArg::mMsg)),
-        LAYOUT(ZAV_I18nMsgArgList, 20),
-        LAYOUT(ZAV_I18nResource, 56, Offset(&ZAV_I18nResource::mResourceFile),
-               Offset(&ZAV_I18nResource::mDicts)),
-        LAYOUT(ZAV_File, 44, Offset(&ZAV_File::mName), Offset(&ZAV_File::mInfo)),
-        LAYOUT(ZAV_Point, 4, Offset(&ZAV_Point::mX), Offset(&ZAV_Point::mY)),
-        LAYOUT(ZAV_Rect, 8, Offset(&ZAV_Rect::mOrigin), Offset(&ZAV_Rect::mCorner)),
-        LAYOUT(ZAV_SharedLib, 96, Offset(&ZAV_SharedLib::mName), Offset(&ZAV_SharedLib::mDirectory),
-               Offset(&ZAV_SharedLib::mFullPath), Offset(&ZAV_SharedLib::mLoaded),
-               Offset(&ZAV_SharedLib::mModule), Offset(&ZAV_SharedLib::mCreateFn),
-               Offset(&ZAV_SharedLib::mFreeFn), Offset(&ZAV_SharedLib::mGetI18nDefsFn)),
-        LAYOUT(ZAV_StaticDll, 36, Offset(&ZAV_StaticDll::mName), Offset(&ZAV_StaticDll::mCreateFn),
-               Offset(&ZAV_StaticDll::mFreeFn), Offset(&ZAV_StaticDll::mGetI18nDefsFn)),
-    });
+    CLASS(ZAV_I18nMsg, ZAV_Object, 32, &C::mWarning, &C::mId, &C::mArgs);
+    CLASS(ZAV_Error, ZAV_I18nMsg, 32);
+    CLASS(ZAV_I18nMsgArg, ZAV_Link, 60, &C::mTag, &C::mType, &C::mMsg);
+    CLASS(ZAV_I18nMsgArgList, ZAV_LinkedList, 20);
+    CLASS(ZAV_I18nResource, ZAV_Object, 56, &C::mResourceFile, &C::mDicts);
+    CLASS(ZAV_File, ZAV_Object, 44, &C::mName, &C::mInfo);
+    PLAIN(ZAV_Point, 4, &C::mX, &C::mY);
+    PLAIN(ZAV_Rect, 8, &C::mOrigin, &C::mCorner);
+    CLASS(ZAV_SharedLib, ZAV_Object, 96, &C::mName, &C::mDirectory, &C::mFullPath, &C::mLoaded, &C::mModule,
+          &C::mCreateFn, &C::mFreeFn, &C::mGetI18nDefsFn);
+    PLAIN(ZAV_StaticDll, 36, &C::mName, &C::mCreateFn, &C::mFreeFn, &C::mGetI18nDefsFn);
 }
 
 TEST(Layout, ThreadsAndLocks) {
-    using RW = ZAV_ReadWriteLock;
-    using Signaller = ZAV_MutexSignaller;
-    Check({
-        LAYOUT(ZAV_ThreadError, 4),
-        LAYOUT(ZAV_Mutex, 4),
-        LAYOUT(ZAV_Mutex::Lock, 8, Offset(&ZAV_Mutex::Lock::mMutex), Offset(&ZAV_Mutex::Lock::mAcquired)),
-        LAYOUT(ZAV_ReentrantMutex, 16, Offset(&ZAV_ReentrantMutex::mOwner),
-               Offset(&ZAV_ReentrantMutex::mCount), Offset(&ZAV_ReentrantMutex::mGuard),
-               Offset(&ZAV_ReentrantMutex::mSemaphore)),
-        LAYOUT(ZAV_Semaphore, 4),
-        LAYOUT(ZAV_ReadWriteLock, 40, Offset(&RW::mWriteMutex), Offset(&RW::mCountSection),
-               Offset(&RW::mReaders), Offset(&RW::mNoReaders)),
-        LAYOUT(ZAV_ReadWriteLock::ReadLock, 8, Offset(&RW::ReadLock::mLock),
-               Offset(&RW::ReadLock::mAcquired)),
-        LAYOUT(ZAV_MutexSignaller, 16, Offset(&Signaller::mMutex), Offset(&Signaller::mSemaphore),
-               Offset(&Signaller::mWaiters), Offset(&Signaller::mWaitersMutex)),
-        LAYOUT(ZAV_MutexSignaller::Lock, 8, Offset(&Signaller::Lock::mSignaller),
-               Offset(&Signaller::Lock::mHeld)),
-        LAYOUT(ZAV_Monitor, 4),
-        LAYOUT(ZAV_ReentrantMonitor, 16),
-        LAYOUT(ZAV_ResourceLockPool, 92, Offset(&ZAV_ResourceLockPool::mFileName),
-               Offset(&ZAV_ResourceLockPool::mLocks), Offset(&ZAV_ResourceLockPool::mDirty)),
-        LAYOUT(ZAV_Thread, 132, Offset(&ZAV_Thread::mInfoString), Offset(&ZAV_Thread::mHandle),
-               Offset(&ZAV_Thread::mThreadId), Offset(&ZAV_Thread::mRunning),
-               Offset(&ZAV_Thread::mRunningLock), Offset(&ZAV_Thread::mFlag), Offset(&ZAV_Thread::mCleanup)),
-    });
+    PLAIN(ZAV_ThreadError, 4);
+    PLAIN(ZAV_Mutex, 4);
+    PLAIN(ZAV_Mutex::Lock, 8, &C::mMutex, &C::mAcquired);
+    PLAIN(ZAV_ReentrantMutex, 16, &C::mOwner, &C::mCount, &C::mGuard, &C::mSemaphore);
+    PLAIN(ZAV_Semaphore, 4);
+    PLAIN(ZAV_ReadWriteLock, 40, &C::mWriteMutex, &C::mCountSection, &C::mReaders, &C::mNoReaders);
+    PLAIN(ZAV_ReadWriteLock::ReadLock, 8, &C::mLock, &C::mAcquired);
+    PLAIN(ZAV_MutexSignaller, 16, &C::mMutex, &C::mSemaphore, &C::mWaiters, &C::mWaitersMutex);
+    PLAIN(ZAV_MutexSignaller::Lock, 8, &C::mSignaller, &C::mHeld);
+    PLAIN(ZAV_Monitor, 4);
+    PLAIN(ZAV_ReentrantMonitor, 16);
+    CLASS(ZAV_ResourceLockPool, ZAV_Object, 92, &C::mFileName, &C::mLocks, &C::mDirty);
+    CLASS(ZAV_Thread, ZAV_CltObject, 132, &C::mInfoString, &C::mHandle, &C::mThreadId, &C::mRunning,
+          &C::mRunningLock, &C::mFlag, &C::mCleanup);
 }
 
 TEST(Layout, Events) {
-    using Dispatcher = ZAV_EvDispatcher;
-    using Mgr = ZAV_TimerMgr;
-    Check({
-        LAYOUT(ZAV_Event, 20, Offset(&ZAV_Event::mDestination), Offset(&ZAV_Event::mType),
-               Offset(&ZAV_Event::mPriority)),
-        LAYOUT(ZAV_EventStop, 20),
-        LAYOUT(ZAV_EventSync, 32),
-        LAYOUT(ZAV_EventTimer, 32, Offset(&ZAV_EventTimer::mTimeout), Offset(&ZAV_EventTimer::mStart),
-               Offset(&ZAV_EventTimer::mId)),
-        LAYOUT(ZAV_EvHandlerBody, 12),
-        LAYOUT(ZAV_EvHandlerRef, 12),
-        LAYOUT(ZAV_EvHandlerHelper, 8),
-        LAYOUT(ZAV_SyncObjBody, 48, Offset(&ZAV_SyncObjBody::mFlag), Offset(&ZAV_SyncObjBody::mRegistered),
-               Offset(&ZAV_SyncObjBody::mSyncLock)),
-        LAYOUT(ZAV_TimerBody, 56, Offset(&ZAV_TimerBody::mStart), Offset(&ZAV_TimerBody::mTimeout)),
-        LAYOUT(ZAV_Listener, 8),
-        LAYOUT(ZAV_ListenerThread, 136),
-        LAYOUT(ZAV_EvDispatcherThread, 136),
-        LAYOUT(ZAV_EvDispatcher, 88, Offset(&Dispatcher::mListeners), Offset(&Dispatcher::mHandlers),
-               Offset(&Dispatcher::mSignaller), Offset(&Dispatcher::mQueue), Offset(&Dispatcher::mWaiting),
-               Offset(&Dispatcher::mStopping)),
-        LAYOUT(ZAV_TimerMgr, 64, Offset(&Mgr::mTimers), Offset(&Mgr::mLastId), Offset(&Mgr::mTimersMutex),
-               Offset(&Mgr::mStopped), Offset(&Mgr::mThread), Offset(&Mgr::mDispatcher),
-               Offset(&Mgr::mWakeUp)),
-    });
+    CLASS(ZAV_Event, ZAV_Link, 20, &C::mDestination, &C::mType, &C::mPriority);
+    CLASS(ZAV_EventStart, ZAV_Event, ANY);
+    CLASS(ZAV_EventStop, ZAV_Event, 20);
+    PLAIN(ZAV_EventSync, 32);
+    CLASS(ZAV_EventTimer, ZAV_Event, 32, &C::mTimeout, &C::mStart, &C::mId);
+    CLASS(ZAV_EvHandlerBody, ZAV_RefCount, 12);
+    CLASS(ZAV_EvHandlerRef, ZAV_Ref, 12);
+    CLASS(ZAV_EvHandlerHelper, ZAV_Object, 8);
+    CLASS(ZAV_SyncObjBody, ZAV_RefCount, 48, &C::mFlag, &C::mRegistered, &C::mSyncLock);
+    CLASS(ZAV_SyncObjRef, ZAV_Ref, ANY);
+    CLASS(ZAV_TimerBody, ZAV_SyncObjBody, 56, &C::mStart, &C::mTimeout);
+    CLASS(ZAV_TimerRef, ZAV_SyncObjRef, ANY);
+    CLASS(ZAV_Listener, ZAV_Link, 8);
+    PLAIN(ZAV_ListenerThread, 136);
+    PLAIN(ZAV_EvDispatcherThread, 136);
+    CLASS(ZAV_EvDispatcher, ZAV_Object, 88, &C::mListeners, &C::mHandlers, &C::mSignaller, &C::mQueue,
+          &C::mWaiting, &C::mStopping);
+    CLASS(ZAV_TimerMgr, ZAV_Listener, 64, &C::mTimers, &C::mLastId, &C::mTimersMutex, &C::mStopped,
+          &C::mThread, &C::mDispatcher, &C::mWakeUp);
 }

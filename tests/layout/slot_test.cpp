@@ -6,7 +6,6 @@
 
 #include <bit>
 #include <cstddef>
-#include <vector>
 
 namespace {
 
@@ -21,88 +20,66 @@ int Slot(Function function) {
     return entry & 1 ? static_cast<int>((entry - 1) / ptrdiff_t{sizeof(void*)}) : -1;
 }
 
-void Consecutive(const char* name, int first, const std::vector<int>& slots) {
-    for (size_t i = 0; i < slots.size(); i++)
-        EXPECT_EQ(first + static_cast<int>(i), slots[i]) << name << ", operation " << i;
+template <class... Functions>
+void Consecutive(const char* name, int first, Functions... operations) {
+    int expected = first;
+    for (const int slot : {Slot(operations)...}) EXPECT_EQ(expected++, slot) << name;
+}
+
+#define SLOTS(NAME, ...)                                                                                     \
+    do {                                                                                                     \
+        using C = NAME;                                                                                      \
+        Consecutive(#NAME, __VA_ARGS__);                                                                     \
+    } while (0)
+
+/// The overload with that signature.
+template <class Signature, class C>
+auto As(Signature C::*operation) {
+    return operation;
 }
 
 using Clt = ZAV_CltObject;
 
-template <class C>
-using AtPlain = Clt*& (C::*)(int);
-template <class C>
-using AtConst = Clt* const& (C::*)(int) const;
-
 } // namespace
 
-TEST(Slots, ObjectProtocol) {
-    Consecutive("ZAV_Object", 2,
-                {Slot(&ZAV_Object::GetRuntimeClass), Slot(&ZAV_Object::PrintOn), Slot(&ZAV_Object::DumpOn)});
-    Consecutive(
-        "ZAV_CltObject", 5,
-        {Slot(&Clt::Species), Slot(&Clt::Size), Slot(&Clt::IsEqual), Slot(&Clt::Compare), Slot(&Clt::Hash)});
-    Consecutive("ZAV_Exception", 5, {Slot(&ZAV_Exception::ToString)});
-    Consecutive("ZAV_Str", 2, {Slot(&ZAV_Str::PrintOn)});
-    using Key = ZAV_LookupKey;
-    Consecutive("ZAV_LookupKey", 10,
-                {Slot(&Key::ShallowCopy), Slot(&Key::DeepenShallowCopy),
-                 Slot(static_cast<Clt* (Key::*)(Clt*)>(&Key::Key)),
-                 Slot(static_cast<Clt* (Key::*)() const>(&Key::Key)),
-                 Slot(static_cast<Clt* (Key::*)(Clt*)>(&Key::Value)),
-                 Slot(static_cast<Clt* (Key::*)() const>(&Key::Value))});
-    Consecutive("ZAV_Integer", 10, {Slot(&ZAV_Integer::ShallowCopy), Slot(&ZAV_Integer::DeepenShallowCopy)});
-    Consecutive("ZAV_CltString", 10, {Slot(&ZAV_CltString::ShallowCopy)});
+TEST(Slots, ObjectsAndStrings) {
+    SLOTS(ZAV_Object, 2, &C::GetRuntimeClass, &C::PrintOn, &C::DumpOn);
+    SLOTS(ZAV_Exception, 5, &C::ToString);
+    SLOTS(ZAV_Str, 2, &C::PrintOn);
 }
 
 TEST(Slots, Collections) {
-    using C = ZAV_Collection;
-    Consecutive("ZAV_Collection", 10,
-                {Slot(&C::Add), Slot(&C::AddContentsTo), Slot(static_cast<AtPlain<C>>(&C::At)),
-                 Slot(static_cast<AtConst<C>>(&C::At)), Slot(&C::DoNext), Slot(&C::Remove),
-                 Slot(&C::RemoveAndDestroy), Slot(&C::AddAll), Slot(&C::RemoveAll),
-                 Slot(&C::DeepenShallowCopy), Slot(&C::DoFinish), Slot(&C::DoReset), Slot(&C::Clear),
-                 Slot(&C::ClearAndDestroy), Slot(&C::Includes), Slot(&C::IsEmpty), Slot(&C::OccurrencesOf)});
-    using S = ZAV_Set;
-    Consecutive("ZAV_Set", 27,
-                {Slot(&S::ShallowCopy), Slot(&S::FindIndexOf), Slot(&S::Capacity),
-                 Slot(&S::FindObjectWithKey), Slot(&S::ReSize)});
-    using D = ZAV_Dictionary;
-    Consecutive("ZAV_Dictionary", 32,
-                {Slot(&D::AddAssoc), Slot(&D::AddKeysTo), Slot(&D::AddValuesTo), Slot(&D::AssocAt),
-                 Slot(static_cast<Clt* (D::*)(const Clt*, Clt*)>(&D::AtKey)),
-                 Slot(static_cast<Clt* (D::*)(const Clt*) const>(&D::AtKey)), Slot(&D::IncludesAssoc),
-                 Slot(&D::IncludesKey), Slot(&D::KeyAtValue), Slot(&D::RemoveAssoc), Slot(&D::RemoveKey)});
-    using A = ZAV_ArrayObj;
-    Consecutive("ZAV_ArrayObj", 27,
-                {Slot(&A::ShallowCopy), Slot(&A::Capacity), Slot(&A::ReSize), Slot(&A::Sort)});
-    using Q = ZAV_SeqCltn;
-    Consecutive("ZAV_SeqCltn", 27,
-                {Slot(&Q::First), Slot(&Q::Last),
-                 Slot(static_cast<int (Q::*)(const Clt*) const>(&Q::IndexOf)), Slot(&Q::IndexOfSubCollection),
-                 Slot(&Q::ReplaceFrom)});
+    SLOTS(ZAV_CltObject, 5, &C::Species, &C::Size, &C::IsEqual, &C::Compare, &C::Hash);
+    SLOTS(ZAV_LookupKey, 10, &C::ShallowCopy, &C::DeepenShallowCopy, As<Clt*(Clt*)>(&C::Key),
+          As<Clt*() const>(&C::Key), As<Clt*(Clt*)>(&C::Value), As<Clt*() const>(&C::Value));
+    SLOTS(ZAV_Integer, 10, &C::ShallowCopy, &C::DeepenShallowCopy);
+    SLOTS(ZAV_CltString, 10, &C::ShallowCopy);
+    SLOTS(ZAV_Collection, 10, &C::Add, &C::AddContentsTo, As<Clt*&(int)>(&C::At),
+          As<Clt* const&(int) const>(&C::At), &C::DoNext, &C::Remove, &C::RemoveAndDestroy, &C::AddAll,
+          &C::RemoveAll, &C::DeepenShallowCopy, &C::DoFinish, &C::DoReset, &C::Clear, &C::ClearAndDestroy,
+          &C::Includes, &C::IsEmpty, &C::OccurrencesOf);
+    SLOTS(ZAV_Set, 27, &C::ShallowCopy, &C::FindIndexOf, &C::Capacity, &C::FindObjectWithKey, &C::ReSize);
+    SLOTS(ZAV_Dictionary, 32, &C::AddAssoc, &C::AddKeysTo, &C::AddValuesTo, &C::AssocAt,
+          As<Clt*(const Clt*, Clt*)>(&C::AtKey), As<Clt*(const Clt*) const>(&C::AtKey), &C::IncludesAssoc,
+          &C::IncludesKey, &C::KeyAtValue, &C::RemoveAssoc, &C::RemoveKey);
+    SLOTS(ZAV_ArrayObj, 27, &C::ShallowCopy, &C::Capacity, &C::ReSize, &C::Sort);
+    SLOTS(ZAV_SeqCltn, 27, &C::First, &C::Last, As<int(const Clt*) const>(&C::IndexOf),
+          &C::IndexOfSubCollection, &C::ReplaceFrom);
 }
 
 TEST(Slots, Values) {
-    using V = ZAV_UVal;
-    Consecutive("ZAV_UVal", 10,
-                {Slot(&V::DeepCopy),        Slot(&V::SetStrValue),         Slot(&V::GetStrValue),
-                 Slot(&V::SetPtrValue),     Slot(&V::GetPtrValue),         Slot(&V::SetCharValue),
-                 Slot(&V::GetCharValue),    Slot(&V::SetUCharValue),       Slot(&V::GetUCharValue),
-                 Slot(&V::SetShortValue),   Slot(&V::GetShortValue),       Slot(&V::SetUShortValue),
-                 Slot(&V::GetUShortValue),  Slot(&V::SetLongValue),        Slot(&V::GetLongValue),
-                 Slot(&V::SetULongValue),   Slot(&V::GetULongValue),       Slot(&V::SetFloatValue),
-                 Slot(&V::GetFloatValue),   Slot(&V::SetDoubleValue),      Slot(&V::GetDoubleValue),
-                 Slot(&V::GetCStringValue), Slot(&V::GetSystemStringValue)});
+    SLOTS(ZAV_UVal, 10, &C::DeepCopy, &C::SetStrValue, &C::GetStrValue, &C::SetPtrValue, &C::GetPtrValue,
+          &C::SetCharValue, &C::GetCharValue, &C::SetUCharValue, &C::GetUCharValue, &C::SetShortValue,
+          &C::GetShortValue, &C::SetUShortValue, &C::GetUShortValue, &C::SetLongValue, &C::GetLongValue,
+          &C::SetULongValue, &C::GetULongValue, &C::SetFloatValue, &C::GetFloatValue, &C::SetDoubleValue,
+          &C::GetDoubleValue, &C::GetCStringValue, &C::GetSystemStringValue);
 }
 
 TEST(Slots, ThreadsAndEvents) {
-    using T = ZAV_Thread;
-    Consecutive("ZAV_Thread", 10,
-                {Slot(&T::StopThread), Slot(&T::MySignalHandler), Slot(&T::GetInfoString),
-                 Slot(static_cast<void (T::*)(char*)>(&T::SetInfoString)), Slot(&T::run), Slot(&T::cleanup)});
-    Consecutive("ZAV_Event", 10, {Slot(&ZAV_Event::EmergencyCleanup)});
-    Consecutive("ZAV_EvHandlerBody", 5, {Slot(&ZAV_EvHandlerBody::HandleEvent)});
-    Consecutive("ZAV_EvHandlerHelper", 5,
-                {Slot(&ZAV_EvHandlerHelper::SetMaster), Slot(&ZAV_EvHandlerHelper::CheckEvent)});
-    Consecutive("ZAV_Listener", 10, {Slot(&ZAV_Listener::Listen), Slot(&ZAV_Listener::Stop)});
+    SLOTS(ZAV_Thread, 10, &C::StopThread, &C::MySignalHandler, &C::GetInfoString,
+          As<void(char*)>(&C::SetInfoString), &C::run, &C::cleanup);
+    SLOTS(ZAV_Event, 10, &C::EmergencyCleanup);
+    SLOTS(ZAV_EvHandlerBody, 5, &C::HandleEvent);
+    SLOTS(ZAV_EvHandlerHelper, 5, &C::SetMaster, &C::CheckEvent);
+    SLOTS(ZAV_Listener, 10, &C::Listen, &C::Stop);
 }

@@ -1,3 +1,4 @@
+#include <zavbase/foundation/new_handler.h>
 #include <zavbase/foundation/trace_stream.h>
 
 #include <sys/socket.h>
@@ -9,35 +10,30 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <string>
+
+#include "tests/support/file_support.h"
 
 namespace {
 
 // A viewer that listens in a run-time folder of its own.
 class Viewer : public ::testing::Test {
 protected:
-    void SetUp() override {
-        char folder[] = "/tmp/zavbase-test-XXXXXX";
-        mFolder = mkdtemp(folder);
-        setenv("XDG_RUNTIME_DIR", folder, 1);
+    Viewer() {
+        chmod(mFolder.Path().c_str(), 0700);
+        setenv("XDG_RUNTIME_DIR", mFolder.Path().c_str(), 1);
+        sockaddr_un address = {AF_UNIX, ""};
+        std::strcpy(address.sun_path, Channel().c_str());
+        EXPECT_EQ(0, bind(mSocket, reinterpret_cast<sockaddr*>(&address), sizeof address));
     }
-    void TearDown() override {
-        if (mSocket >= 0) close(mSocket);
-        unlink(Channel().c_str());
-        rmdir(mFolder.c_str());
+    ~Viewer() override {
+        close(mSocket);
         unsetenv("XDG_RUNTIME_DIR");
     }
 
-    std::string Channel() {
+    static std::string Channel() {
         char name[200] = "";
         ZAV_GetTraceChannel(name, sizeof name);
         return name;
-    }
-    void Listen() {
-        sockaddr_un address = {AF_UNIX, ""};
-        std::strcpy(address.sun_path, Channel().c_str());
-        mSocket = socket(AF_UNIX, SOCK_DGRAM, 0);
-        ASSERT_EQ(0, bind(mSocket, reinterpret_cast<sockaddr*>(&address), sizeof address));
     }
     std::string Receive() {
         char text[300];
@@ -50,24 +46,13 @@ protected:
         return ::testing::internal::GetCapturedStderr();
     }
 
-    std::string mFolder;
-    int mSocket = -1;
+    TestFolder mFolder;
+    int mSocket = socket(AF_UNIX, SOCK_DGRAM, 0);
 };
 
 } // namespace
 
-TEST_F(Viewer, TakesOverAndGivesBack) {
-    EXPECT_EQ("one", OnStandardError("one"));
-    Listen();
-    EXPECT_EQ("", OnStandardError("two"));
-    EXPECT_EQ("two", Receive());
-    close(mSocket);
-    mSocket = -1;
-    EXPECT_EQ("three", OnStandardError("three"));
-}
-
-TEST_F(Viewer, ThatDoesNotReadIsPassedOver) {
-    Listen();
+TEST_F(Viewer, ThatDoesNotReadIsPassedOverAndOneThatEndsGivesBack) {
     std::string passed;
     int sent = 0;
     for (; passed.empty(); ++sent) {
@@ -79,15 +64,22 @@ TEST_F(Viewer, ThatDoesNotReadIsPassedOver) {
     for (int i = 0; i < sent - 1; ++i) EXPECT_EQ(std::to_string(i), Receive());
     EXPECT_EQ("", OnStandardError("back"));
     EXPECT_EQ("back", Receive());
+    unlink(Channel().c_str());
+    EXPECT_EQ("ended", OnStandardError("ended"));
 }
 
 TEST_F(Viewer, InAFolderOpenToOthersIsNotTrusted) {
-    Listen();
-    chmod(mFolder.c_str(), 0755);
-    EXPECT_FALSE(Channel().starts_with(mFolder));
+    chmod(mFolder.Path().c_str(), 0755);
+    EXPECT_FALSE(Channel().starts_with(mFolder.Path()));
     EXPECT_EQ("secret", OnStandardError("secret"));
-    chmod(mFolder.c_str(), 0700);
     EXPECT_EQ("", Receive());
     char small[5];
     EXPECT_FALSE(ZAV_GetTraceChannel(small, sizeof small));
+}
+
+// Without SetNewHandler a failed allocation says so and ends the process with status 0. (Where that is a
+// message box, this test would wait for somebody to close it.)
+TEST(FatalDeathTest, TheDefaultPolicyEndsTheProcess) {
+    EXPECT_EXIT(std::get_new_handler()(), ::testing::ExitedWithCode(0),
+                "^Fatal Error: Memory Allocation Error, program will abort!\n$");
 }
