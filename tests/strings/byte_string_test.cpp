@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <random>
 #include <sstream>
 #include <string>
@@ -14,27 +13,16 @@ std::string bytes(const ZAV_Str& s) { return std::string(s.Ptr(), s.Size()); }
 // What the capacity of a buffer for `n` characters reports.
 unsigned roomFor(unsigned n) { return (n / 16 + 1) * 16 - 1; }
 
-// Reaches what derived classes may use.
-struct Open : ZAV_String {
-    using ZAV_String::operator=;
-    using ZAV_String::concatCopy;
-    unsigned RawCapacity() const { return mCapacity; }
-    void Terminate() { mData[mLength] = '\0'; }
-};
-
 TEST(ByteString, NaturalCallsPickTheRightConstructor) {
-    EXPECT_EQ(ZAV_String().Capacity(), 4294967295u);
-    for (unsigned room :
-         {ZAV_String(nullptr).Capacity(), ZAV_String(0u).Capacity(), ZAV_String(0).Capacity()})
-        EXPECT_EQ(room, 15u);
+    const ZAV_String none;
+    EXPECT_EQ(none.Capacity(), 4294967295u);
+    for (const ZAV_String& s : {ZAV_String(nullptr), ZAV_String(0u), ZAV_String(0), ZAV_String(none)})
+        EXPECT_EQ(s.Capacity(), 15u) << "owns a buffer";
     EXPECT_EQ(ZAV_String(size_t{20}).Capacity(), 31u);
     EXPECT_EQ(ZAV_String('x').Capacity(), roomFor(120));
     const unsigned char prefixed[] = {3, 'a', '\0', 'c', 'd'};
     EXPECT_EQ(bytes(ZAV_String(prefixed)), std::string("a\0c", 3));
-    EXPECT_EQ(bytes(ZAV_String("a\0b", 3)), std::string("a\0b", 3));
     EXPECT_EQ(bytes(ZAV_String('z', 17)), std::string(17, 'z'));
-    ZAV_String copy = ZAV_String();
-    EXPECT_EQ(ZAV_String(copy).Capacity(), 15u) << "a copy of an empty string owns a buffer";
 }
 
 // The hidden slack must not show: capacities are those of growth by 16, step by step.
@@ -44,62 +32,97 @@ TEST(ByteString, CapacityGrowsAsIfByReallocation) {
         const char* const before = s.Ptr();
         s += 'a';
         ASSERT_EQ(s.Capacity(), n <= 16 ? 15 : roomFor(n % 16 == 0 ? n - 1 : n)) << n;
-        ASSERT_EQ(s.Ptr()[n], '\0');
-        if (n <= 17) {
-            ASSERT_EQ(s.Ptr() == before, n <= 16) << "the first buffer has no slack";
-        }
+        ASSERT_TRUE(n > 17 || (s.Ptr() == before) == (n <= 16)) << "the first buffer has no slack";
     }
-    EXPECT_EQ(bytes(s), std::string(2000, 'a'));
     EXPECT_EQ(s.ReSize(5), roomFor(2000));
-    EXPECT_EQ(ZAV_String(s).Capacity(), roomFor(2000));
     s = "short";
     EXPECT_EQ(s.Capacity(), roomFor(2000)) << "assignment keeps the buffer";
     EXPECT_EQ(s.ReSize(5), 15u) << "ReSize may shrink it";
     EXPECT_STREQ(s, "short");
+
+    struct Open : ZAV_String {
+        Open() : ZAV_String("ab") { concatCopy(mLength, mData, 20, "cdefghijklmnopqrstuvwxyz"); }
+        std::string Text() const { return std::string(mData, mLength) + std::to_string(mCapacity); }
+    };
+    EXPECT_EQ(Open().Text(), "abcdefghijklmnopqrstuv32") << "for derived classes, from its own text";
 }
 
-TEST(ByteString, AppendsAndAssignsItsOwnText) {
+// The source is elsewhere, or it lies before, across or behind the range in the string's own buffer, which
+// any step may have to enlarge.
+TEST(ByteString, SplicesAppendsAndAssignsAsTheModelDoes) {
+    std::mt19937 engine(7);
+    const auto random = [&engine] { return static_cast<unsigned>(engine()); };
+    ZAV_String own;
+    std::string model;
+    for (int i = 0; i < 30000; ++i) {
+        const unsigned size = static_cast<unsigned>(model.size());
+        const unsigned pos = random() % (size + 1), len = random() % (size - pos + 1);
+        const unsigned from = random() % (size + 1), n = random() % (size - from + 1);
+        const std::string sources[] = {model, model.substr(from, n), model.substr(from),
+                                       std::string(random() % 20, static_cast<char>('a' + i % 26))};
+        const unsigned kind = random() % 4;
+        const auto withSource = [&](auto use) {
+            if (kind == 0) use(own);
+            if (kind == 1) use(own(from, n));
+            if (kind == 2) use(own.Ptr() + from);
+            if (kind == 3) use(sources[3].c_str());
+        };
+        const char* const buffer = own.Ptr();
+        const unsigned what = random() % 10;
+        if (what == 0) {
+            withSource([&](const auto& source) { own = source; });
+            model = sources[kind];
+            ASSERT_TRUE(kind == 3 || own.Ptr() == buffer);
+        } else if (what == 1) {
+            withSource([&](const auto& source) { own += source; });
+            model += sources[kind];
+        } else {
+            withSource([&](const auto& source) { own(pos, len) = source; });
+            model.replace(pos, len, sources[kind]);
+        }
+        ASSERT_EQ(bytes(own), model) << i;
+        ASSERT_EQ(own.Ptr()[own.Length()], '\0');
+        ASSERT_GT(own.Capacity() + 2, own.Length()) << i;
+        if (model.size() <= 300) continue;
+        own.Empty();
+        model.clear();
+    }
+}
+
+TEST(ByteString, AViewLeftOverFromASpliceStaysInsideItsOwner) {
     ZAV_String s("0123456789");
-    s += s;
-    s += s;
-    EXPECT_STREQ(s, "0123456789012345678901234567890123456789");
-    s += s(38, 2);
-    s += s.Ptr() + 35;
-    EXPECT_STREQ(s.Ptr() + 38, "89895678989");
-    ZAV_String tail("0123456789");
-    tail = tail.Ptr() + 7;
-    EXPECT_STREQ(tail, "789");
-    tail = tail;
-    EXPECT_STREQ(tail, "789");
-
-    ZAV_String t("0123456789");
-    const char* const buffer = t.Ptr();
-    t = t(2, 3);
-    EXPECT_STREQ(t, "234");
-    EXPECT_EQ(t.Ptr(), buffer);
-
-    Open joined;
-    joined = "ab";
-    joined.concatCopy(joined.Length(), joined.Ptr(), 20, "cdefghijklmnopqrstuvwxyz");
-    joined.Terminate();
-    EXPECT_STREQ(joined, "abcdefghijklmnopqrstuv");
-    EXPECT_EQ(joined.RawCapacity(), 32u);
+    ZAV_SubString view = s(3, 2);
+    view = "abcdef";
+    EXPECT_STREQ(s, "012abcdef56789");
+    EXPECT_TRUE(view == "ab" && view.Position() == 3);
+    view = view + view;
+    EXPECT_STREQ(s, "012ababcdef56789");
+    s = "0123456789";
+    ZAV_SubString wide = s(3, 5);
+    wide = "";
+    EXPECT_STREQ(s, "01289");
+    wide = "abcde";
+    EXPECT_STREQ(s, "012abcde");
+    s = "01";
+    wide = "lost";
+    EXPECT_STREQ(s, "01") << "a view behind the end reaches nothing";
+    ZAV_SubStr none;
+    none = s;
+    EXPECT_EQ(none.Size(), 0u);
 }
 
 TEST(ByteString, NulBytesSurviveCopiesAndSums) {
     const std::string raw("a\0b", 3);
-    ZAV_String s(raw.data(), 3), t;
-    t = s;
-    t += s;
-    EXPECT_EQ(bytes(t), raw + raw);
-    EXPECT_EQ(bytes(s + s(1, 2)), raw + raw.substr(1));
+    const ZAV_String s(raw.data(), 3);
     EXPECT_EQ(bytes(s + s(0, 3) + (s(0, 3) + s)), raw + raw + raw + raw);
     EXPECT_EQ(bytes(s(0, 1) + "z"), "az");
     EXPECT_TRUE(s(0, 1) + s(2, 1) == "ab" && s(0, 1) + ZAV_Str(s(2, 1)) + "c" == "abc") << "no addresses";
     EXPECT_EQ(bytes('x' + s), "x" + raw);
     EXPECT_EQ(bytes("x" + s(1, 2)), "x" + raw.substr(1));
+    ZAV_String t("abc");
     t(1, 1) = s;
-    EXPECT_EQ(bytes(t), "a" + raw + "b" + raw);
+    t += s;
+    EXPECT_EQ(bytes(t), "a" + raw + "c" + raw);
     EXPECT_STREQ((s + 'c' + nullptr).Ptr(), "a");
 }
 
@@ -119,14 +142,10 @@ TEST(ByteString, EqualityIsBinaryAndTheRestEndsAtNul) {
     EXPECT_TRUE(text(0, 0) == "" && text(0, 0) < text);
 }
 
-TEST(ByteString, SearchesGiveIndicesFromTheStart) {
+TEST(ByteString, SearchesAndChangesOfCase) {
     ZAV_String s("one two one");
-    EXPECT_EQ(s.Find('o', 1), 6);
-    EXPECT_EQ(s.Find("one", 1), 8);
-    EXPECT_EQ(s.Find("three"), -1);
-    EXPECT_EQ(s.Find('\0'), 11);
-    EXPECT_EQ(s.ReverseFind('o'), 8);
-    EXPECT_EQ(s.FindOneOf(" tw", 4), 4);
+    EXPECT_TRUE(s.Find('o', 1) == 6 && s.Find("one", 1) == 8 && s.Find("three") == -1 && s.Find('\0') == 11);
+    EXPECT_TRUE(s.ReverseFind('o') == 8 && s.FindOneOf(" tw", 4) == 4) << "indices from the start";
     ZAV_String cut("aba\0a", 5);
     cut.FindAndReplace('a', 'x');
     EXPECT_EQ(bytes(cut), std::string("xbx\0a", 5));
@@ -139,74 +158,21 @@ TEST(ByteString, SearchesGiveIndicesFromTheStart) {
 }
 
 TEST(ByteString, TrimmingKeepsTheBuffer) {
-    const char* const rows[][3] = {
-        {"", "", ""}, {" \t\r\n", "", ""}, {"  a b  ", "a b  ", "  a b"}, {"\v\fx\n", "x\n", "\v\fx"}};
-    for (const auto& [text, trimmedLeft, trimmedRight] : rows) {
+    const char* const rows[][2] = {
+        {"", "|"}, {" \t\r\n", "|"}, {"  a b  ", "a b  |  a b"}, {"\v\fx\n", "x\n|\v\fx"}};
+    for (const auto& [text, trimmed] : rows) {
         ZAV_String left(text), right(text);
         const char* const buffer = left.Ptr();
         left.TrimLeft();
         right.TrimRight();
-        EXPECT_EQ(bytes(left), trimmedLeft);
+        EXPECT_EQ(bytes(left) + "|" + bytes(right), trimmed);
         EXPECT_EQ(left.Ptr(), buffer);
-        EXPECT_EQ(bytes(right), trimmedRight);
     }
     ZAV_String empty, cut("a \0b ", 5);
     empty.TrimLeft();
     empty.TrimRight();
     cut.TrimRight();
     EXPECT_EQ(cut.Length(), 1u) << "only the text up to the NUL counts";
-}
-
-TEST(ByteString, SplicesAsTheModelDoes) {
-    ZAV_String s("0123456789");
-    ZAV_SubString view = s(3, 2);
-    view = "abcdef";
-    EXPECT_STREQ(s, "012abcdef56789");
-    EXPECT_TRUE(view == "ab" && view.Position() == 3);
-    view = view + view;
-    EXPECT_STREQ(s, "012ababcdef56789");
-
-    // Sources from elsewhere, and from before, across and behind the range in the own buffer.
-    std::mt19937 engine(7);
-    const auto random = [&engine] { return static_cast<unsigned>(engine()); };
-    ZAV_String own;
-    std::string model;
-    for (int i = 0; i < 20000; ++i) {
-        const unsigned size = static_cast<unsigned>(model.size());
-        const unsigned pos = random() % (size + 1), len = random() % (size - pos + 1);
-        const unsigned from = random() % (size + 1), n = random() % (size - from + 1);
-        std::string source = model.substr(from, n);
-        if (i % 3 == 0) {
-            own(pos, len) = own(from, n);
-        } else if (i % 3 == 1) {
-            source = model.substr(from);
-            own(pos, len) = own.Ptr() + from;
-        } else {
-            source = std::string(random() % 20, static_cast<char>('a' + i % 26));
-            own(pos, len) = source.c_str();
-        }
-        model.replace(pos, len, source);
-        ASSERT_EQ(bytes(own), model) << i;
-        ASSERT_EQ(own.Ptr()[own.Length()], '\0');
-        ASSERT_GT(own.Capacity() + 2, own.Length()) << i;
-        if (model.size() > 300) model = "x", own = "x";
-    }
-}
-
-TEST(ByteString, AViewLeftOverFromASpliceStaysInsideItsOwner) {
-    ZAV_String s("0123456789");
-    ZAV_SubString view = s(3, 5);
-    view = "";
-    EXPECT_STREQ(s, "01289");
-    EXPECT_EQ(view.Length(), 5u);
-    view = "abcde";
-    EXPECT_STREQ(s, "012abcde");
-    s = "01";
-    view = "lost";
-    EXPECT_STREQ(s, "01") << "a view behind the end reaches nothing";
-    ZAV_SubStr none;
-    none = s;
-    EXPECT_EQ(none.Size(), 0u);
 }
 
 TEST(ByteString, ReadsAppendAndGrowBySixteen) {
@@ -221,10 +187,8 @@ TEST(ByteString, ReadsAppendAndGrowBySixteen) {
     std::istringstream parts(" \n a;b;" + std::string(40, 'c') + std::string("\0d", 2));
     ZAV_String s("> ");
     s.ReadLine(parts, B_TRUE);
-    EXPECT_STREQ(s.Ptr(), ("> a;b;" + std::string(40, 'c')).c_str());
-    EXPECT_EQ(bytes(s).substr(46), std::string("\0d", 2));
     s.ReadString(parts);
-    EXPECT_EQ(s.Length(), 48u) << "a stream at its end gives nothing";
+    EXPECT_EQ(bytes(s), "> a;b;" + std::string(40, 'c') + std::string("\0d", 2)) << "nothing at the end";
 
     std::istringstream fields("a;b" + std::string(1, '\0') + "rest");
     ZAV_String field;

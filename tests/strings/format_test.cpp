@@ -26,9 +26,8 @@ TEST(Format, Integers) {
     EXPECT_EQ(made("%.3d|%8.3d|%08.3d|%.0d|%#.0o|%#.3o", 5, 5, 5, 0, 0, 8), "005|     005|     005||0|010");
     EXPECT_EQ(made("%ld %lu %lld %llu", -1L, 4294967295UL, INT64_MIN, UINT64_MAX),
               "-1 4294967295 -9223372036854775808 18446744073709551615");
-    EXPECT_EQ(
-        made("%hd %hhd %hu %hhu %zu %td %jd", 70000, 300, 70000, 300, size_t{9}, ptrdiff_t{-9}, intmax_t{9}),
-        "4464 44 4464 44 9 -9 9");
+    EXPECT_EQ(made("%hd %hhd %hu %hhu", 70000, 300, 70000, 300), "4464 44 4464 44");
+    EXPECT_EQ(made("%zu %td %jd", size_t{9}, ptrdiff_t{-9}, intmax_t{9}), "9 -9 9");
     EXPECT_EQ(made("%I64d %I32d %Nd %Fd", int64_t{1} << 40, 5, 6, 7), "1099511627776 5 6 7");
     EXPECT_EQ(made("%*d|%-*d|%*d|%.*d|%.*d", 4, 1, 4, 2, -4, 3, 3, 4, -1, 5), "   1|2   |3   |004|5");
     EXPECT_EQ(made("%p", reinterpret_cast<void*>(0xBEEF)), std::string(2 * sizeof(void*) - 4, '0') + "BEEF");
@@ -83,12 +82,9 @@ TEST(Format, ReservesItsEstimate) {
 }
 
 TEST(Format, ArgumentsMayPointIntoTheString) {
-    ZAV_String s("self");
-    s.Format("%s-%s", s.Ptr(), s.Ptr() + 2);
-    EXPECT_STREQ(s, "self-lf");
-    s = "%s";
-    s.Format(s, s.Ptr());
-    EXPECT_STREQ(s, "%s");
+    ZAV_String s("%s-%s");
+    s.Format(s, s.Ptr(), s.Ptr() + 4);
+    EXPECT_STREQ(s, "%s-%s-s");
     EXPECT_STREQ(ZAV_UTFString().Format("%s%d", "caf\xE9", 1), "caf#1");
 }
 

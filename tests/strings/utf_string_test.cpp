@@ -5,7 +5,6 @@
 #include <random>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include <zavbase/strings/utf_string.h>
 
@@ -13,44 +12,24 @@ namespace {
 
 const char kEuro[] = "\xE2\x82\xAC";
 
-// The scanning functions one rune at a time, as they are defined.
-int plainStep(const char* s) {
-    Rune r;
-    return static_cast<unsigned char>(*s) < 0xA0 ? 1 : chartorune(&r, s);
-}
-
-int plainLength(const char* s) {
-    int n = 0;
-    for (; *s; s += plainStep(s)) ++n;
-    return n;
-}
-
-bool plainValid(const char* s) {
-    for (; *s; s += plainStep(s))
-        if (static_cast<unsigned char>(*s) >= 0xA0 && !isutf(s)) return false;
-    return true;
-}
-
 TEST(Rune, DecodesAndFailsByTheRules) {
     const struct {
         const char* bytes;
         int length;
         unsigned rune;
-    } rows[] = {{"A", 1, 'A'},
-                {kEuro, 3, 0x20AC},
-                {"\xC0\x80", 1, 0x80},
-                {"\xE0\x9F\xBF", 1, 0x80},
-                {"\xF0\x90\x80\x80", 1, 0x80},
-                {"\x80", 1, 0x80},
-                {"\xC3 ", 1, 0x80},
-                {"\xE2\x82", 1, 0x80},
-                {"\xFF", 1, 0x80}};
+    } rows[] = {{"A", 1, 'A'}, {kEuro, 3, 0x20AC}, {"\xC2\x80", 2, 0x80}};
     for (const auto& row : rows) {
         Rune r = 1;
         EXPECT_EQ(chartorune(&r, row.bytes), row.length) << row.bytes;
         EXPECT_EQ(r, row.rune) << row.bytes;
-        const bool failed = row.rune == 0x80 && row.length == 1;
-        EXPECT_EQ(isutf(row.bytes), failed ? 0 : row.length) << row.bytes;
+        EXPECT_EQ(isutf(row.bytes), row.length) << row.bytes;
+    }
+    for (const char* wrong :
+         {"\xC0\x80", "\xE0\x9F\xBF", "\xF0\x90\x80\x80", "\x80", "\xC3 ", "\xE2\x82", "\xFF"}) {
+        Rune r = 1;
+        EXPECT_EQ(chartorune(&r, wrong), 1) << wrong;
+        EXPECT_EQ(r, 0x80) << wrong;
+        EXPECT_EQ(isutf(wrong), 0) << wrong;
     }
     for (long r = 0; r < 0x10000; ++r) {
         char text[4] = {};
@@ -65,59 +44,60 @@ TEST(Rune, DecodesAndFailsByTheRules) {
 }
 
 TEST(Rune, PositionsCountRunes) {
-    const std::string text = std::string("A") + kEuro + "B\x85";
+    const std::string text = std::string("A") + kEuro + "B\x85", twice = text + text;
     const char* const s = text.c_str();
-    EXPECT_EQ(utflen(s), 4);
-    const int offsets[] = {0, 1, 4, 5, 6, 6};
-    for (unsigned n = 0; n < 6; ++n) {
-        EXPECT_EQ(utfbytepos(s, n), offsets[n]);
-        EXPECT_EQ(utfnsize(s, n), offsets[n]);
-    }
-    const int runes[] = {0, 1, -1, -1, 2, 3, 4, -1};
+    const int offsets[] = {0, 1, 4, 5, 6, 6}, runes[] = {0, 1, -1, -1, 2, 3, 4, -1};
+    for (unsigned n = 0; n < 6; ++n)
+        EXPECT_TRUE(utfbytepos(s, n) == offsets[n] && utfnsize(s, n) == offsets[n]) << n;
     for (unsigned at = 0; at < 8; ++at) EXPECT_EQ(utfrunepos(s, at), runes[at]) << at;
     EXPECT_EQ(utfbytepos(nullptr, 3) + utfnsize(nullptr, 3) + utfrunepos(nullptr, 3), 0);
     EXPECT_EQ(utfrune(s, 0x20AC), s + 1);
     EXPECT_EQ(utfrune(s, 0x85), s + 5) << "a lone byte below 0xA0 is a rune";
     EXPECT_EQ(utfrune(s, 0xAC), nullptr) << "not the last byte of the euro sign";
     EXPECT_EQ(utfrune(s, 0), s + 6);
-    const std::string twice = text + text;
     EXPECT_EQ(utfrrune(twice.c_str(), 0x20AC), twice.c_str() + 7);
-    EXPECT_EQ(utfutf(s, "\xACG"), nullptr);
-    EXPECT_EQ(utfutf(s, "B"), s + 4);
-    EXPECT_TRUE(isutfstr(nullptr) && isutfstr("a\x85") && isutfstr("\x9F") && !isutfstr("\xC3 ") &&
-                !isutfstr("\xA0"));
+    EXPECT_TRUE(!utfutf(s, "\xACG") && utfutf(s, "B") == s + 4);
+    EXPECT_TRUE(isutfstr(nullptr));
 }
 
-// Whole blocks are looked at at once: every pair of neighbours and every place in a block must agree.
+// Whole blocks are looked at at once: every pair of neighbours and every place in a block must agree with
+// looking at one rune at a time.
 TEST(Rune, BlockScansAgreeWithTheDefinition) {
-    const std::vector<std::string> pieces = {"a",
-                                             "bcdefghijklmnopq",
-                                             "\xC3\xA9",
-                                             kEuro,
-                                             "\xE0\xA0\x80",
-                                             "\x80",
-                                             "\x9F",
-                                             "\xA0",
-                                             "\xC2",
-                                             "\xE2\x82",
-                                             "\xE0\x9F\xBF",
-                                             "\xC1\x81",
-                                             "\xF0\x9F\x98\x80",
-                                             "\xFF",
-                                             "\xED\xA0\x80"};
+    const char* const pieces[] = {"a",
+                                  "bcdefghijklmnopq",
+                                  "\xC3\xA9",
+                                  kEuro,
+                                  "\xE0\xA0\x80",
+                                  "\x80",
+                                  "\x9F",
+                                  "\xA0",
+                                  "\xC2",
+                                  "\xE2\x82",
+                                  "\xC1\x81",
+                                  "\xE0\x9F\xBF",
+                                  "\xF0\x9F\x98\x80",
+                                  "\xFF",
+                                  "\xED\xA0\x80"};
     std::mt19937 random(3);
     for (int i = 0; i < 30000; ++i) {
-        const size_t kinds = i % 3 == 0 ? pieces.size() : 5;
+        const size_t kinds = i % 3 == 0 ? std::size(pieces) : 5;
         std::string text(random() % 40, 'x');
-        const size_t count = random() % 60;
-        for (size_t k = 0; k < count; ++k) text += pieces[random() % kinds];
+        for (size_t count = random() % 60; count > 0; --count) text += pieces[random() % kinds];
         if (i % 5 == 0 && !text.empty())
             text[random() % text.size()] = static_cast<char>(128 + random() % 128);
         // A copy of exactly this size lets the address sanitizer see any read beyond the NUL.
         const std::unique_ptr<char[]> exact(new char[text.size() + 1]);
         std::memcpy(exact.get(), text.c_str(), text.size() + 1);
-        ASSERT_EQ(utflen(exact.get()), plainLength(exact.get())) << i;
-        ASSERT_EQ(isutfstr(exact.get()) != 0, plainValid(exact.get())) << i;
+        int length = 0;
+        bool valid = true;
+        Rune rune;
+        for (const char* s = exact.get(); *s; ++length) {
+            const bool plain = static_cast<unsigned char>(*s) < 0xA0;
+            valid = valid && (plain || isutf(s));
+            s += plain ? 1 : chartorune(&rune, s);
+        }
+        ASSERT_EQ(utflen(exact.get()), length) << i;
+        ASSERT_EQ(isutfstr(exact.get()) != 0, valid) << i;
     }
     std::string euros;
     for (int i = 0; i < 5000; ++i) euros += kEuro;
@@ -125,28 +105,25 @@ TEST(Rune, BlockScansAgreeWithTheDefinition) {
 }
 
 TEST(Rune, ConversionsStopWhereTheyShould) {
+    constexpr unsigned toNul = 0xFFFFFFFF;
     Rune runes[8];
     char text[16];
     unsigned n = 9;
-    EXPECT_EQ(UTFtoUnicode(runes, 8, "A\xE2\x82\xAC\xFF", 0xFFFFFFFFu, &n), -2);
-    EXPECT_EQ(n, 3u);
-    EXPECT_TRUE(runes[0] == 'A' && runes[1] == 0x20AC && runes[2] == '?' && runes[3] == 0);
-    EXPECT_EQ(UTFtoUnicode(runes, 2, "AB", 0xFFFFFFFFu, &n), -1) << "no room for the NUL";
+    EXPECT_EQ(UTFtoUnicode(runes, 8, "A\xE2\x82\xAC\xFF", toNul, &n), -2);
+    EXPECT_TRUE(n == 3 && runes[0] == 'A' && runes[1] == 0x20AC && runes[2] == '?' && runes[3] == 0);
+    EXPECT_EQ(UTFtoUnicode(runes, 2, "AB", toNul, &n), -1) << "no room for the NUL";
     EXPECT_EQ(n, 2u);
     EXPECT_EQ(UTFtoUnicode(runes, 2, "ABC", 2, &n), 0) << "a counted source needs none";
     EXPECT_EQ(UTFtoUnicode(runes, 8, kEuro, 2, &n), -2) << "cut off by the count";
     EXPECT_EQ(n, 2u);
 
-    EXPECT_EQ(UTFtoLatin1(text, 16, kEuro, 0xFFFFFFFFu, &n), -2);
-    EXPECT_STREQ(text, "?");
-    EXPECT_EQ(UTFtoLatin1(text, 16, "\xC3\xA9\xC2\x80", 0xFFFFFFFFu, &n), -2) << "U+0080 is the error rune";
-    EXPECT_STREQ(text, "\xE9?");
-    const Rune source[] = {0xE9, 0x100, 'x', 0};
-    EXPECT_EQ(UnicodetoLatin1(text, 16, source, 0xFFFFFFFFu, &n), -2);
+    EXPECT_EQ(UTFtoLatin1(text, 16, "\xE2\x82\xAC\xC3\xA9\xC2\x80", toNul, &n), -2);
+    EXPECT_STREQ(text, "?\xE9?") << "U+0080 is the error rune";
+    const Rune source[] = {0xE9, 0x100, 'x', 0}, euro[] = {0x20AC, 0};
+    EXPECT_EQ(UnicodetoLatin1(text, 16, source, toNul, &n), -2);
     EXPECT_STREQ(text, "\xE9?x");
 
     int count = 0;
-    const Rune euro[] = {0x20AC, 0};
     EXPECT_EQ(UTFfromUnicode(text, 5, euro, -1, &count), 0) << "the NUL is seen before the room is";
     EXPECT_STREQ(text, kEuro);
     EXPECT_EQ(count, 3);
@@ -154,7 +131,7 @@ TEST(Rune, ConversionsStopWhereTheyShould) {
     EXPECT_EQ(UTFfromUnicode(text, 4, source, 2, &count), -1);
     EXPECT_EQ(count, 2);
     EXPECT_EQ(UTFfromLatin1(text, 2, "a", 1, &n), -1);
-    EXPECT_EQ(UTFfromLatin1(text, 16, "\xE9z", 0xFFFFFFFFu, &n), 0);
+    EXPECT_EQ(UTFfromLatin1(text, 16, "\xE9z", toNul, &n), 0);
     EXPECT_STREQ(text, "\xC3\xA9z");
     EXPECT_EQ(UnicodefromLatin1(runes, 2, "\xE9z", 2, &n), 0);
     EXPECT_TRUE(n == 2 && runes[0] == 0xE9);
@@ -162,62 +139,55 @@ TEST(Rune, ConversionsStopWhereTheyShould) {
 }
 
 TEST(UTFString, IncomingTextIsCleaned) {
-    const char dirty[] = "caf\xE9 \xC3\xA9";
-    const char clean[] = "caf# ##";
-    const ZAV_String bytes(dirty);
-    EXPECT_STREQ(ZAV_UTFString(bytes), clean);
-    EXPECT_STREQ(ZAV_UTFString(bytes(0, 4)), "caf#");
+    const std::string dirty = "caf\xE9 \xC3\xA9", clean = "caf# ##", euro = kEuro;
+    const ZAV_String bytes(dirty.c_str());
     ZAV_UTFString u(kEuro);
-    u += dirty;
+    u += dirty.c_str();
     u += bytes;
     u += bytes(3, 1);
     u += '\xE9';
-    EXPECT_STREQ(u, (std::string(kEuro) + clean + clean + "##").c_str()) << "what was there stays";
+    EXPECT_EQ(u.Ptr(), euro + clean + clean + "##") << "what was there stays";
     u = bytes;
-    EXPECT_STREQ(u, clean);
+    EXPECT_EQ(u.Ptr(), clean);
     u = bytes(0, 4);
     EXPECT_STREQ(u, "caf#");
     u = kEuro;
-    EXPECT_STREQ(u + bytes, (std::string(kEuro) + clean).c_str());
-    EXPECT_STREQ(dirty + u, (std::string(clean) + kEuro).c_str());
-    EXPECT_STREQ(u + bytes(0, 4) + u(0, 1), (std::string(kEuro) + "caf#" + kEuro).c_str());
-    EXPECT_STREQ(bytes + u + u(0, 1), (std::string(dirty) + kEuro + kEuro).c_str())
-        << "bytes on the left stay";
-    EXPECT_STREQ("\xE9" + u(0, 1), (std::string("#") + kEuro).c_str());
+    EXPECT_EQ((u + bytes).Ptr(), euro + clean);
+    EXPECT_EQ((dirty.c_str() + u).Ptr(), clean + euro);
+    EXPECT_EQ((u + bytes(0, 4) + u(0, 1)).Ptr(), euro + "caf#" + euro);
+    EXPECT_EQ((bytes + u + u(0, 1)).Ptr(), dirty + euro + euro) << "bytes on the left stay";
+    EXPECT_EQ(("\xE9" + u(0, 1)).Ptr(), "#" + euro);
     u(0, 1) = bytes;
     u(0, 4) = "\xFF";
     EXPECT_STREQ(u, "# ##");
+    EXPECT_STREQ(ZAV_UTFString(bytes(0, 4)), "caf#");
     EXPECT_STREQ(ZAV_UTFString("a\0\xE9", 3).Ptr() + 2, "#") << "behind a NUL, too";
     EXPECT_STREQ(ZAV_UTFString("\x85"), "\x85");
 }
 
 TEST(UTFString, CountsInRunes) {
     ZAV_UTFString u = ZAV_UTFString("a") + kEuro + "b" + kEuro;
-    EXPECT_EQ(u.Length(), 4u);
-    EXPECT_EQ(u.Size(), 8u);
+    EXPECT_TRUE(u.Length() == 4 && u.Size() == 8);
     ZAV_UTFSubString view = u(1, 1);
     EXPECT_TRUE(view.Size() == 3 && view.Length() == 1 && view.Position() == 1 && view == kEuro);
-    EXPECT_EQ(u(3, 9).Size(), 3u);
-    EXPECT_EQ(u(9, 1).Size(), 0u);
+    EXPECT_TRUE(u(3, 9).Size() == 3 && u(9, 1).Size() == 0);
     EXPECT_EQ(u.Find("b"), 2);
     EXPECT_EQ(u.Find(kEuro, 2), 3) << "starts at a byte, answers a rune";
     EXPECT_EQ(u.Find('b'), 4) << "characters are found by byte";
     EXPECT_EQ(ZAV_UTFString("x#").Find("\xE9"), 1) << "the sought text is cleaned";
     view = "xyz";
-    EXPECT_STREQ(u, ("axyzb" + std::string(kEuro)).c_str());
+    EXPECT_STREQ(u, "axyzb\xE2\x82\xAC");
     u = u(1, 2);
-    EXPECT_STREQ(u, "xy");
     u(0, 1) = u;
     EXPECT_STREQ(u, "xyy");
 }
 
 TEST(UTFString, ComparesAsItsBaseWhateverTheOperands) {
-    const ZAV_UTFString u("a\0b", 3), v("a\0c", 3);
+    const ZAV_UTFString u("a\0b", 3), v("a\0c", 3), w("xyz");
     const ZAV_String s("a\0b", 3), t("a\0c", 3);
     EXPECT_TRUE(u == s && s == u && !(u == v) && !(s == v) && !(u == t));
     EXPECT_TRUE(!(u != v) && !(s != v) && !(v != s)) << "!= ends at the NUL on either side";
     EXPECT_TRUE(u == "a" && "a" == u && u < "b" && "b" > u);
-    const ZAV_UTFString w("xyz");
     EXPECT_TRUE(w == w(0, 3) && w(0, 3) == w && w(0, 1) == ZAV_String("x")(0, 1) && w(0, 2) != w &&
                 w != w(0, 2));
 }
@@ -233,8 +203,7 @@ TEST(UTFString, ReadsAndPrints) {
 
     std::ostringstream os;
     os.setf(std::ios_base::showbase | std::ios_base::uppercase);
-    const ZAV_UTFString u = ZAV_UTFString("a") + kEuro + "\xC3\xA9\x85";
-    os << u << ' ' << 10;
+    os << ZAV_UTFString("a\xE2\x82\xAC\xC3\xA9") << ZAV_UTFString("\x85") << ' ' << 10;
     EXPECT_EQ(os.str(), "a[20ac][e9]\x85 10");
 }
 
