@@ -14,32 +14,23 @@
 
 namespace {
 
-struct Arg {
-    const char* mTag;
-    const char* mValue;
-};
-
-// The identifier is the text: there is no resource.
-ZAV_I18nMsg Message(const char* text, const std::vector<Arg>& args) {
-    ZAV_I18nMsg msg{ZAV_UTFString(text)};
-    for (const Arg& a : args) msg.AddArg(a.mTag, a.mValue, ZAV_I18N_STRING);
-    return msg;
-}
-
-std::vector<std::string> Texts(ZAV_OrderedCltn list, bool utf) {
-    std::vector<std::string> texts;
-    for (int i = 0; i < static_cast<int>(list.Size()); ++i)
-        texts.emplace_back(utf ? static_cast<ZAV_CltUTFString*>(list[i])->Ptr()
-                               : static_cast<ZAV_CltString*>(list[i])->Ptr());
-    list.ClearAndDestroy();
-    return texts;
+// The identifier is the text where there is no resource.
+std::string Formatted(const ZAV_I18nMsg& msg, ZAV_I18nResource* own = nullptr,
+                      ZAV_I18nResource* base = nullptr) {
+    return msg.Format("", own, base).Ptr();
 }
 
 template <class Number>
 std::string Formatted(Number value, const char* format) {
     ZAV_I18nMsg msg("<<n>>");
     msg.AddArg("<<n>>", value, format, ZAV_I18N_STRING);
-    return msg.Format("", nullptr, nullptr).Ptr();
+    return Formatted(msg);
+}
+
+std::string PrintedAndDestroyed(ZAV_OrderedCltn list) {
+    const std::string text = Printed(list);
+    list.ClearAndDestroy();
+    return text;
 }
 
 } // namespace
@@ -48,7 +39,7 @@ TEST(I18nMsg, ReplacesOneOccurrenceForEachArgument) {
     const std::string v(5000, 'v'), both = "<" + v + "-" + v + ">";
     struct {
         const char* mText;
-        std::vector<Arg> mArgs;
+        std::vector<std::pair<const char*, const char*>> mArgs;
         std::string mEvolving, mOnePass;
     } const rows[] = {
         {"<<a>>|<<b>>.", {{"<<a>>", ""}, {"<<b>>", "x"}}, "|x.", "|x."},
@@ -62,24 +53,25 @@ TEST(I18nMsg, ReplacesOneOccurrenceForEachArgument) {
         {"<<<a>>-<<a>>>", {{"<<a>>", v.c_str()}, {"<<a>>", v.c_str()}}, both, both},
     };
     for (const auto& row : rows) {
-        ZAV_I18nMsg msg = Message(row.mText, row.mArgs);
-        EXPECT_EQ(row.mEvolving, msg.Format("en", nullptr, nullptr).Ptr()) << row.mText;
+        ZAV_I18nMsg msg(row.mText);
+        for (const auto& [tag, value] : row.mArgs) msg.AddArg(tag, value, ZAV_I18N_STRING);
+        EXPECT_EQ(row.mEvolving, Formatted(msg)) << row.mText;
         EXPECT_EQ(row.mOnePass, msg.FormatOnce("en", nullptr, nullptr).Ptr()) << row.mText;
     }
 }
 
 TEST(I18nMsg, LooksTextsUpInTheRightResource) {
-    ZAV_UValDict own, base;
-    ZAV_I18nDef2Dict(&own, "KEY", "own text");
-    ZAV_I18nDef2Dict(&base, "KEY", "base text");
-    ZAV_I18nResource ownRes, baseRes;
-    ownRes.SetDefaultDefs(&own);
-    baseRes.SetDefaultDefs(&base);
-    EXPECT_STREQ("own text", ZAV_I18nMsg("KEY").Format("", &ownRes, &baseRes).Ptr());
-    EXPECT_STREQ("base text", ZAV_I18nMsg("+++KEY").Format("", &ownRes, &baseRes).Ptr());
-    EXPECT_STREQ("KEY", ZAV_I18nMsg("+++KEY").Format("", &ownRes, nullptr).Ptr());
-    EXPECT_STREQ("KEY", ZAV_I18nMsg("KEY").Format("", nullptr, &baseRes).Ptr());
-    EXPECT_STREQ("KEY+++", ZAV_I18nMsg("KEY+++").Format("", &ownRes, &baseRes).Ptr());
+    ZAV_UValDict ownDefs, baseDefs;
+    ZAV_I18nDef2Dict(&ownDefs, "KEY", "own text");
+    ZAV_I18nDef2Dict(&baseDefs, "KEY", "base text");
+    ZAV_I18nResource own, base;
+    own.SetDefaultDefs(&ownDefs);
+    base.SetDefaultDefs(&baseDefs);
+    EXPECT_EQ("own text", Formatted(ZAV_I18nMsg("KEY"), &own, &base));
+    EXPECT_EQ("base text", Formatted(ZAV_I18nMsg("+++KEY"), &own, &base));
+    EXPECT_EQ("KEY", Formatted(ZAV_I18nMsg("+++KEY"), &own));
+    EXPECT_EQ("KEY", Formatted(ZAV_I18nMsg("KEY"), nullptr, &base));
+    EXPECT_EQ("KEY+++", Formatted(ZAV_I18nMsg("KEY+++"), &own, &base));
 }
 
 TEST(I18nMsg, SubMessagesAreFormattedAndListedDepthFirst) {
@@ -90,27 +82,26 @@ TEST(I18nMsg, SubMessagesAreFormattedAndListedDepthFirst) {
     resource.SetDefaultDefs(&defs);
 
     ZAV_I18nMsg a("A"), b("B"), c("C"), d("D");
-    d.AddArg("<<1>>", ZAV_UTFString("B"), ZAV_I18N_STRING);
+    d.AddArg("<<1>>", "B", ZAV_I18N_STRING);
     c.AddArg("<<1>>", d, ZAV_I18N_SUBERROR);
     b.AddArg("<<1>>", c, ZAV_I18N_TAG); // itself not listed, but what is in it
     a.AddArg("<<1>>", b, ZAV_I18N_SUBERROR);
     a.AddArg("<<2>>", d, static_cast<ZAV_I18nMsgArgType>(3)); // an unknown kind inserts the identifier
     EXPECT_STREQ("A{B{C{D{B<<2>>}<<2>>}<<2>>}D}", a.FormatOnce("", &resource, nullptr).Ptr());
-    EXPECT_STREQ("A{B{C{D{BD}<<2>>}<<2>>}<<2>>}", a.Format("", &resource, nullptr).Ptr());
-    EXPECT_EQ((std::vector<std::string>{"A", "B", "D"}), Texts(a.GetTagList(), false));
-    EXPECT_EQ(
-        (std::vector<std::string>{"A{B{C{D{BD}<<2>>}<<2>>}<<2>>}", "B{C{D{B<<2>>}<<2>>}<<2>>}", "D{B<<2>>}"}),
-        Texts(a.FormatAll("", &resource, nullptr), true));
+    EXPECT_EQ("A{B{C{D{BD}<<2>>}<<2>>}<<2>>}", Formatted(a, &resource));
+    EXPECT_EQ("A\nB\nD", PrintedAndDestroyed(a.GetTagList()));
+    EXPECT_EQ("A{B{C{D{BD}<<2>>}<<2>>}<<2>>}\nB{C{D{B<<2>>}<<2>>}<<2>>}\nD{B<<2>>}",
+              PrintedAndDestroyed(a.FormatAll("", &resource, nullptr)));
     ZAV_OrderedCltn whole = ZAV_I18nMsg(ZAV_UTFString("a\0b", 3)).FormatAll("", nullptr, nullptr);
     EXPECT_EQ(3u, whole[0]->Size());
     whole.ClearAndDestroy();
-
     EXPECT_EQ("A[<<1>> = B[<<1>> = C[<<1>> = D[<<1>> = B](SubErr)](tag)](SubErr)<<2>> = D[<<1>> = B]]",
               Printed(static_cast<ZAV_Object&>(a)));
 }
 
 TEST(I18nMsg, CopiesAreDeepAndLeaveTheLinkAlone) {
-    ZAV_I18nMsg msg = Message("<<a>>", {{"<<a>>", "1"}}), other("other");
+    ZAV_I18nMsg msg("<<a>>"), other("other");
+    msg.AddArg("<<a>>", "1", ZAV_I18N_STRING);
     msg.SetWarning(B_TRUE);
     ZAV_LinkedList list;
     list.Add(&other);
@@ -120,24 +111,23 @@ TEST(I18nMsg, CopiesAreDeepAndLeaveTheLinkAlone) {
     list.Clear();
     msg.AddArg("<<b>>", msg, ZAV_I18N_TAG); // itself as its argument
     msg = msg;
-    EXPECT_STREQ("1", other.Format("", nullptr, nullptr).Ptr());
+    EXPECT_EQ("1", Formatted(other));
     EXPECT_TRUE(other.IsWarning());
 
     other.Set(ZAV_UTFString("fresh"));
     EXPECT_FALSE(other.IsWarning());
     other.AddArg("<<a>>", "x", ZAV_I18N_STRING);
     other = ZAV_UTFString("<<a>>"); // only the identifier
-    EXPECT_STREQ("x", other.Format("", nullptr, nullptr).Ptr());
+    EXPECT_EQ("x", Formatted(other));
     other.Clear();
     EXPECT_FALSE(other.IsValid());
 }
 
 TEST(I18nMsg, ComparesWithTextOnEitherSide) {
-    ZAV_I18nMsg msg("ID");
-    ZAV_UTFString id("ID");
-    const char* text = "ID";
-    EXPECT_TRUE(msg == id && id == msg && msg == text && text == msg);
-    EXPECT_FALSE(msg != id || id != msg || msg != text || text != msg);
+    const ZAV_I18nMsg msg("ID");
+    const ZAV_UTFString id("ID");
+    EXPECT_TRUE(msg == id && id == msg && msg == "ID" && "ID" == msg);
+    EXPECT_FALSE(msg != id || id != msg || msg != "ID" || "ID" != msg);
 }
 
 TEST(I18nMsg, NumbersReadTheSameEverywhere) {

@@ -6,41 +6,39 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
 #include <memory>
 
+#include "tests/support/file_support.h"
 #include "tests/support/on_threads.h"
 #include "tests/support/trace_capture.h"
 
 namespace {
 
-// Language files in the current folder, removed afterwards.
+// A folder of language files.
 class I18nResource : public ::testing::Test {
 protected:
-    void TearDown() override {
-        for (const std::string& name : mFiles) std::remove(name.c_str());
-    }
     void Write(const std::string& lang, const std::string& text) {
-        mFiles.push_back("i18n_resource_test." + lang);
-        std::ofstream(mFiles.back(), std::ios::binary) << text;
+        PutFile(mFolder.Path("texts." + lang), text);
     }
     static std::string Get(ZAV_I18nResource& resource, const char* id, const char* lang) {
-        ZAV_UTFString key(id);
-        return resource.GetResource(key, ZAV_String(lang)).Ptr();
+        return resource.GetResource(ZAV_UTFString(id), ZAV_String(lang)).Ptr();
+    }
+    // What reading a language is reported with, by a resource that knows nothing else.
+    std::string Report(ZAV_I18nResource& resource, const char* lang) {
+        TraceCapture capture(0x1);
+        EXPECT_EQ("ID", Get(resource, "ID", lang));
+        return capture.Text().empty() ? "" : capture.Lines().back();
     }
 
-    ZAV_SystemString mBase{"i18n_resource_test"};
-    std::vector<std::string> mFiles;
+    TestFolder mFolder;
+    ZAV_SystemString mBase{mFolder.Path("texts").c_str()};
 };
 
 } // namespace
 
 TEST_F(I18nResource, FallsBackFromLanguageToDefaultsToIdentifier) {
-    Write(
-        "nl",
-        "<< /BOTH (nederlands) /NUMBER 5 zavlong /group << /IN (binnen) >> /UTF (\xE2\x82\xAC) zavutfstring "
-        "/BAD (caf\xE9) /LIST [ (eerste) (tweede) ] >>");
+    Write("nl", "<< /BOTH (nederlands) /NUMBER 5 zavlong /group << /IN (binnen) >> /BAD (caf\xE9)"
+                "   /UTF (\xE2\x82\xAC) zavutfstring /LIST [ (eerste) (tweede) ] >>");
     ZAV_UValDict defs;
     for (const char* id : {"BOTH", "NUMBER", "DEFAULT", "group:DEEP"}) ZAV_I18nDef2Dict(&defs, id, "default");
     ZAV_I18nResource resource(mBase);
@@ -59,9 +57,8 @@ TEST_F(I18nResource, FallsBackFromLanguageToDefaultsToIdentifier) {
     for (const auto& row : rows)
         EXPECT_EQ(row.mText, Get(resource, row.mId, row.mLang)) << row.mId << row.mLang;
 
-    ZAV_UTFString unknown("NOWHERE");
+    const ZAV_UTFString known("BOTH"), unknown("NOWHERE");
     EXPECT_EQ(&unknown, &resource.GetResource(unknown, "nl"));
-    ZAV_UTFString known("BOTH");
     EXPECT_EQ(&resource.GetResource(known, "nl"), &resource.GetResource(known, "nl"));
 }
 
@@ -80,28 +77,22 @@ TEST_F(I18nResource, CutsKeysAndFollowsTheSeparatorInForce) {
 }
 
 TEST_F(I18nResource, AFileThatFailsIsReportedOnceAndNotReadAgain) {
-    TraceCapture capture(0x1);
+    const std::string failure = "Error reading I18n file '" + mFolder.Path("texts.fr") + "'";
     ZAV_I18nResource resource(mBase);
-    EXPECT_EQ("ID", Get(resource, "ID", "fr"));
-    EXPECT_EQ("Error reading I18n file 'i18n_resource_test.fr'", capture.Lines().back());
-    capture.Clear();
+    EXPECT_EQ(failure, Report(resource, "fr"));
     Write("fr", "<< /ID (texte) >>");
-    EXPECT_EQ("ID", Get(resource, "ID", "fr"));
-    EXPECT_EQ("", capture.Text());
-
+    EXPECT_EQ("", Report(resource, "fr"));
     for (const char* text : {"<< /ID (half >>", "<< /ID (a)", "5", "\x03\x10", "(a) (b)", ""}) {
-        Write("xx", text);
+        Write("fr", text);
         ZAV_I18nResource broken(mBase);
-        EXPECT_EQ("ID", Get(broken, "ID", "xx")) << text;
-        EXPECT_EQ("Error reading I18n file 'i18n_resource_test.xx'", capture.Lines().back()) << text;
-        capture.Clear();
+        EXPECT_EQ(failure, Report(broken, "fr")) << text;
     }
 }
 
 TEST_F(I18nResource, CopiesShareWhatWasReadAndReadOnAlone) {
     Write("nl", "<< /ID (nederlands) >>");
     Write("de", "<< /ID (deutsch) >>");
-    ZAV_UTFString id("ID");
+    const ZAV_UTFString id("ID");
     auto original = std::make_unique<ZAV_I18nResource>(mBase);
     const ZAV_UTFString* text = &original->GetResource(id, "nl");
     ZAV_UValDict defs;
@@ -116,20 +107,17 @@ TEST_F(I18nResource, CopiesShareWhatWasReadAndReadOnAlone) {
     ZAV_I18nDef2Dict(&defs, "DEF", "2");
     original->SetDefaultDefs(&defs);
     EXPECT_EQ("2", Get(copy, "DEF", ""));
-    const ZAV_UTFString* own = &original->GetResource(id, "de");
-    EXPECT_NE(own, &copy.GetResource(id, "de"));
+    EXPECT_NE(&original->GetResource(id, "de"), &copy.GetResource(id, "de"));
     original.reset();
     EXPECT_EQ(text, &assigned.GetResource(id, "nl"));
     EXPECT_STREQ("nederlands", text->Ptr());
 }
 
 TEST_F(I18nResource, AThousandLevelsAndManyReaders) {
-    std::string deep, close;
-    for (int i = 0; i < 1000; ++i) deep += "/d << ", close += " >>";
+    std::string deep, close, id;
+    for (int i = 0; i < 1000; ++i) deep += "/d << ", close += " >>", id += "d:";
     Write("nl", "<< " + deep + "/ID (diep)" + close + " /TOP (boven) >>");
     ZAV_I18nResource resource(mBase);
-    std::string id;
-    for (int i = 0; i < 1000; ++i) id += "d:";
     EXPECT_EQ("diep", Get(resource, (id + "ID").c_str(), "nl"));
     OnThreads(4, [&](int) {
         for (int i = 0; i < 100; ++i) EXPECT_EQ("boven", Get(resource, "TOP", "nl"));
@@ -147,15 +135,11 @@ TEST_F(I18nResource, TellsPlainCodes) {
 }
 
 TEST_F(I18nResource, TheLibrarysOwnMessages) {
-    struct {
-        int mParams, mBase;
-        unsigned mCount;
-    } const rows[] = {{0, 0, 0}, {1, 0, 2}, {0, 1, 13}, {1, 1, 15}, {2, 1, 13}, {-1, 7, 0}};
-    for (const auto& row : rows) {
+    const int rows[][3] = {{0, 0, 0}, {1, 0, 2}, {0, 1, 13}, {1, 1, 15}, {2, 1, 13}, {-1, 7, 0}};
+    for (const auto& [params, base, count] : rows) {
         ZAV_UValDict dict;
-        ZAV_Base_GetI18nDefsEntry(&dict, static_cast<boolean_t>(row.mParams),
-                                  static_cast<boolean_t>(row.mBase));
-        EXPECT_EQ(row.mCount, dict.GetSize());
+        ZAV_Base_GetI18nDefsEntry(&dict, static_cast<boolean_t>(params), static_cast<boolean_t>(base));
+        EXPECT_EQ(static_cast<unsigned>(count), dict.GetSize());
     }
     ZAV_Base_GetI18nDefs(nullptr, B_TRUE, B_TRUE);
     ZAV_I18nDef2Dict(nullptr, "ID", "text");
