@@ -12,13 +12,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 
 #include "tests/support/trace_capture.h"
 
 namespace {
 
-zav_os::VersionRecord theAnswer;
-bool theAnswerIsGiven = true;
+std::optional<zav_os::VersionRecord> theAnswer;
 std::vector<std::string> thePieces;
 
 } // namespace
@@ -27,8 +27,8 @@ namespace zav_os {
 
 bool QueryVersion(VersionRecord& record) {
     EXPECT_EQ(148u, record.mSize);
-    if (theAnswerIsGiven) record = theAnswer;
-    return theAnswerIsGiven;
+    record = theAnswer.value_or(record);
+    return theAnswer.has_value();
 }
 
 void TraceText(const char* text, size_t length) {
@@ -43,39 +43,36 @@ void Terminate() { std::_Exit(0); }
 
 // Comes first: the record is empty until somebody has told.
 TEST(Startup, AFailedQueryCountsAsWin32s) {
-    theAnswerIsGiven = false;
     TraceCapture capture;
     EXPECT_EQ(1, zav_os::OnModuleEvent(1));
     EXPECT_EQ("failed to get OS version info\n", capture.Text());
     EXPECT_TRUE(ZAV_Win32s());
-    theAnswerIsGiven = true;
 }
 
-TEST(Startup, TellsThePlatforms) {
+TEST(Startup, TellsThePlatformsAndTracesTheRecord) {
     struct {
         uint32_t mPlatform, mMajor, mMinor, mBuild;
         const char* mName;
     } const rows[] = {
-        {0, 1, 30, 0, "Win32s"},        {1, 9, 9, 0x040003B6, "Win95"}, // the build number tells on this
-                                                                        // family
-        {1, 0, 0, 0x04090000, "Win95"}, {1, 0, 0, 0x040A07CE, "Win98"}, {1, 0, 0, 0x045A0BB8, "Win98"},
-        {2, 4, 0, 1381, "WinNT4"},      {2, 5, 0, 2195, "WinNT5"},      {2, 10, 0, 19045, "WinNT5"},
+        {0, 1, 30, 0, "Win32s"},
+        {1, 9, 9, 0x040003B6, "Win95"}, // here the build number tells
+        {1, 0, 0, 0x04090000, "Win95"},
+        {1, 0, 0, 0x045A0BB8, "Win98"},
+        {2, 4, 0, 1381, "WinNT4"},
+        {2, 5, 0, 2195, "WinNT5"},
+        {2, 10, 0, 19045, "WinNT5"},
         {2, 3, 51, 1057, "WinNT5"}, // none of the five; the line says the last
         {3, 4, 0, 0, "WinNT5"},
+        {1, 0, 0, 0x040A07CE, "Win98"},
     };
+    TraceCapture capture(0x10);
     for (const auto& row : rows) {
         theAnswer = {148, row.mMajor, row.mMinor, row.mBuild, row.mPlatform, "Service Pack 1"};
-        TraceCapture capture(0x10);
+        capture.Clear();
         SetRuntimeOSVersion();
         EXPECT_EQ(std::string("ZAV OS settings:      ") + row.mName, capture.Lines().back());
         EXPECT_EQ(std::string(row.mName) == "WinNT5" && row.mMajor >= 5, ZAV_WinNT5() == B_TRUE);
     }
-}
-
-TEST(Startup, TracesTheRecord) {
-    theAnswer = {148, 0, 0, 0x040A07CE, 1, "Service Pack 1"};
-    TraceCapture capture(0x10);
-    SetRuntimeOSVersion();
     zav_os::OnModuleEvent(0); // the other events of a module trace nothing
     zav_os::OnModuleEvent(2);
     EXPECT_EQ("OS version information\n"

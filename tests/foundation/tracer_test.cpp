@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "tests/support/on_threads.h"
 #include "tests/support/trace_capture.h"
@@ -33,9 +34,12 @@ struct Tracing {
 
 struct Pieces {
     static void Take(void* self, const char* text, int length) {
-        static_cast<Pieces*>(self)->mTexts.emplace_back(text, static_cast<size_t>(length));
+        Pieces& pieces = *static_cast<Pieces*>(self);
+        pieces.mTexts.emplace_back(text, static_cast<size_t>(length));
+        if (std::ostream* echo = std::exchange(pieces.mEcho, nullptr)) *echo << "+";
     }
     std::vector<std::string> mTexts;
+    std::ostream* mEcho = nullptr;
 };
 
 } // namespace
@@ -141,16 +145,10 @@ TEST(FuncStrmbuf, CopiesOwnTheirPendingText) {
 }
 
 TEST(FuncStrmbuf, ACallbackMayWriteToItsOwnStream) {
-    struct Echo {
-        static void Take(void* self, const char* text, int length) {
-            Echo& echo = *static_cast<Echo*>(self);
-            echo.mText.append(text, static_cast<size_t>(length));
-            if (echo.mText.size() < 3) echo.mStream << "+";
-        }
-        ZAV_FuncStrmbuf mBuffer{Take, this};
-        std::ostream mStream{&mBuffer};
-        std::string mText;
-    } echo;
-    echo.mStream << "a" << std::flush << "b" << std::flush;
-    EXPECT_EQ("a+b", echo.mText);
+    Pieces pieces;
+    ZAV_FuncStrmbuf buffer(Pieces::Take, &pieces);
+    std::ostream os(&buffer);
+    pieces.mEcho = &os;
+    os << "a" << std::flush << "b" << std::flush;
+    EXPECT_EQ((std::vector<std::string>{"a", "+b"}), pieces.mTexts);
 }

@@ -2,6 +2,8 @@
 #define ZAVBASE_TESTS_SUPPORT_CHILD_PROCESS_H
 
 #include <cstdint>
+#include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,16 +18,25 @@ public:
 
     unsigned long Id() const { return mId; }
     /// The next line of its output, without line end; empty at the end of the output.
-    std::string ReadLine();
-    void CloseInput();
+    std::string ReadLine() {
+        std::string line;
+        for (int c; (c = std::fgetc(mOutput.get())) != EOF && c != '\n';) line += static_cast<char>(c);
+        return line;
+    }
+    void CloseInput() { mInput.reset(); }
     /// Ends it without any chance to tidy up. It stays known to the system until Wait.
     void Kill();
     /// Its exit code; some other number than 0 if it was killed.
     int Wait();
 
 private:
-    unsigned long mId;
-    intptr_t mProcess, mInput, mOutput; // handles of the system; -1 when closed
+    struct Close {
+        void operator()(std::FILE* file) const { std::fclose(file); }
+    };
+
+    unsigned long mId = 0;
+    intptr_t mProcess = -1; // a handle of the system; -1 when it was waited for
+    std::unique_ptr<std::FILE, Close> mInput, mOutput;
 };
 
 #endif

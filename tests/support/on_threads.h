@@ -7,9 +7,8 @@
 /// Calls `work` with 0, 1, .. on as many threads at once, and waits for them.
 template <class Work>
 void OnThreads(int count, Work work) {
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (int t = 0; t < count; ++t) threads.emplace_back([&work, t] { work(t); });
-    for (std::thread& thread : threads) thread.join();
 }
 
 #endif

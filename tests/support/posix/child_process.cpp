@@ -1,15 +1,15 @@
 #include "tests/support/child_process.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments)
-    : mId(0), mProcess(-1), mInput(-1), mOutput(-1) {
+ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments) {
     int input[2], output[2];
-    if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0) return;
+    if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0) std::abort();
     std::vector<char*> argv{const_cast<char*>(program.c_str())};
     for (const std::string& a : arguments) argv.push_back(const_cast<char*>(a.c_str()));
     argv.push_back(nullptr);
@@ -23,27 +23,13 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     close(input[0]);
     close(output[1]);
     mId = static_cast<unsigned long>(id);
-    mInput = input[1];
-    mOutput = output[0];
+    mInput.reset(fdopen(input[1], "w"));
+    mOutput.reset(fdopen(output[0], "r"));
 }
 
 ChildProcess::~ChildProcess() {
     Kill();
     Wait();
-    CloseInput();
-    close(static_cast<int>(mOutput));
-}
-
-std::string ChildProcess::ReadLine() {
-    std::string line;
-    char c;
-    while (read(static_cast<int>(mOutput), &c, 1) == 1 && c != '\n') line += c;
-    return line;
-}
-
-void ChildProcess::CloseInput() {
-    if (mInput != -1) close(static_cast<int>(mInput));
-    mInput = -1;
 }
 
 void ChildProcess::Kill() {

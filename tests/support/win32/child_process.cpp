@@ -1,15 +1,12 @@
 #include "tests/support/child_process.h"
 
+#include <fcntl.h>
+#include <io.h>
 #include <windows.h>
 
 namespace {
 
 HANDLE Handle(intptr_t handle) { return reinterpret_cast<HANDLE>(handle); }
-
-void Close(intptr_t& handle) {
-    if (handle != -1) CloseHandle(Handle(handle));
-    handle = -1;
-}
 
 /// A pipe of which the child gets the one end and only that.
 void MakePipe(HANDLE& read, HANDLE& write, HANDLE& ours) {
@@ -18,10 +15,13 @@ void MakePipe(HANDLE& read, HANDLE& write, HANDLE& ours) {
     SetHandleInformation(ours, HANDLE_FLAG_INHERIT, 0);
 }
 
+std::FILE* Open(HANDLE handle, const char* mode) {
+    return _fdopen(_open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_TEXT), mode);
+}
+
 } // namespace
 
-ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments)
-    : mId(0), mProcess(-1), mInput(-1), mOutput(-1) {
+ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments) {
     std::string line = "\"" + program + "\"";
     for (const std::string& a : arguments) line += " \"" + a + "\"";
     HANDLE theirInput, ourInput, ourOutput, theirOutput;
@@ -41,28 +41,15 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     }
     CloseHandle(theirInput);
     CloseHandle(theirOutput);
-    mInput = reinterpret_cast<intptr_t>(ourInput);
-    mOutput = reinterpret_cast<intptr_t>(ourOutput);
+    mInput.reset(Open(ourInput, "w"));
+    mOutput.reset(Open(ourOutput, "r"));
 }
 
 ChildProcess::~ChildProcess() {
     Kill();
     Wait();
-    CloseInput();
-    Close(mOutput);
-    Close(mProcess);
+    CloseHandle(Handle(mProcess));
 }
-
-std::string ChildProcess::ReadLine() {
-    std::string line;
-    char c;
-    DWORD got;
-    while (ReadFile(Handle(mOutput), &c, 1, &got, nullptr) && got == 1 && c != '\n')
-        if (c != '\r') line += c;
-    return line;
-}
-
-void ChildProcess::CloseInput() { Close(mInput); }
 
 void ChildProcess::Kill() {
     if (mProcess != -1) TerminateProcess(Handle(mProcess), 1000);
