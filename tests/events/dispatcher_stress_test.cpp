@@ -4,16 +4,13 @@
 #include <thread>
 #include <vector>
 
-#include <gtest/gtest.h>
-
-#include <zavbase/events/ev_dispatcher.h>
-#include <zavbase/events/event.h>
+#include "scripted.h"
+#include "tests/support/on_threads.h"
 
 namespace {
 
 const int kProducers = 8;
 const int kEventsEach = 100000;
-const int kHandlers = 4;
 const int kLowest = -5, kHighest = 5;
 
 struct Account {
@@ -28,112 +25,78 @@ public:
           mRank(priority - kLowest) {}
     void EmergencyCleanup() override { ++mAccount.cleanedUp; }
 
-    // Gives whether it was taken; what is refused goes at once.
-    static bool Post(const ZAV_EvHandlerRef& handler, Account& account, int producer, int number,
-                     int priority) {
-        auto event = std::make_unique<Counted>(account, producer, number, priority);
-        const bool taken = handler->QueueEvent(event.get(), priority) == 0;
-        if (taken)
-            event.release();
-        else
-            ++account.refused;
-        return taken;
-    }
-
     Account& mAccount;
     const int mProducer, mNumber, mRank;
 };
 
-// What was last handled, for each producer and priority; the dispatching thread's alone.
-typedef int LastHandled[kProducers][kHighest - kLowest + 1];
+// Gives whether it was taken; what is refused goes at once.
+bool Post(const ZAV_EvHandlerRef& handler, std::unique_ptr<ZAV_Event> event, long priority) {
+    const bool taken = handler->QueueEvent(event.get(), priority) == 0;
+    if (taken) event.release();
+    return taken;
+}
 
-class Unsteady : public ZAV_EvHandlerBody {
-public:
-    Unsteady(LastHandled& last, unsigned seed) : mLast(last), mRandom(seed) {}
-    int mOutOfOrder = 0;
-
+class DispatcherStress : public EventsTest {
 protected:
-    int HandleEvent(ZAV_Event* event) override {
-        if (event->IsKindOf(&ZAV_EventStop::classZAV_EventStop)) return 2;
-        Counted* counted = static_cast<Counted*>(event);
-        mOutOfOrder += counted->mNumber <= mLast[counted->mProducer][counted->mRank];
-        mLast[counted->mProducer][counted->mRank] = counted->mNumber;
-        ++counted->mAccount.handled;
-        return mRandom() % 5000 == 0 ? 2 : 0;
-    }
-
-private:
-    LastHandled& mLast;
-    std::minstd_rand mRandom;
-};
-
-class Stress {
-public:
-    Stress() {
-        for (unsigned h = 0; h < kHandlers; ++h) mHandlers.emplace_back(new Unsteady(mLast, h + 1));
-    }
-
-    // Posts at random and brings handlers back that have gone.
-    void Produce(int producer) {
-        std::minstd_rand random(static_cast<unsigned>(producer + 100));
-        for (int i = 1; i <= kEventsEach; ++i) {
-            const ZAV_EvHandlerRef& handler = mHandlers[random() % kHandlers];
-            const int priority = kLowest + static_cast<int>(random() % (kHighest - kLowest + 1));
-            Counted::Post(handler, mAccount, producer, i, priority);
-            if (i % 64 == 0 && !mStopped && !handler->IsActive()) mDispatcher->AddEvHandler(handler);
-            if (producer == 0 && i == kEventsEach / 2) mHalfway = true;
-        }
-    }
-
-    // Stops in the middle; the producers go on.
-    void Run() {
-        for (const ZAV_EvHandlerRef& handler : mHandlers) mDispatcher->AddEvHandler(handler);
-        auto thread = std::make_unique<ZAV_EvDispatcherThread>(*mDispatcher);
-        thread->BeginThread(ZAV_THREAD_CLEANUP_NONE, 0);
-        std::vector<std::thread> producers;
-        for (int p = 0; p < kProducers; ++p) producers.emplace_back([this, p] { Produce(p); });
-        while (!mHalfway || mAccount.handled < 1000) std::this_thread::yield();
-        mStopped = true;
-        thread->StopThread();
-        for (const ZAV_EvHandlerRef& handler : mHandlers) {
-            auto stop = std::make_unique<ZAV_EventStop>();
-            if (handler->QueueEvent(stop.get(), 9) == 0) stop.release();
-        }
-        // A handler may have been brought back after its stop event, or twice: it goes by hand.
-        while (thread->Running()) {
-            for (const ZAV_EvHandlerRef& handler : mHandlers) mDispatcher->RemoveEvHandler(handler);
-            std::this_thread::yield();
-        }
-        thread->WaitForThread();
-        thread.reset();
-        for (std::thread& producer : producers) producer.join();
-        mDispatcher.reset();
+    void PostCounted(const ZAV_EvHandlerRef& handler, int producer, int number, int priority) {
+        auto event = std::make_unique<Counted>(mAccount, producer, number, priority);
+        if (!Post(handler, std::move(event), priority)) ++mAccount.refused;
     }
 
     Account mAccount;
-    LastHandled mLast = {};
-    std::vector<ZAV_EvHandlerRef> mHandlers;
-    std::unique_ptr<ZAV_EvDispatcher> mDispatcher = std::make_unique<ZAV_EvDispatcher>();
-    std::atomic<bool> mHalfway{false}, mStopped{false};
 };
 
-TEST(DispatcherStress, AccountsForEveryEvent) {
-    const int events = ZAV_Event::instance_counter;
-    {
-        Stress stress;
-        stress.Run();
-        EXPECT_EQ(stress.mAccount.Total(), kProducers * kEventsEach);
-        EXPECT_GT(stress.mAccount.handled, 0);
-        for (const ZAV_EvHandlerRef& handler : stress.mHandlers)
-            EXPECT_EQ(static_cast<Unsteady*>(handler.GetBody())->mOutOfOrder, 0);
-    }
-    EXPECT_EQ(ZAV_Event::instance_counter, events);
+// Handlers that leave at random; the producers post at random and bring back those that have gone.
+TEST_F(DispatcherStress, AccountsForEveryEvent) {
+    int last[kProducers][kHighest - kLowest + 1] = {}; // the number last handled; the dispatching thread's
+    int outOfOrder = 0;
+    std::minstd_rand leaving(1);
+    const Scripted::Then then = [&](ZAV_Event* event) {
+        if (event->IsKindOf(&ZAV_EventStop::classZAV_EventStop)) return 2;
+        const Counted& counted = *static_cast<Counted*>(event);
+        int& before = last[counted.mProducer][counted.mRank];
+        outOfOrder += counted.mNumber <= before;
+        before = counted.mNumber;
+        ++mAccount.handled;
+        return leaving() % 5000 == 0 ? 2 : 0;
+    };
+    const ZAV_EvHandlerRef handlers[] = {new Scripted(then), new Scripted(then), new Scripted(then),
+                                         new Scripted(then)};
+    ZAV_EvDispatcher dispatcher;
+    for (const ZAV_EvHandlerRef& handler : handlers) dispatcher.AddEvHandler(handler);
+    auto thread = std::make_unique<ZAV_EvDispatcherThread>(dispatcher);
+    thread->BeginThread(ZAV_THREAD_CLEANUP_NONE, 0);
+    std::atomic<int> posted{0};
+    std::atomic<bool> stopped{false};
+    OnThreads(kProducers + 1, [&](int producer) {
+        std::minstd_rand random(static_cast<unsigned>(producer + 100));
+        for (int i = 1; producer < kProducers && i <= kEventsEach; ++i) {
+            const ZAV_EvHandlerRef& handler = handlers[random() % 4];
+            PostCounted(handler, producer, i,
+                        kLowest + static_cast<int>(random() % (kHighest - kLowest + 1)));
+            if (i % 64 == 0 && !stopped && !handler->IsActive()) dispatcher.AddEvHandler(handler);
+            ++posted;
+        }
+        if (producer < kProducers) return;
+        // Stops in the middle; the producers go on.
+        while (posted < kProducers * kEventsEach / 2 || mAccount.handled < 1000) std::this_thread::yield();
+        stopped = true;
+        thread->StopThread();
+        for (const ZAV_EvHandlerRef& handler : handlers) Post(handler, std::make_unique<ZAV_EventStop>(), 9);
+        // A handler may have been brought back after its stop event, or twice: it goes by hand.
+        while (thread->Running()) {
+            for (const ZAV_EvHandlerRef& handler : handlers) dispatcher.RemoveEvHandler(handler);
+            std::this_thread::yield();
+        }
+        thread.reset();
+    });
+    dispatcher.Cleanup();
+    EXPECT_EQ(mAccount.Total(), kProducers * kEventsEach);
+    EXPECT_EQ(outOfOrder, 0);
 }
 
 // Producers and the destructor of their dispatcher, with nothing in between.
-TEST(DispatcherStress, ADispatcherMayGoWhileOthersPost) {
-    const int events = ZAV_Event::instance_counter;
-    Account account;
+TEST_F(DispatcherStress, ADispatcherMayGoWhileOthersPost) {
     int made = 0;
     for (int round = 0; round < 60; ++round) {
         auto dispatcher = std::make_unique<ZAV_EvDispatcher>();
@@ -141,16 +104,14 @@ TEST(DispatcherStress, ADispatcherMayGoWhileOthersPost) {
         dispatcher->AddEvHandler(handler);
         std::atomic<int> posted{0};
         std::thread producer([&] {
-            for (bool taken = true; taken; ++posted)
-                taken = Counted::Post(handler, account, 0, posted, round % 3);
+            for (; mAccount.refused == round; ++posted) PostCounted(handler, 0, posted, round % 3);
         });
         while (posted < round % 7) std::this_thread::yield();
         dispatcher.reset();
         producer.join();
         made += posted;
     }
-    EXPECT_EQ(account.cleanedUp + account.refused, made);
-    EXPECT_EQ(ZAV_Event::instance_counter, events);
+    EXPECT_EQ(mAccount.Total(), made);
 }
 
 } // namespace

@@ -1,16 +1,16 @@
+#include <climits>
 #include <functional>
+#include <map>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
-#include <zavbase/events/ev_dispatcher.h>
-#include <zavbase/events/event.h>
 #include <zavbase/events/listener.h>
 #include <zavbase/foundation/exception.h>
 #include <zavbase/foundation/new_handler.h>
 
+#include "scripted.h"
 #include "tests/support/trace_capture.h"
 
 namespace {
@@ -18,32 +18,13 @@ namespace {
 typedef std::vector<int> Numbers;
 typedef std::vector<std::string> Lines;
 
-int cleanups; // EmergencyCleanup calls of this test's events
-
 class Numbered : public ZAV_Event {
 public:
-    explicit Numbered(int number) : ZAV_Event(0x4E756D62), mNumber(number) {}
-    void EmergencyCleanup() override { ++cleanups; }
+    Numbered(int number, int& cleanups) : ZAV_Event(0x4E756D62), mNumber(number), mCleanups(cleanups) {}
+    void EmergencyCleanup() override { ++mCleanups; }
     const int mNumber;
+    int& mCleanups;
 };
-
-// Notes the events that reach it and does what the test wants.
-class Script : public ZAV_EvHandlerBody {
-    ZAV_DECLARE_CLASS(Script)
-public:
-    Numbers mSeen;
-    std::function<int(Numbered*)> mThen = [](Numbered*) { return 0; };
-
-    void Post(int number, long priority = 0) { ASSERT_EQ(QueueEvent(new Numbered(number), priority), 0); }
-
-protected:
-    int HandleEvent(ZAV_Event* event) override {
-        Numbered* numbered = static_cast<Numbered*>(event);
-        mSeen.push_back(numbered->mNumber);
-        return mThen(numbered);
-    }
-};
-ZAV_DEFINE_CLASS(Script, ZAV_EvHandlerBody)
 
 class ScriptListener : public ZAV_Listener {
 public:
@@ -57,226 +38,255 @@ public:
     std::function<void()> mThen;
 };
 
-// All events and handlers made by a test are gone at its end.
-class Dispatcher : public testing::Test {
+// A dispatcher with one handler, which notes the events that reach it and does what the test wants.
+class Dispatcher : public EventsTest {
 protected:
-    void SetUp() override {
-        cleanups = 0;
-        mDispatcher = std::make_unique<ZAV_EvDispatcher>();
-        mScript = new Script;
-        mRef = std::make_unique<ZAV_EvHandlerRef>(mScript);
-        mDispatcher->AddEvHandler(*mRef);
-    }
-    void TearDown() override {
-        mDispatcher.reset();
-        mRef.reset();
-        EXPECT_EQ(ZAV_Event::instance_counter, mEvents);
-        EXPECT_EQ(ZAV_EvHandlerBody::instance_counter, mHandlers);
-        EXPECT_EQ(ZAV_EvDispatcher::instance_counter, 0);
-    }
+    Dispatcher() { mDispatcher->AddEvHandler(*mRef); }
+
+    Numbered* New(int number) { return new Numbered(number, mCleanups); }
+    void Post(int number, long priority = 0) { ASSERT_EQ(mHandler->QueueEvent(New(number), priority), 0); }
     const Numbers& Once() {
-        mScript->mSeen.clear();
+        mSeen.clear();
         mDispatcher->Dispatch(DISPATCH_ONCE);
-        return mScript->mSeen;
+        return mSeen;
     }
 
-    void Add(std::initializer_list<ZAV_Listener*> listeners) {
-        for (ZAV_Listener* listener : listeners) mDispatcher->AddListener(listener);
-    }
-
-    const int mEvents = ZAV_Event::instance_counter;
-    const int mHandlers = ZAV_EvHandlerBody::instance_counter;
-    std::unique_ptr<ZAV_EvDispatcher> mDispatcher;
-    Script* mScript;
-    std::unique_ptr<ZAV_EvHandlerRef> mRef;
+    Numbers mSeen;
+    int mCleanups = 0;
+    std::function<int(Numbered*)> mThen = [](Numbered*) { return 0; };
+    std::unique_ptr<ZAV_EvDispatcher> mDispatcher = std::make_unique<ZAV_EvDispatcher>();
+    ZAV_EvHandlerBody* mHandler = new Scripted([this](ZAV_Event* event) {
+        mSeen.push_back(static_cast<Numbered*>(event)->mNumber);
+        return mThen(static_cast<Numbered*>(event));
+    });
+    std::unique_ptr<ZAV_EvHandlerRef> mRef = std::make_unique<ZAV_EvHandlerRef>(mHandler);
 };
 
-TEST_F(Dispatcher, HandlesHigherPrioritiesFirstAndEqualOnesInOrder) {
-    int number = 0;
-    for (const long priority : {0, 5, 0, 5, -7, 5}) mScript->Post(++number, priority);
-    EXPECT_EQ(mDispatcher->QueueLength(), 6u);
-    EXPECT_EQ(Once(), (Numbers{2, 4, 6, 1, 3, 5}));
-    EXPECT_EQ(mDispatcher->QueueLength(), 0u);
-    EXPECT_EQ(mDispatcher->QueueHighWater(), 6u);
+// Events are posted before the dispatch and by the handler; a multimap keeps equal ones in order.
+TEST_F(Dispatcher, HandlesWhatOneSortedListWouldGive) {
+    std::mt19937 random(1);
+    std::multimap<long, int, std::greater<long>> plain;
+    size_t most = 0;
+    const long ranges[][2] = {{0, 0}, {-5, 5}, {INT_MIN, INT_MAX}, {-1, 1}};
+    for (const auto& [lowest, highest] : ranges) {
+        std::uniform_int_distribution<long> priority(lowest, highest);
+        int number = 0;
+        const auto post = [&] {
+            const long p = plain.emplace(priority(random), ++number)->first;
+            Post(number, p);
+            most = std::max(most, plain.size());
+        };
+        mThen = [&](Numbered* event) {
+            EXPECT_EQ(event->mNumber, plain.begin()->second);
+            plain.erase(plain.begin());
+            EXPECT_EQ(mDispatcher->QueueLength(), plain.size());
+            while (number < 3000 && random() % 100 < 52) post();
+            return 0;
+        };
+        while (number < 3000) {
+            post();
+            if (random() % 4 == 0) Once();
+        }
+        while (mDispatcher->QueueLength() != 0) Once();
+        EXPECT_TRUE(plain.empty()) << lowest << " to " << highest;
+    }
+    EXPECT_EQ(mDispatcher->QueueHighWater(), most);
+}
+
+// More priorities than are kept when nothing has them, with some events staying behind throughout.
+TEST_F(Dispatcher, ForgetsPrioritiesThatWentOutOfUse) {
+    mThen = [this](Numbered* event) {
+        if (event->mNumber >= 0 && event->mNumber < 6000) Post(event->mNumber + 1, event->mNumber + 1);
+        return 0;
+    };
+    Numbers expected(6001);
+    for (int number = 0; number <= 6000; ++number) expected[static_cast<size_t>(number)] = number;
+    expected.insert(expected.end(), {-1, -3, -2, -4});
+    for (const int number : {-1, -2, -3, -4}) Post(number, number % 2 ? -100 : -101);
+    Post(0);
+    EXPECT_EQ(Once(), expected);
 }
 
 TEST_F(Dispatcher, ABatchCountsOnlyTheEventsWithoutPriority) {
-    mScript->mThen = [this](Numbered* event) {
-        if (event->mNumber < 10) mScript->Post(event->mNumber + 10, event->mNumber);
+    mThen = [this](Numbered* event) {
+        if (event->mNumber < 10) Post(event->mNumber + 10, event->mNumber);
         return 0;
     };
-    for (const int number : {0, 1, 2}) mScript->Post(number);
+    for (const int number : {0, 1, 2}) Post(number);
     // 10 comes too late; 11 goes before 2 and does not count; 12 comes when the three have been counted.
     EXPECT_EQ(Once(), (Numbers{0, 1, 11, 2}));
     EXPECT_EQ(Once(), (Numbers{12, 10}));
 }
 
 TEST_F(Dispatcher, AnInactiveHandlerGetsNothing) {
-    class Opened : public ZAV_EvDispatcher {
-    public:
+    struct Opened : ZAV_EvDispatcher {
         using ZAV_EvDispatcher::QueueEvent;
     } opened;
-    Script* never = new Script;
-    const ZAV_EvHandlerRef ref(never);
-    auto event = std::make_unique<Numbered>(1);
+    const ZAV_EvHandlerRef never(new Scripted);
+    std::unique_ptr<Numbered> event(New(1));
     EXPECT_EQ(never->QueueEvent(event.get(), 0), -1); // it stays the caller's
-    opened.QueueEvent(never, event.release(), 0);
-    EXPECT_EQ(cleanups, 1);
+    opened.QueueEvent(never.GetBody(), event.release(), 0);
+    EXPECT_EQ(mCleanups, 1);
 
-    mScript->Post(2);
-    EXPECT_EQ(mScript->QueueEvent(nullptr, 0), 0);
+    Post(2);
+    EXPECT_EQ(mHandler->QueueEvent(nullptr, 0), 0);
     mDispatcher->RemoveEvHandler(*mRef);
-    mDispatcher->RemoveEvHandler(ref); // was never in
+    mDispatcher->RemoveEvHandler(never);
     EXPECT_EQ(Once(), Numbers{});
-    EXPECT_EQ(cleanups, 2);
+    EXPECT_EQ(mCleanups, 2);
 }
 
 TEST_F(Dispatcher, DoesWhatTheResultBitsSay) {
     Numbered* kept = nullptr;
-    mScript->mThen = [&](Numbered* event) {
+    mThen = [&](Numbered* event) {
         kept = event;
         return 3;
     };
-    mScript->Post(1);
-    mScript->Post(2);
+    Post(1);
+    Post(2);
     EXPECT_EQ(Once(), Numbers{1});
-    EXPECT_FALSE(mScript->IsActive());
-    EXPECT_EQ(cleanups, 1); // 2
-    EXPECT_EQ(kept->mNumber, 1);
+    EXPECT_FALSE(mHandler->IsActive());
+    EXPECT_EQ(mCleanups, 1); // 2
 
     mDispatcher->AddEvHandler(*mRef);
     int turns = 0;
-    mScript->mThen = [&](Numbered* event) {
+    mThen = [&](Numbered* event) {
         if (++turns == 3) return 0;
-        mScript->QueueEvent(event, -1);
+        mHandler->QueueEvent(event, -1);
         return turns == 1 ? 1 : 0; // 0 is wrong, but it is in this dispatcher's queue and stays there
     };
-    mScript->QueueEvent(kept, 0);
-    EXPECT_EQ(Once(), (Numbers{1}));
-    mDispatcher->Dispatch(DISPATCH_ONCE);
-    EXPECT_EQ(Once(), (Numbers{1}));
-    EXPECT_EQ(ZAV_Event::instance_counter, mEvents);
+    mHandler->QueueEvent(kept, 0);
+    for (int turn = 0; turn < 3; ++turn) EXPECT_EQ(Once(), Numbers{1});
+    EXPECT_EQ(NewEvents(), 0);
 }
 
 TEST_F(Dispatcher, AbsorbsTheLibrarysExceptionsOnly) {
     TraceCapture trace(0x0001);
-    mScript->mThen = [](Numbered* event) -> int {
+    mThen = [](Numbered* event) -> int {
         if (event->mNumber == 1) ZAV_ThrowFileException(3, 5);
         if (event->mNumber == 2) throw static_cast<ZAV_FileException*>(nullptr);
         if (event->mNumber == 3) throw 3;
         if (event->mNumber == 4) throw dummyalloc();
         return 0;
     };
-    for (int number = 1; number <= 5; ++number) mScript->Post(number);
+    for (const int number : {1, 2, 3, 4, 5}) Post(number);
     EXPECT_THROW(Once(), int);
     EXPECT_THROW(Once(), dummyalloc);
-    EXPECT_EQ(ZAV_Event::instance_counter, mEvents + 1);
+    EXPECT_EQ(NewEvents(), 1);
     EXPECT_EQ(Once(), Numbers{5});
-    EXPECT_TRUE(mScript->IsActive());
     EXPECT_EQ(trace.Lines(), (Lines{"DispatchEvent caught exception :File exception: OpenRdError",
                                     "DispatchEvent caught exception :"}));
 }
 
 TEST_F(Dispatcher, AHandlerMayDispatchTakeItselfOutAndGo) {
-    mScript->mThen = [this](Numbered* event) {
+    mThen = [this](Numbered* event) {
         if (event->mNumber == 1) mDispatcher->Dispatch(DISPATCH_ONCE);
         if (event->mNumber == 3) {
             mDispatcher->RemoveEvHandler(*mRef);
             mRef.reset(); // the reference that the dispatcher took off the event is now the last
-            EXPECT_EQ(ZAV_EvHandlerBody::instance_counter, mHandlers + 1);
+            EXPECT_EQ(NewHandlers(), 1);
         }
         return 0;
     };
-    for (const int number : {1, 2, 3}) mScript->Post(number);
-    mDispatcher->Dispatch(DISPATCH_ONCE);
-    EXPECT_EQ(ZAV_EvHandlerBody::instance_counter, mHandlers);
+    for (const int number : {1, 2, 3}) Post(number);
+    EXPECT_EQ(Once(), (Numbers{1, 2, 3}));
+    EXPECT_EQ(NewHandlers(), 0);
 }
 
 TEST_F(Dispatcher, AHandlerMovesBetweenDispatchersAndOutlivesThem) {
-    {
-        ZAV_EvDispatcher other;
-        for (int round = 0; round < 3; ++round) {
-            other.AddEvHandler(*mRef);
-            mScript->Post(1);
-            mDispatcher->AddEvHandler(*mRef);
-            mScript->Post(2);
-        }
-        EXPECT_EQ(other.QueueLength(), 3u);
-        EXPECT_EQ(Once(), (Numbers{2, 2, 2}));
-        other.AddEvHandler(*mRef);
+    auto other = std::make_unique<ZAV_EvDispatcher>();
+    for (int round = 0; round < 3; ++round) {
+        other->AddEvHandler(*mRef);
+        Post(1);
+        mDispatcher->AddEvHandler(*mRef);
+        Post(2);
     }
-    EXPECT_EQ(cleanups, 3);
-    EXPECT_FALSE(mScript->IsActive());
-    mDispatcher->AddEvHandler(*mRef);
-    mScript->Post(3);
-    mDispatcher.reset();
-    EXPECT_EQ(cleanups, 4);
-    EXPECT_FALSE(mScript->IsActive());
-    EXPECT_EQ(mScript->QueueEvent(std::make_unique<Numbered>(4).get(), 0), -1);
-    mDispatcher = std::make_unique<ZAV_EvDispatcher>();
+    EXPECT_EQ(other->QueueLength(), 3u);
+    EXPECT_EQ(Once(), (Numbers{2, 2, 2}));
+    for (auto* dispatcher : {&other, &mDispatcher}) {
+        (*dispatcher)->AddEvHandler(*mRef);
+        Post(3);
+        dispatcher->reset();
+        EXPECT_FALSE(mHandler->IsActive());
+        EXPECT_EQ(mHandler->QueueEvent(std::unique_ptr<Numbered>(New(4)).get(), 0), -1);
+    }
+    EXPECT_EQ(mCleanups, 5);
 }
 
 TEST_F(Dispatcher, StopWaitsForTheHandlersOfARunningDispatch) {
     TraceCapture trace(0x0100);
     ScriptListener never;
-    mScript->mThen = [&](Numbered* event) {
+    mThen = [&](Numbered* event) {
         if (event->mNumber == 2) return 2;
         mDispatcher->Stop();
         mDispatcher->Stop();
         mDispatcher->AddListener(&never);
-        mDispatcher->AddEvHandler(ZAV_EvHandlerRef(new Script));
-        mScript->Post(2, -1);
-        mScript->Post(3, -2); // is queued, and cleaned up: the handler is gone by then
+        mDispatcher->AddEvHandler(ZAV_EvHandlerRef(new Scripted));
+        Post(2, -1);
+        Post(3, -2); // is queued, and cleaned up: the handler is gone by then
         return 0;
     };
-    mScript->Post(1);
+    Post(1);
     mDispatcher->Dispatch(DISPATCH_UNTIL_STOPPED);
-    EXPECT_EQ(mScript->mSeen, (Numbers{1, 2}));
-    EXPECT_EQ(cleanups, 1);
+    EXPECT_EQ(mSeen, (Numbers{1, 2}));
+    EXPECT_EQ(mCleanups, 1);
     EXPECT_EQ(never.mPolls, 0);
-    EXPECT_EQ(trace.Lines(),
-              (Lines{"EventHandlers not yet terminated :", "  --Script", "EventDispatcher terminating :"}));
+    EXPECT_EQ(trace.Lines(), (Lines{"EventHandlers not yet terminated :", "  --ZAV_EvHandlerBody",
+                                    "EventDispatcher terminating :"}));
 }
 
 TEST_F(Dispatcher, StopBeforeDispatchGoesStraightToTheEnd) {
     TraceCapture trace(0x0300);
     ScriptListener listener;
     mDispatcher->AddListener(&listener);
-    mScript->Post(1);
+    Post(1);
     mDispatcher->Stop();
     mDispatcher->Dispatch(DISPATCH_UNTIL_STOPPED);
-    EXPECT_EQ(cleanups, 1);
+    EXPECT_EQ(mCleanups, 1);
     EXPECT_EQ(listener.mPolls, 0);
     EXPECT_EQ(trace.Text(), "");
-    mScript->Post(2); // a stopped dispatcher still takes events
+    Post(2); // a stopped dispatcher still takes events
     EXPECT_EQ(Once(), Numbers{});
-    EXPECT_EQ(cleanups, 2);
+    EXPECT_EQ(mCleanups, 2);
 }
 
 TEST_F(Dispatcher, RunsUntilNoHandlerIsLeft) {
     ScriptListener listener([this] {
-        if (mScript->mSeen.size() < 3) mScript->Post(1);
+        if (mSeen.size() < 3) Post(1);
     });
     mDispatcher->AddListener(&listener);
-    mScript->mThen = [this](Numbered*) { return mScript->mSeen.size() == 3 ? 2 : 0; };
+    mThen = [this](Numbered*) { return mSeen.size() == 3 ? 2 : 0; };
     mDispatcher->Dispatch(DISPATCH_UNTIL_NO_HANDLERS);
-    EXPECT_EQ(mScript->mSeen, (Numbers{1, 1, 1}));
+    EXPECT_EQ(mSeen, (Numbers{1, 1, 1}));
     mDispatcher->AddEvHandler(*mRef);
-    EXPECT_FALSE(mScript->IsActive());
+    EXPECT_FALSE(mHandler->IsActive());
 }
 
-TEST_F(Dispatcher, PollsListenersBeforeEveryEvent) {
+TEST_F(Dispatcher, PollsListenersAndTellsTheTracerBeforeEveryEvent) {
+    static Numbers* polls;
+    Numbers told;
+    ScriptListener first, thrower([] { ZAV_ThrowExitException(); }),
+        last([&] { told.push_back(last.mPolls); });
     TraceCapture trace(0x0001);
-    ScriptListener first, thrower([] { ZAV_ThrowExitException(); }), last;
-    Add({&first, &thrower, &last, &first});
+    polls = &told;
+    for (ZAV_Listener* listener : {&first, &thrower, &last, &first}) mDispatcher->AddListener(listener);
     Once();
-    EXPECT_EQ(Numbers({first.mPolls, thrower.mPolls, last.mPolls}), (Numbers{1, 1, 0}));
-    mScript->Post(1);
-    mScript->Post(2);
-    Once();
-    EXPECT_EQ(Numbers({first.mPolls, thrower.mPolls, last.mPolls}), (Numbers{3, 1, 2}));
     EXPECT_EQ(trace.Lines(),
               Lines{"Removing a listener : Dispatch caught exception in Listen():Exit exception: "});
+    ZAV_EvDispatcher::SetEventTracer([](const char* text, ZAV_Event* event, ZAV_EvHandlerBody* handler) {
+        EXPECT_STREQ(text, "DispatchEvent");
+        EXPECT_TRUE(handler->IsActive());
+        polls->push_back(static_cast<Numbered*>(event)->mNumber);
+    });
+    Post(10);
+    Post(20);
+    Once();
+    ZAV_EvDispatcher::SetEventTracer(nullptr);
+    Post(30);
+    Once();
+    EXPECT_EQ(told, (Numbers{1, 10, 2, 20, 3}));
+    EXPECT_EQ(first.mPolls, 4);
+    EXPECT_EQ(thrower.mPolls, 1);
 }
 
 TEST_F(Dispatcher, ListenersMayLeaveAndBeDestroyedDuringAPoll) {
@@ -291,11 +301,11 @@ TEST_F(Dispatcher, ListenersMayLeaveAndBeDestroyedDuringAPoll) {
     };
     second.mThen = [&] {
         if (second.mPolls != 1) return;
-        mDispatcher->Dispatch(
-            DISPATCH_ONCE); // a walk inside the walk, which takes out what both come to next
+        // A walk inside the walk, which takes out what both come to next.
+        mDispatcher->Dispatch(DISPATCH_ONCE);
         mDispatcher->RemoveListener(&last);
     };
-    Add({&first, destroyed.get(), &second});
+    for (ZAV_Listener* listener : {&first, destroyed.get(), &second}) mDispatcher->AddListener(listener);
     Once();
     EXPECT_EQ(Numbers({first.mPolls, second.mPolls, last.mPolls}), (Numbers{1, 2, 1}));
 
@@ -304,21 +314,6 @@ TEST_F(Dispatcher, ListenersMayLeaveAndBeDestroyedDuringAPoll) {
     mDispatcher->AddListener(&first); // is in one at a time
     Once();
     EXPECT_EQ(first.mPolls, 1);
-}
-
-TEST_F(Dispatcher, TellsTheEventTracer) {
-    static Lines told;
-    told.clear();
-    ZAV_EvDispatcher::SetEventTracer([](const char* text, ZAV_Event* event, ZAV_EvHandlerBody* handler) {
-        EXPECT_EQ(static_cast<Numbered*>(event)->mNumber, 1);
-        told = {text, handler->ClassName()};
-    });
-    mScript->Post(1);
-    Once();
-    ZAV_EvDispatcher::SetEventTracer(nullptr);
-    mScript->Post(2);
-    Once();
-    EXPECT_EQ(told, (Lines{"DispatchEvent", "Script"}));
 }
 
 } // namespace

@@ -1,27 +1,14 @@
 #include <memory>
 
-#include <gtest/gtest.h>
-
-#include <zavbase/events/ev_dispatcher.h>
 #include <zavbase/events/sync_obj.h>
 #include <zavbase/strings/byte_string.h>
 
+#include "scripted.h"
 #include "tests/support/printed.h"
 
 namespace {
 
-class SyncCounter : public ZAV_EvHandlerBody {
-public:
-    int mSyncs = 0;
-    std::string mText;
-
-protected:
-    int HandleEvent(ZAV_Event* event) override {
-        ++mSyncs;
-        mText = Printed(*event);
-        return 0;
-    }
-};
+class SyncObj : public EventsTest {};
 
 TEST(Event, ShowsItsType) {
     ZAV_EventStop stop;
@@ -32,22 +19,26 @@ TEST(Event, ShowsItsType) {
     EXPECT_EQ(Printed(*std::make_unique<ZAV_Event>(0x61626364L)), "Event 'abcd'");
 }
 
-TEST(SyncObj, NotifiesOnTheWayToZero) {
+TEST_F(SyncObj, NotifiesOnTheWayToZero) {
+    std::string text;
+    Scripted* handler = new Scripted([&](ZAV_Event* event) {
+        text = Printed(*event);
+        return 0;
+    });
     ZAV_EvDispatcher dispatcher;
-    SyncCounter* counter = new SyncCounter;
-    dispatcher.AddEvHandler(ZAV_EvHandlerRef(counter));
+    dispatcher.AddEvHandler(handler);
     ZAV_SyncObjRef sync;
-    sync->Register(counter);
+    sync->Register(handler);
     typedef ZAV_SyncObjBody Sync;
     struct {
-        int start, (*change)(Sync&), value, notified;
+        int start, (*change)(Sync&), value;
+        unsigned notified;
     } const rows[] = {
         {1, [](Sync& s) { return s.Decrement(); }, 0, 1},
         {0, [](Sync& s) { return s.Decrement(); }, -1, 0},
         {-1, [](Sync& s) { return s.Increment(); }, 0, 1},
         {5, [](Sync& s) { return s.Add(-5); }, 0, 1},
         {0, [](Sync& s) { return s.Add(0); }, 0, 1},
-        {5, [](Sync& s) { return s.Substract(5); }, 0, 1},
         {5, [](Sync& s) { return s.Substract(6); }, -1, 0},
         {0, [](Sync& s) { return s.Set(0); }, 0, 1},
         {0x7FFFFFFF, [](Sync& s) { return s.Increment(); }, -0x7FFFFFFF - 1, 0},
@@ -55,75 +46,69 @@ TEST(SyncObj, NotifiesOnTheWayToZero) {
     };
     for (const auto& row : rows) {
         sync->Set(row.start);
-        dispatcher.Dispatch(DISPATCH_ONCE);
-        counter->mSyncs = 0;
+        dispatcher.Cleanup();
         EXPECT_EQ(row.change(*sync.GetBody()), row.value) << "row " << &row - rows;
-        dispatcher.Dispatch(DISPATCH_ONCE);
-        EXPECT_EQ(counter->mSyncs, row.notified) << "row " << &row - rows;
+        EXPECT_EQ(dispatcher.QueueLength(), row.notified) << "row " << &row - rows;
     }
     sync->Set(0);
     dispatcher.Dispatch(DISPATCH_ONCE);
-    EXPECT_EQ(counter->mText, "Event 'Sync' = ZAV_EventSync :mRefCount=2,mFlag=0");
+    EXPECT_EQ(text, "Event 'Sync' = ZAV_EventSync :mRefCount=2,mFlag=0");
 }
 
-TEST(SyncObj, NotifiesEachRegistrationUpToAnInactiveHandler) {
+TEST_F(SyncObj, NotifiesEachRegistrationUpToAnInactiveHandler) {
+    std::string seen;
+    const auto noting = [&](char name) {
+        return ZAV_EvHandlerRef(new Scripted([&seen, name](ZAV_Event*) {
+            seen += name;
+            return 0;
+        }));
+    };
+    const ZAV_EvHandlerRef first = noting('f'), inactive = noting('i'), last = noting('l');
     ZAV_EvDispatcher dispatcher;
-    SyncCounter *first = new SyncCounter, *inactive = new SyncCounter, *last = new SyncCounter;
-    const ZAV_EvHandlerRef refs[] = {first, inactive, last};
-    dispatcher.AddEvHandler(refs[0]);
-    dispatcher.AddEvHandler(refs[2]);
+    dispatcher.AddEvHandler(first);
+    dispatcher.AddEvHandler(last);
     ZAV_SyncObjRef sync;
-    for (SyncCounter* handler : {first, first, inactive, last}) sync->Register(handler);
-    const int events = ZAV_Event::instance_counter;
+    for (const auto* handler : {&first, &first, &inactive, &last}) sync->Register(handler->GetBody());
     sync->Set(0);
-    EXPECT_EQ(ZAV_Event::instance_counter, events + 2); // the one for the inactive handler is gone
-    sync->UnRegister(first);
-    sync->UnRegister(inactive);
-    sync->UnRegister(inactive); // not registered any more
+    EXPECT_EQ(NewEvents(), 2); // the one for the inactive handler is gone
+    sync->UnRegister(first.GetBody());
+    sync->UnRegister(inactive.GetBody());
+    sync->UnRegister(inactive.GetBody()); // not registered any more
     sync->Set(0);
-    dispatcher.Dispatch(DISPATCH_ONCE);
-    EXPECT_EQ(first->mSyncs, 3);
-    EXPECT_EQ(last->mSyncs, 1);
     sync->Cleanup();
     sync->Set(0);
-    EXPECT_EQ(dispatcher.QueueLength(), 0u);
+    dispatcher.Dispatch(DISPATCH_ONCE);
+    EXPECT_EQ(seen, "fffl");
 }
 
 // The handler holds the object, the object the handler: the cycle is cut by what the handler's destructor or
 // the last registration does, in the middle of a call.
-TEST(SyncObj, MayLoseItsLastReferenceDuringACall) {
-    class Owner : public SyncCounter {
-    public:
+TEST_F(SyncObj, MayLoseItsLastReferenceDuringACall) {
+    struct Owner : ZAV_EvHandlerBody {
         ZAV_SyncObjRef mSync;
     };
-    const int handlers = ZAV_EvHandlerBody::instance_counter;
     Owner* owner = new Owner;
     ZAV_SyncObjBody* sync = owner->mSync.GetBody();
     sync->Register(owner);
-    EXPECT_EQ(ZAV_EvHandlerBody::instance_counter, handlers + 1);
+    EXPECT_EQ(NewHandlers(), 1);
     sync->UnRegister(owner); // destroys the owner, and with it the object
-    EXPECT_EQ(ZAV_EvHandlerBody::instance_counter, handlers);
+    EXPECT_EQ(NewHandlers(), 0);
 
     owner = new Owner;
     owner->mSync->Register(owner);
     owner->mSync->Cleanup();
-    EXPECT_EQ(ZAV_EvHandlerBody::instance_counter, handlers);
 }
 
-TEST(EvHandlerHelper, HoldsItsMaster) {
-    class Helper : public ZAV_EvHandlerHelper {};
-    const int handlers = ZAV_EvHandlerBody::instance_counter;
-    Helper helper;
+TEST_F(SyncObj, AHelperHoldsItsMaster) {
+    struct Helper : ZAV_EvHandlerHelper {
+    } helper;
     EXPECT_EQ(helper.CheckEvent(nullptr), 1);
-    SyncCounter* master = new SyncCounter;
+    Scripted* master = new Scripted;
     helper.SetMaster(master);
     helper.SetMaster(master); // the helper's is the only reference
-    {
-        Helper copy(helper);
-        helper.SetMaster(nullptr);
-        EXPECT_EQ(ZAV_EvHandlerBody::instance_counter, handlers + 1);
-    }
-    EXPECT_EQ(ZAV_EvHandlerBody::instance_counter, handlers);
+    Helper copy(helper);
+    helper.SetMaster(nullptr);
+    EXPECT_EQ(NewHandlers(), 1);
 }
 
 } // namespace

@@ -1,39 +1,27 @@
 #include <atomic>
 #include <thread>
 
-#include <gtest/gtest.h>
-
-#include <zavbase/events/ev_dispatcher.h>
 #include <zavbase/events/listener.h>
 #include <zavbase/events/timer_mgr.h>
 #include <zavbase/foundation/exception.h>
 #include <zavbase/foundation/new_handler.h>
 #include <zavbase/threads/semaphore.h>
 
+#include "scripted.h"
 #include "tests/support/on_threads.h"
 #include "tests/support/trace_capture.h"
 
 namespace {
 
-// Signals each event that it gets; ends with a stop event.
-class Signalling : public ZAV_EvHandlerBody {
-public:
-    ZAV_Semaphore mSeen;
-    std::atomic<long> mLastTimer{0};
-
-protected:
-    int HandleEvent(ZAV_Event* event) override {
-        if (event->IsKindOf(&ZAV_EventTimer::classZAV_EventTimer))
-            mLastTimer = static_cast<ZAV_EventTimer*>(event)->Id();
-        mSeen.Signal();
-        return event->IsKindOf(&ZAV_EventStop::classZAV_EventStop) ? 2 : 0;
-    }
-};
-
-// A dispatcher on a thread of its own, with one handler.
+// A dispatcher on a thread of its own, with one handler that signals each event; ends with a stop event.
 struct Running {
-    explicit Running(Signalling* h = new Signalling) : handler(h), ref(h) {
-        dispatcher.AddEvHandler(ref);
+    explicit Running(Scripted::Then then = [](ZAV_Event*) { return 0; })
+        : handler(new Scripted([this, then](ZAV_Event* event) {
+              const int result = then(event);
+              seen.Signal();
+              return event->IsKindOf(&ZAV_EventStop::classZAV_EventStop) ? 2 : result;
+          })) {
+        dispatcher.AddEvHandler(handler);
         EXPECT_EQ(thread.BeginThread(ZAV_THREAD_CLEANUP_NONE, 0), 0);
     }
     void End() {
@@ -42,60 +30,60 @@ struct Running {
         EXPECT_EQ(thread.WaitForThread(), 0);
         EXPECT_FALSE(handler->IsActive());
     }
-    Signalling* handler;
-    const ZAV_EvHandlerRef ref;
+    ZAV_Semaphore seen;
+    const ZAV_EvHandlerRef handler;
     ZAV_EvDispatcher dispatcher;
     ZAV_EvDispatcherThread thread{dispatcher};
 };
 
-TEST(DispatcherThread, SleepsWakesAndStops) {
+struct ScriptListener : ZAV_Listener {
+    explicit ScriptListener(std::function<void()> then) : mThen(then) {}
+    void Listen(ZAV_ListenerControl) override { mThen(); }
+    std::function<void()> mThen;
+};
+
+class DispatcherThread : public EventsTest {};
+class TimerThread : public EventsTest {};
+
+TEST_F(DispatcherThread, SleepsWakesAndStops) {
     Running run;
     for (int i = 0; i < 1000; ++i) {
         run.handler->QueueEvent(new ZAV_EventStart, 0);
-        run.handler->mSeen.Wait();
+        run.seen.Wait();
     }
     run.End();
 }
 
 // Stop and the removal of the last handler come at every point of the way to sleep.
-TEST(DispatcherThread, NeverSleepsOverItsEnd) {
+TEST_F(DispatcherThread, NeverSleepsOverItsEnd) {
     for (int round = 0; round < 300; ++round) {
         Running run;
-        if (round % 3 == 0) run.ref->QueueEvent(new ZAV_EventStart, 0);
+        if (round % 3 == 0) run.handler->QueueEvent(new ZAV_EventStart, 0);
         run.thread.StopThread();
         if (round % 2 == 0) std::this_thread::yield();
-        run.dispatcher.RemoveEvHandler(run.ref);
+        run.dispatcher.RemoveEvHandler(run.handler);
     }
 }
 
-TEST(DispatcherThread, WakesAtItsIntervalToPoll) {
-    class Counting : public ZAV_Listener {
-    public:
-        explicit Counting(ZAV_EvDispatcher& dispatcher) : mDispatcher(dispatcher) {}
-        void Listen(ZAV_ListenerControl) override {
-            if (++mPolls == 5) mDispatcher.Stop();
-        }
-        ZAV_EvDispatcher& mDispatcher;
-        int mPolls = 0;
-    };
+TEST_F(DispatcherThread, WakesAtItsIntervalToPoll) {
     ZAV_EvDispatcher dispatcher;
-    Counting listener(dispatcher);
+    int polls = 0;
+    ScriptListener listener([&] {
+        if (++polls == 5) dispatcher.Stop();
+    });
     dispatcher.AddListener(&listener);
     dispatcher.SetWakeUpInterval(1);
     dispatcher.Dispatch(DISPATCH_UNTIL_STOPPED); // without the interval it would never come back
-    EXPECT_EQ(listener.mPolls, 5);
+    EXPECT_EQ(polls, 5);
     dispatcher.SetWakeUpInterval(0xFFFFFFFFu);
     EXPECT_EQ(dispatcher.WakeUpInterval(), 2147483u);
 }
 
-TEST(DispatcherThread, EndsWhenMemoryRunsOut) {
-    class Failing : public Signalling {
-        int HandleEvent(ZAV_Event*) override { throw dummyalloc(); }
-    };
+TEST_F(DispatcherThread, EndsWhenMemoryRunsOut) {
     TraceCapture trace(0x0081);
     {
-        Running run(new Failing);
-        run.ref->QueueEvent(new ZAV_EventStart, 0);
+        Running run([](ZAV_Event*) -> int { throw dummyalloc(); });
+        run.handler->QueueEvent(new ZAV_EventStart, 0);
         run.thread.WaitForThread();
     }
     EXPECT_EQ(trace.Text(), "ZAV_EvDispatcherThread : unexpected badalloc exception during Dispatch() :\n"
@@ -103,41 +91,40 @@ TEST(DispatcherThread, EndsWhenMemoryRunsOut) {
 }
 
 TEST(ListenerThread, EndsByAnExceptionAndBeginsAgain) {
-    class Throwing : public ZAV_Listener {
-    public:
-        void Listen(ZAV_ListenerControl control) override {
-            EXPECT_EQ(control, LISTEN_BLOCK);
-            if (++mRuns == 1) ZAV_ThrowFileException(1, 2);
-            if (mRuns == 2) throw dummyalloc();
-            mReleased.Wait(); // ignores Stop
-        }
-        int mRuns = 0;
-        ZAV_Semaphore mReleased;
-    };
+    int runs = 0;
+    ZAV_Semaphore released;
+    ScriptListener listener([&] {
+        if (++runs == 1) ZAV_ThrowFileException(1, 2);
+        if (runs == 2) throw dummyalloc();
+        released.Wait(); // ignores Stop
+    });
     TraceCapture trace(0x0001);
-    Throwing listener;
-    ZAV_ListenerThread thread(std::string(80, 'x').c_str(), listener);
-    EXPECT_EQ(std::string(thread.GetInfoString()), std::string(63, 'x'));
+    ZAV_ListenerThread thread("", listener);
     for (int run = 0; run < 3; ++run) {
         ASSERT_EQ(thread.BeginThread(ZAV_THREAD_CLEANUP_NONE, 0), 0);
         EXPECT_EQ(thread.StopThread(), 0);
-        listener.mReleased.Signal();
+        released.Signal();
         EXPECT_EQ(thread.WaitForThread(), 0);
     }
-    EXPECT_EQ(listener.mRuns, 3);
+    EXPECT_EQ(runs, 3);
     EXPECT_EQ(trace.Text(), "ZAV_ListenerThread : unexpected exception during Listen() :\n"
                             "File exception: FileNotFound\n"
                             "ZAV_ListenerThread : unexpected badalloc exception during Listen() :\n");
 }
 
-TEST(TimerThread, FiresWithoutAnyPolling) {
+TEST_F(TimerThread, FiresWithoutAnyPolling) {
     ZAV_TimerMgr::InitializeListener(B_TRUE, nullptr);
-    Running run;
+    long fired = 0;
+    Running run([&](ZAV_Event* event) {
+        if (event->IsKindOf(&ZAV_EventTimer::classZAV_EventTimer))
+            fired = static_cast<ZAV_EventTimer*>(event)->Id();
+        return 0;
+    });
     const long far = run.handler->RegisterTimer(3600000);
     for (const unsigned long ms : {0, 1, 20, 3}) { // each before what the thread sleeps for
         const long id = run.handler->RegisterTimer(ms);
-        run.handler->mSeen.Wait();
-        EXPECT_EQ(run.handler->mLastTimer, id);
+        run.seen.Wait();
+        EXPECT_EQ(fired, id);
     }
     run.handler->UnRegisterTimer(far);
     run.handler->RegisterTimer(3600000);
@@ -146,23 +133,19 @@ TEST(TimerThread, FiresWithoutAnyPolling) {
 }
 
 // Cleaning up beside calls on other threads, and right when the thread is going to sleep.
-TEST(TimerThread, ComesAndGoesWhileTimersAreAdded) {
-    const int events = ZAV_Event::instance_counter;
-    {
-        const ZAV_EvHandlerRef ref(new Signalling);
-        std::atomic<bool> done{false};
-        OnThreads(3, [&](int t) {
-            for (unsigned long i = 0; t > 0 && !done; ++i)
-                ref->UnRegisterTimer(ref->RegisterTimer(i % 4 * 50000) - 1);
-            for (int round = 0; t == 0 && round < 100; ++round) {
-                ZAV_TimerMgr::InitializeListener(B_TRUE, nullptr);
-                if (round % 2 == 0) std::this_thread::yield();
-                ZAV_TimerMgr::CleanupListener();
-            }
-            done = true;
-        });
-    }
-    EXPECT_EQ(ZAV_Event::instance_counter, events);
+TEST_F(TimerThread, ComesAndGoesWhileTimersAreAdded) {
+    const ZAV_EvHandlerRef ref(new Scripted);
+    std::atomic<bool> done{false};
+    OnThreads(3, [&](int t) {
+        for (unsigned long i = 0; t > 0 && !done; ++i)
+            ref->UnRegisterTimer(ref->RegisterTimer(i % 4 * 50000) - 1);
+        for (int round = 0; t == 0 && round < 100; ++round) {
+            ZAV_TimerMgr::InitializeListener(B_TRUE, nullptr);
+            if (round % 2 == 0) std::this_thread::yield();
+            ZAV_TimerMgr::CleanupListener();
+        }
+        done = true;
+    });
 }
 
 } // namespace

@@ -1,0 +1,264 @@
+#include <algorithm>
+#include <random>
+#include <vector>
+
+#include <zavbase/events/ticks_internal.h>
+#include <zavbase/events/timer.h>
+#include <zavbase/events/timer_mgr.h>
+#include <zavbase/events/timer_queue_internal.h>
+#include <zavbase/os/clock.h>
+
+#include "scripted.h"
+#include "tests/support/printed.h"
+
+namespace {
+
+typedef std::uint32_t Ticks;
+typedef std::vector<long> Ids;
+
+// The tick count that the library sees; it stands still until set.
+std::atomic<Ticks> fakeTicks{0};
+
+// The queue only hands the pointers out again, so they may be numbers.
+ZAV_EventTimer* TimerNumber(int id) {
+    return reinterpret_cast<ZAV_EventTimer*>(static_cast<std::uintptr_t>(id));
+}
+
+// The one list that the queue stands for, in 32-bit ticks.
+class PlainTimers {
+public:
+    void Insert(int id, Ticks now, Ticks timeout) {
+        const auto isLater = [due = now + timeout](const Timer& t) { return !t.ElapsedAt(due); };
+        mTimers.insert(std::find_if(mTimers.begin(), mTimers.end(), isLater), {id, now, timeout});
+    }
+    bool Cancel(int id) {
+        return std::erase_if(mTimers, [id](const Timer& t) { return t.id == id; }) != 0;
+    }
+    int TakeDue(Ticks now) {
+        if (mTimers.empty() || !mTimers.front().ElapsedAt(now)) return 0;
+        const int id = mTimers.front().id;
+        mTimers.erase(mTimers.begin());
+        return id;
+    }
+    std::size_t Count() const { return mTimers.size(); }
+
+private:
+    struct Timer {
+        int id;
+        Ticks start, timeout;
+        bool ElapsedAt(Ticks now) const { return ZAV_TicksBetween(start, now) >= timeout; }
+    };
+    std::vector<Timer> mTimers;
+};
+
+void CompareRandomly(Ticks begin, Ticks longest, Ticks longestStep) {
+    SCOPED_TRACE(testing::Message() << "from " << begin << ", up to " << longest);
+    std::mt19937 random(1);
+    ZAV_TimerQueue queue;
+    PlainTimers plain;
+    Ticks now = begin;
+    int lastId = 0;
+    for (int step = 0; step < 20000; ++step) {
+        const unsigned what = random() % 16;
+        if (what < 8) {
+            const Ticks timeout = static_cast<Ticks>(random()) % (longest + 1);
+            ++lastId;
+            queue.Insert(TimerNumber(lastId), lastId, now, timeout);
+            plain.Insert(lastId, now, timeout);
+        } else if (what < 12) {
+            const int id = 1 + static_cast<int>(random() % static_cast<unsigned>(lastId + 1));
+            ASSERT_EQ(queue.Cancel(id) != nullptr, plain.Cancel(id)) << "step " << step;
+        } else if (what < 13) {
+            now += static_cast<Ticks>(random()) % (longestStep + 1);
+        }
+        ASSERT_EQ(queue.TakeDue(now), TimerNumber(plain.TakeDue(now))) << "step " << step << " at " << now;
+        ASSERT_EQ(queue.Count(), plain.Count());
+    }
+    // Some may stand in the middle of those that are due at once.
+    while (ZAV_EventTimer* timer = queue.TakeAny())
+        EXPECT_TRUE(plain.Cancel(static_cast<int>(reinterpret_cast<std::uintptr_t>(timer))));
+    EXPECT_EQ(plain.Count(), 0u);
+    EXPECT_EQ(queue.TakeDue(now + longest), nullptr);
+}
+
+TEST(TimerQueue, GivesWhatOneSortedListWouldGive) {
+    CompareRandomly(5, 50, 20);
+    CompareRandomly(0, 100000, 3000);
+    CompareRandomly(0xFFFFFFF0u, 12, 3); // equal due times on both sides of the wrap
+    CompareRandomly(0xFFFFF000u, 2000, 50);
+    CompareRandomly(0xFFF00000u, 3000000, 20000); // sweeps many cancelled ones
+    CompareRandomly(0xC0000000u, 0x3FFFFFFF, 0x100000);
+}
+
+// Where 32-bit arithmetic on signed times would fire at once, or wait for nothing over and over.
+TEST(TimerQueue, WaitsForTimesBeyondTwoToThe31) {
+    for (const Ticks timeout : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+        ZAV_TimerQueue queue;
+        const Ticks start = 1000, wrapped = start + timeout < start ? 1 : 0;
+        queue.Insert(TimerNumber(1), 1, start, timeout);
+        EXPECT_EQ(queue.TicksToGo(start, 10000), 10000u);
+        for (Ticks passed = 0; passed < timeout - 0x40000000; passed += 0x20000000)
+            ASSERT_EQ(queue.TakeDue(start + passed), nullptr) << timeout << " at " << passed;
+        EXPECT_EQ(queue.TicksToGo(start + timeout - 3, 10000), 3 + wrapped);
+        EXPECT_EQ(queue.TakeDue(start + timeout - 1 + wrapped), nullptr);
+        EXPECT_EQ(queue.TicksToGo(start + timeout + wrapped, 10000), 0u);
+        EXPECT_EQ(queue.TakeDue(start + timeout + wrapped), TimerNumber(1));
+    }
+}
+
+TEST(TimerQueue, ToleratesAReadingThatWasOvertaken) {
+    ZAV_TimerQueue queue;
+    queue.Insert(TimerNumber(1), 1, 5000, 1000);
+    EXPECT_EQ(queue.TakeDue(4990), nullptr);
+    EXPECT_FALSE(queue.Insert(TimerNumber(2), 2, 4999, 1100));
+    EXPECT_TRUE(queue.Insert(TimerNumber(3), 3, 5001, 10));
+    EXPECT_EQ(queue.TicksToGo(5001, 10000), 10u);
+    EXPECT_EQ(queue.TakeDue(5011), TimerNumber(3));
+    EXPECT_EQ(queue.TakeDue(5999), nullptr);
+}
+
+// A manager that is polled by a dispatcher, on the manual clock.
+class TimerMgr : public EventsTest {
+protected:
+    TimerMgr() {
+        fakeTicks = 100;
+        mDispatcher.AddEvHandler(mRef);
+        ZAV_TimerMgr::InitializeListener(B_FALSE, &mDispatcher);
+    }
+    ~TimerMgr() override { ZAV_TimerMgr::CleanupListener(); }
+
+    // Lets time pass and polls; gives what fired.
+    Ids After(Ticks ms) {
+        fakeTicks += ms;
+        mFired.clear();
+        mDispatcher.Dispatch(DISPATCH_ONCE);
+        mDispatcher.Dispatch(DISPATCH_ONCE);
+        return mFired;
+    }
+
+    Ids mFired;
+    std::function<void(ZAV_Event*)> mThen = [](ZAV_Event*) {};
+    Scripted* mHandler = new Scripted([this](ZAV_Event* event) {
+        if (event->IsKindOf(&ZAV_EventTimer::classZAV_EventTimer))
+            mFired.push_back(static_cast<ZAV_EventTimer*>(event)->Id());
+        mThen(event);
+        return 0;
+    });
+    ZAV_EvHandlerRef mRef{mHandler};
+    ZAV_EvDispatcher mDispatcher;
+};
+
+TEST_F(TimerMgr, FiresInTheOrderOfDueTimesThenOfAdding) {
+    const long first = mHandler->RegisterTimer(100);
+    const long second = mHandler->RegisterTimer(100);
+    const long early = ZAV_TimerMgr::AddTimer(50, mHandler, -1);
+    const long removed = mHandler->RegisterTimer(60);
+    const long now = mHandler->RegisterTimer(0);
+    EXPECT_EQ(After(0), Ids{now});
+    for (const long id : {removed, now, 4711L}) mHandler->UnRegisterTimer(id);
+    EXPECT_EQ(After(49), Ids{});
+    EXPECT_EQ(After(51), (Ids{first, second, early})) << "then by priority";
+    const int events = NewEvents();
+    mHandler->RegisterTimer(10);
+    mDispatcher.RemoveEvHandler(mRef);
+    EXPECT_EQ(After(10), Ids{});
+    EXPECT_EQ(NewEvents(), events) << "nobody to fire for";
+}
+
+// A handler of which the pending timer holds the last reference, and whose destructor calls the manager.
+TEST_F(TimerMgr, RemovingATimerMayDestroyItsHandler) {
+    struct Leaving : ZAV_EvHandlerBody {
+        ~Leaving() override { UnRegisterTimer(mOther); }
+        long mOther = 0;
+    };
+    const auto lastTimer = [this] {
+        Leaving* leaving = new Leaving;
+        leaving->mOther = mHandler->RegisterTimer(5);
+        return leaving->RegisterTimer(10);
+    };
+    ZAV_TimerMgr::RemoveTimer(lastTimer());
+    EXPECT_EQ(NewHandlers(), 1);
+    EXPECT_EQ(After(10), Ids{});
+    lastTimer();
+    ZAV_TimerMgr::CleanupListener();
+    EXPECT_EQ(NewHandlers(), 1);
+    EXPECT_EQ(mHandler->RegisterTimer(1), -1);
+}
+
+TEST_F(TimerMgr, AStoppedManagerFiresOneTimerAPoll) {
+    const long first = mHandler->RegisterTimer(1);
+    const long second = mHandler->RegisterTimer(1);
+    ZAV_TimerMgr::theTimerMgr->Stop();
+    fakeTicks += 1;
+    ZAV_TimerMgr::theTimerMgr->Listen(LISTEN_POLL);
+    EXPECT_EQ(mDispatcher.QueueLength(), 1u);
+    EXPECT_EQ(After(0), (Ids{first, second}));
+}
+
+TEST_F(TimerMgr, OutlivesItsDispatcher) {
+    ZAV_TimerMgr::CleanupListener();
+    {
+        ZAV_EvDispatcher gone;
+        ZAV_TimerMgr::InitializeListener(B_FALSE, &gone);
+        ZAV_TimerMgr::InitializeListener(B_FALSE, &mDispatcher); // ignored
+    }
+    mHandler->RegisterTimer(0);
+    EXPECT_EQ(After(1), Ids{});
+}
+
+TEST_F(TimerMgr, AnEventShowsItsTimesThroughTheWrap) {
+    fakeTicks = 0xFFFFFFF0u;
+    const long id = mHandler->RegisterTimer(0x20);
+    mThen = [](ZAV_Event* event) {
+        ZAV_EventTimer* timer = static_cast<ZAV_EventTimer*>(event);
+        EXPECT_EQ(timer->TimeToGo(0xFFFFFFF8u), 0x18);
+        EXPECT_EQ(timer->TimeToGo(0x10), 1);
+        EXPECT_EQ(timer->TimeToGo(0x20), -15);
+        EXPECT_FALSE(timer->TimeoutElapsed(0x10));
+        EXPECT_TRUE(timer->TimeoutElapsed(0x11));
+        EXPECT_EQ(Printed(*event), "Event 'Timr' = ZAV_EventTimer(mId =1, mTimeout =32)");
+    };
+    EXPECT_EQ(After(0x20), Ids{});
+    EXPECT_EQ(After(1), Ids{id});
+}
+
+TEST_F(TimerMgr, APeriodicTimerDoesNotDrift) {
+    ZAV_PeriodicTimer tick(100);
+    std::vector<Ticks> at;
+    mThen = [&](ZAV_Event* event) {
+        if (tick.CheckEvent(event)) at.push_back(fakeTicks);
+    };
+    fakeTicks = 0xFFFFFF00u; // wraps after 256 ms
+    ASSERT_TRUE(tick.Start(mHandler));
+    for (const Ticks late : {7u, 0u, 30u, 99u}) {
+        for (const std::size_t before = at.size(); at.size() == before;) After(1);
+        fakeTicks += late;
+    }
+    EXPECT_EQ(at, (std::vector<Ticks>{0xFFFFFF64u, 0xFFFFFFC8u, 45, 144}));
+    EXPECT_EQ(tick.Missed(), 0u);
+    After(1000); // 999 late: the nine times that went by are skipped
+    EXPECT_EQ(tick.Missed(), 9u);
+    tick.Stop();
+    EXPECT_EQ(After(1000), Ids{});
+}
+
+TEST_F(TimerMgr, ATimerBodyNotifiesOnceItsTimeIsUp) {
+    ZAV_TimerRef timer;
+    timer->SetTimeout(50);
+    timer->Register(mHandler);
+    timer->Restart();
+    timer->CheckTime(fakeTicks + 49);
+    EXPECT_EQ(mDispatcher.QueueLength(), 0u);
+    timer->CheckTime(fakeTicks + 50);
+    timer->CheckTime(fakeTicks + 51); // at zero already
+    EXPECT_EQ(mDispatcher.QueueLength(), 1u);
+    timer->Restart();
+    timer->CheckTime(fakeTicks - 1); // before the start: the counter has gone all the way round
+    EXPECT_EQ(mDispatcher.QueueLength(), 2u);
+}
+
+} // namespace
+
+uint32_t zav_os::TickCount() { return fakeTicks; }
+
+void zav_os::Sleep(uint32_t milliseconds) { fakeTicks += milliseconds; }
