@@ -11,34 +11,25 @@ namespace {
 class Config : public testing::Test {
 protected:
     Config() {
-        UValOwner dict =
-            ReadValue("<< /A:S << /number 2.5 /text (YES) /list [ (no) (Yes) () ] zavutfstring >> >>");
-        ZAV_ConfigInit(static_cast<ZAV_UValDict&>(*dict));
+        ZAV_ConfigInit(
+            *DictOf("<< /A:S << /number 2.5 /text (YES) /list [ (no) (Yes) () ] zavutfstring >> >>"));
     }
     ~Config() override { ZAV_ConfigCleanup(); }
 };
 
-TEST_F(Config, NothingIsThereBeforeInit) {
-    ZAV_ConfigCleanup();
-    TraceCapture trace;
-    EXPECT_EQ(5L, ZAV_ConfigGet("A", "S", "number", 5L));
-    EXPECT_EQ("Configuration variables have not been initialised yet !!\n", trace.Text());
-    EXPECT_EQ(nullptr, ZAV_ConfigGet());
-}
-
 TEST_F(Config, DefaultsAndTheirTraceLines) {
     TraceCapture trace;
-    EXPECT_EQ(2L, ZAV_ConfigGet("A", "S", "number", 5L));
     EXPECT_EQ(2.5F, ZAV_ConfigGet("A:S", "", "number", 0.0F));
     EXPECT_EQ("", trace.Text());
     EXPECT_EQ(5L, ZAV_ConfigGet("A", "S", "text", 5L));
-    EXPECT_EQ("Variable A:S:text: has not the right type\n", trace.Text());
-    trace.Clear();
     EXPECT_STREQ("d", ZAV_ConfigGet("A", "", "X", "d"));
-    EXPECT_EQ("Variable A:X: not configured\n", trace.Text());
-    trace.Clear();
     EXPECT_EQ(nullptr, ZAV_ConfigGet("", "", nullptr));
-    EXPECT_EQ("Variable  not configured\n", trace.Text());
+    ZAV_ConfigCleanup();
+    EXPECT_EQ(5L, ZAV_ConfigGet("A", "S", "number", 5L));
+    EXPECT_EQ(nullptr, ZAV_ConfigGet());
+    EXPECT_EQ("Variable A:S:text: has not the right type\nVariable A:X: not configured\n"
+              "Variable  not configured\nConfiguration variables have not been initialised yet !!\n",
+              trace.Text());
 }
 
 TEST_F(Config, NaturalCallsCompile) {
@@ -46,15 +37,15 @@ TEST_F(Config, NaturalCallsCompile) {
     const std::size_t n = ZAV_ConfigGet("A", "S", "number", std::size_t{5});
     const unsigned u = ZAV_ConfigGet("A", "S", "number", 0u);
     EXPECT_TRUE(i == 2 && n == 2 && u == 2 && ZAV_ConfigGet("A", "S", "number", B_FALSE) == B_TRUE);
+    EXPECT_EQ(2L, ZAV_ConfigGet("A", "S", "number", 5L));
     EXPECT_EQ(2.5, ZAV_ConfigGet("A", "S", "number", 0.0));
     EXPECT_EQ(nullptr, ZAV_ConfigGet("A", "S", "none", nullptr));
     EXPECT_NE(nullptr, ZAV_ConfigGet(ZAV_String("A"), ZAV_String("S"), "list"));
 }
 
 TEST_F(Config, TextsAndTheirElements) {
-    EXPECT_EQ(1, ZAV_ConfigGetDimension("A", "S", "text"));
-    EXPECT_EQ(3, ZAV_ConfigGetDimension("A", "S", "list"));
-    EXPECT_EQ(0, ZAV_ConfigGetDimension("A", "S", "number"));
+    const std::pair<const char*, int> dimensions[] = {{"text", 1}, {"list", 3}, {"number", 0}};
+    for (const auto& [name, n] : dimensions) EXPECT_EQ(n, ZAV_ConfigGetDimension("A", "S", name));
     EXPECT_STREQ("YES", ZAV_ConfigGetAt("A", "S", "text", 0, "d"));
     EXPECT_STREQ("d", ZAV_ConfigGetAt("A", "S", "text", 1, "d"));
     for (long outside : {3, -1}) EXPECT_STREQ("d", ZAV_ConfigGetAt("A", "S", "list", outside, "d"));
@@ -66,17 +57,13 @@ TEST_F(Config, TextsAndTheirElements) {
     ZAV_ConfigGet("A", "S", "text", nullptr, &u);
     ZAV_ConfigGet("A", "S", "none", nullptr, &s);
     EXPECT_TRUE(u == "YES" && s == "");
-    EXPECT_TRUE(ZAV_IsConfigured("A", "S", "text", "yes"));
-    EXPECT_TRUE(ZAV_IsConfigured("A", "S", "list", "yEs"));
-    EXPECT_FALSE(ZAV_IsConfigured("A", "S", "list", "ye"));
-    EXPECT_FALSE(ZAV_IsConfigured("A", "S", "number", "2"));
-}
+    EXPECT_TRUE(ZAV_IsConfigured("A", "S", "text", "yes") && ZAV_IsConfigured("A", "S", "list", "yEs"));
+    EXPECT_FALSE(ZAV_IsConfigured("A", "S", "list", "ye") || ZAV_IsConfigured("A", "S", "number", "2"));
 
-TEST_F(Config, SystemTextIsLeftAloneByAVariableThatIsNoString) {
     TraceCapture trace(0x01);
     ZAV_SystemString out("before");
     ZAV_ConfigGet("A", "S", "number", "deflt", &out);
-    EXPECT_TRUE(out.GetSystemString() == "before");
+    EXPECT_TRUE(out.GetSystemString() == "before") << "left alone by what is no string";
     EXPECT_EQ("", trace.Text());
     ZAV_ConfigGet("A", "S", "none", ZAV_String("deflt"), &out);
     EXPECT_TRUE(out.GetSystemString() == "deflt");
@@ -106,9 +93,7 @@ TEST_F(Config, FilesAreMergedWholeOrNotAtAll) {
     }
     TraceCapture trace(0x08);
     ZAV_ConfigInit(more.c_str());
-    EXPECT_EQ("    |- A\n    |    |- x => (Long)1\n    |    |- y => (Long)3\n    |- B\n    |    |- z => "
-              "(Long)4\n\n",
-              trace.Text());
+    EXPECT_EQ(Printed(*DictOf("<< /A << /x 1 /y 3 >> /B:z 4 >>")) + "\n", trace.Text());
 }
 
 } // namespace

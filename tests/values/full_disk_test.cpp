@@ -9,26 +9,22 @@ namespace {
 
 TEST(ValueDictFile, AFullDiskLeavesTheOldFile) {
     fake_file::Disk& disk = fake_file::TheDisk();
-    UValOwner owner = ReadValue("<< /b [ 1 2 ] /s (text) >>");
-    ZAV_UValDict& dict = static_cast<ZAV_UValDict&>(*owner);
-    std::string large(200000, 'x');
-    for (long i = 0; i < 3; ++i)
-        dict.DefineUVal(("t" + std::to_string(i)).c_str(), UVAL_STRING)
-            ->SetStrValue(ZAV_String(large.c_str(), 60000u), 0);
+    const std::string large(60000, 'x');
+    const auto dict = DictOf("<< /b [ 1 2 ] /s [ (" + large + ") (" + large + ") (" + large + ") ] >>");
     for (auto write : {&ZAV_UValDict::WriteTextFile, &ZAV_UValDict::WriteBinFile}) {
         disk = fake_file::Disk();
-        (dict.*write)("whole");
+        (*dict.*write)("whole");
         const size_t size = disk.mFiles["whole"].size();
         for (size_t room : {size_t{0}, size_t{1}, size_t{32768}, size_t{65536}, size - 1, size}) {
             disk.mFiles["f"] = "old";
             disk.mRoom = room;
             disk.mCommitFails = room == size;
-            EXPECT_EQ(FileCodeOf([&] { (dict.*write)("f"); }), 7) << room;
+            EXPECT_EQ(FileCodeOf([&] { (*dict.*write)("f"); }), 7) << room;
             EXPECT_EQ(disk.mFiles["f"], "old");
             EXPECT_EQ(disk.mOpenReplacements, 0);
         }
         disk.mCommitFails = false;
-        EXPECT_EQ(FileCodeOf([&] { (dict.*write)("f"); }), 0);
+        EXPECT_EQ(FileCodeOf([&] { (*dict.*write)("f"); }), 0);
         EXPECT_EQ(disk.mFiles["f"], disk.mFiles["whole"]);
     }
 }

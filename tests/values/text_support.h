@@ -28,6 +28,11 @@ inline UValOwner ReadValue(const std::string& text) {
     return UValOwner(value);
 }
 
+/// The dictionary in a text that is nothing else.
+inline std::unique_ptr<ZAV_UValDict> DictOf(const std::string& text) {
+    return std::unique_ptr<ZAV_UValDict>(static_cast<ZAV_UValDict*>(ReadValue(text).release()));
+}
+
 inline std::string Written(ZAV_UVal& value) {
     std::ostringstream os;
     ZAV_WriteUValTxt(os, &value, 0);

@@ -11,14 +11,7 @@ namespace {
 
 const char golden[] = ZAVBASE_TEST_DATA "/values.bin";
 
-enum Form { TEXT, BINARY };
-
-void Write(ZAV_UValDict& dict, const std::string& path, Form form) {
-    if (form == TEXT)
-        dict.WriteTextFile(path.c_str());
-    else
-        dict.WriteBinFile(path.c_str());
-}
+const auto gWriters = {&ZAV_UValDict::WriteTextFile, &ZAV_UValDict::WriteBinFile};
 
 TEST(ValueDictFile, WritesTheGoldenFiles) {
     TestFolder folder;
@@ -37,15 +30,13 @@ TEST(ValueDictFile, WritesTheGoldenFiles) {
 }
 
 TEST(ValueDictFile, ReadingMergesEitherForm) {
-    for (Form form : {TEXT, BINARY}) {
+    for (auto write : gWriters) {
         TestFolder folder;
         const std::string path = folder.Path("more");
-        UValOwner more = ReadValue("<< /a << /b 1 /c 2 >> /x 3 >>");
-        Write(static_cast<ZAV_UValDict&>(*more), path, form);
-        UValOwner owner = ReadValue("<< /a << /c 5 /d 6 >> /y 7 >>");
-        ZAV_UValDict& dict = static_cast<ZAV_UValDict&>(*owner);
-        dict.ReadFile(path.c_str());
-        EXPECT_EQ(Printed(dict), Printed(*ReadValue("<< /a << /c 2 /d 6 /b 1 >> /y 7 /x 3 >>")));
+        (*DictOf("<< /a << /b 1 /c 2 >> /x 3 >>").*write)(path.c_str());
+        const auto dict = DictOf("<< /a << /c 5 /d 6 >> /y 7 >>");
+        dict->ReadFile(path.c_str());
+        EXPECT_EQ(Printed(*dict), Printed(*DictOf("<< /a << /c 2 /d 6 /b 1 >> /y 7 /x 3 >>")));
     }
 }
 
@@ -59,80 +50,69 @@ TEST(ValueDictFile, ReadsANamedDictionaryOutOfATextFile) {
 }
 
 TEST(ValueDictFile, ABadFileIsToldByItsCodeAndAddsNothing) {
+    typedef void (ZAV_UValDict::*Read)(const ZAV_SystemString&);
+    const Read readers[] = {&ZAV_UValDict::ReadFile, &ZAV_UValDict::ReadTextFile, &ZAV_UValDict::ReadBinFile};
     TestFolder folder;
     const std::string path = folder.Path("bad");
-    const std::string bytes = FileText(golden);
-    const struct {
-        std::string mText;
-        int mText_, mBin, mAny;
-    } rows[] = {
-        {"", 2, 2, 2},
-        {"[ 1 2 ]", 2, 2, 2},
-        {"<< /a 5", 2, 2, 2},
-        {"<< /a 5 >>", 0, 2, 0},
-        {bytes + "x", 2, 2, 2},
-        {"\3\x10", 2, 2, 2},
-        {std::string("\3\x10\0\x12\0\0\0\x10UVALBINDUMP_2.1\0\3\0\0", 27), 2, 2, 2},
-    };
-    for (const auto& row : rows) {
-        PutFile(path, row.mText);
-        for (auto read : {&ZAV_UValDict::ReadFile, &ZAV_UValDict::ReadBinFile}) {
+    // Of a dictionary the code that each of the readers gives, and how many entries there are then.
+    const auto expectCodes = [&](const std::string& name, int any, int text, int binary) {
+        const int codes[] = {any, text, binary};
+        for (int i = 0; i < 3; ++i) {
             ZAV_UValDict dict(16);
             dict.DefineUVal("kept", UVAL_LONG);
-            int code = FileCodeOf([&] { (dict.*read)(path.c_str()); });
-            EXPECT_EQ(code, read == &ZAV_UValDict::ReadFile ? row.mAny : row.mBin) << row.mText;
-            EXPECT_EQ(dict.GetSize(), code ? 1u : 2u) << row.mText;
+            EXPECT_EQ(FileCodeOf([&] { (dict.*readers[i])(name.c_str()); }), codes[i]) << FileText(name);
+            EXPECT_EQ(dict.GetSize(), codes[i] ? 1u : 2u) << FileText(name);
         }
-        ZAV_UValDict dict(16);
-        EXPECT_EQ(FileCodeOf([&] { dict.ReadTextFile(path.c_str()); }), row.mText_) << row.mText;
+    };
+    for (const std::string& bad :
+         {std::string(), std::string("[ 1 2 ]"), std::string("<< /a 5"), FileText(golden) + "x",
+          std::string("\3\x10"), std::string("\3\x10\0\x12\0\0\0\x10UVALBINDUMP_2.1\0\3\0\0", 27)}) {
+        PutFile(path, bad);
+        expectCodes(path, 2, 2, 2);
     }
-    for (const std::string& name : {folder.Path("missing"), folder.Path()}) {
-        ZAV_UValDict dict(16);
-        EXPECT_EQ(FileCodeOf([&] { dict.ReadFile(name.c_str()); }), 3);
-        EXPECT_EQ(FileCodeOf([&] { dict.ReadTextFile(name.c_str(), "x"); }), 3);
-        EXPECT_EQ(FileCodeOf([&] { dict.ReadBinFile(name.c_str()); }), 3);
-    }
+    PutFile(path, "<< /a 5 >>");
+    expectCodes(path, 0, 0, 2);
+    expectCodes(folder.Path("missing"), 3, 3, 3);
+    expectCodes(folder.Path(), 3, 3, 3);
 }
 
 TEST(ValueDictFile, EveryCutAndEveryFlippedByteIsADictionaryOrAnInvalidFile) {
     TestFolder folder;
     const std::string path = folder.Path("damaged");
-    ZAV_UValDict dict(16);
-    UValOwner small =
-        ReadValue("<< /a [ 1 2 ] /s [ (x) () ] /d << /u (y) zavutfstring /p [ 0 0 ] zavptr >> /r 1.5 >>");
-    static_cast<ZAV_UValDict&>(*small).WriteBinFile(path.c_str());
+    DictOf("<< /a [ 1 2 ] /s [ (x) () ] /d << /u (y) zavutfstring /p [ 0 0 ] zavptr >> /r 1.5 >>")
+        ->WriteBinFile(path.c_str());
     const std::string bytes = FileText(path);
-    for (size_t cut = 0; cut < bytes.size(); ++cut) {
-        PutFile(path, bytes.substr(0, cut));
-        ASSERT_EQ(FileCodeOf([&] { dict.ReadFile(path.c_str()); }), 2) << cut;
-    }
+    const auto codeOf = [&](const std::string& damaged) {
+        PutFile(path, damaged);
+        ZAV_UValDict read(16);
+        const int code = FileCodeOf([&] { read.ReadFile(path.c_str()); });
+        EXPECT_TRUE(code == 0 || read.GetSize() == 0);
+        return code;
+    };
+    for (size_t cut = 0; cut < bytes.size(); ++cut) ASSERT_EQ(codeOf(bytes.substr(0, cut)), 2) << cut;
     for (size_t i = 0; i < 2 * bytes.size(); ++i) {
         std::string damaged = bytes;
         damaged[i / 2] = static_cast<char>(damaged[i / 2] ^ (i % 2 ? 0xFF : 1 << (i / 2 % 8)));
-        PutFile(path, damaged);
-        ZAV_UValDict read(16);
-        int code = FileCodeOf([&] { read.ReadFile(path.c_str()); });
-        ASSERT_TRUE(code == 2 ? read.GetSize() == 0 : code == 0) << i;
+        const int code = codeOf(damaged);
+        ASSERT_TRUE(code == 2 || code == 0) << i;
     }
-    EXPECT_EQ(dict.GetSize(), 0u);
 }
 
 TEST(ValueDictFile, WritingTellsWhatFailedAndLeavesTheOldFile) {
     TestFolder folder;
-    UValOwner owner = ReadValue("<< /a 1 >>");
-    ZAV_UValDict& dict = static_cast<ZAV_UValDict&>(*owner);
-    for (Form form : {TEXT, BINARY}) {
-        EXPECT_EQ(FileCodeOf([&] { Write(dict, folder.Path("no/such/folder"), form); }), 4);
-        EXPECT_EQ(FileCodeOf([&] { Write(dict, folder.Path(), form); }), 4);
+    const auto dict = DictOf("<< /a 1 >>");
+    for (auto write : gWriters) {
+        const auto codeOf = [&](const std::string& path) {
+            return FileCodeOf([&] { (*dict.*write)(path.c_str()); });
+        };
+        EXPECT_EQ(codeOf(folder.Path("no/such/folder")), 4);
+        EXPECT_EQ(codeOf(folder.Path()), 4);
         // Where there is such a device, it is the full disk itself.
-        if (std::filesystem::exists("/dev/full")) {
-            EXPECT_EQ(FileCodeOf([&] { Write(dict, "/dev/full", form); }), 7);
-        }
+        EXPECT_TRUE(!std::filesystem::exists("/dev/full") || codeOf("/dev/full") == 7);
     }
-    ZAV_UValDict large(16);
-    large.DefineUVal("s", UVAL_STRING)->SetStrValue(ZAV_String('x', 70000u), 0);
+    dict->DefineUVal("s", UVAL_STRING)->SetStrValue(ZAV_String('x', 70000u), 0);
     PutFile(folder.Path("old"), "old");
-    EXPECT_TRUE(Thrown<ZAV_BinPackException>([&] { large.WriteBinFile(folder.Path("old").c_str()); }));
+    EXPECT_TRUE(Thrown<ZAV_BinPackException>([&] { dict->WriteBinFile(folder.Path("old").c_str()); }));
     EXPECT_EQ(FileText(folder.Path("old")), "old");
     EXPECT_EQ(folder.FileCount(), 1);
 }

@@ -59,27 +59,19 @@ ZAV_UValDict* Dict(ZAV_UValDict& dict, const char* path) {
     return static_cast<ZAV_UValDict*>(dict.GetUVal(path));
 }
 
-TEST(ValueDict, AValueThatCannotBePlacedIsDeletedAndTraced) {
-    ZAV_UValDict dict;
-    int destroyed = 0;
-    dict.SetUVal("a:b", new Probe(destroyed));
-    EXPECT_EQ("a{b=0}", Show(dict));
-    for (const char* blocked : {"a:b:c", ""}) {
-        TraceCapture trace(0x10);
-        destroyed = 0;
-        EXPECT_EQ(nullptr, dict.SetUVal(blocked, new Probe(destroyed)));
-        EXPECT_EQ(1, destroyed);
-        EXPECT_EQ("SetUVal: uVal about to be deleted to avoid memory leaks (you shouldn't come here)\n",
-                  trace.Text());
-    }
-}
-
-TEST(ValueDict, ReplacedRemovedAndClearedValuesDieAtOnce) {
+TEST(ValueDict, ValuesDieWhenTheyAreReplacedRemovedOrCannotBePlaced) {
     int destroyed = 0;
     ZAV_UValDict dict;
     ZAV_UVal* value = dict.SetUVal("a:x", new Probe(destroyed));
+    for (const char* blocked : {"a:x:c", ""}) {
+        TraceCapture trace(0x10);
+        EXPECT_EQ(nullptr, dict.SetUVal(blocked, new Probe(destroyed)));
+        EXPECT_EQ("SetUVal: uVal about to be deleted to avoid memory leaks (you shouldn't come here)\n",
+                  trace.Text());
+    }
+    EXPECT_EQ(2, std::exchange(destroyed, 0));
     dict.SetUVal("a:x", value);
-    EXPECT_EQ(0, destroyed);
+    EXPECT_EQ(0, destroyed) << "replaced by itself";
     dict.DefineUVal("a:x", UVAL_STRING);
     EXPECT_EQ(1, destroyed);
     EXPECT_EQ(nullptr, dict.DefineUVal("a:x", static_cast<ZAV_UValType>(13)));
@@ -88,21 +80,21 @@ TEST(ValueDict, ReplacedRemovedAndClearedValuesDieAtOnce) {
     EXPECT_EQ(Dict(dict, "a"), dict.DefineUVal("a", UVAL_DICT));
     dict.RemoveUVal("a:y");
     EXPECT_EQ(2, destroyed);
-    dict.SetUVal("a:b:c", new Probe(destroyed));
-    dict.RemoveUVal("a");
-    EXPECT_EQ(3, destroyed);
-    EXPECT_EQ(0u, dict.GetSize());
-    dict.SetUVal("d:e", new Probe(destroyed));
+    for (const char* above : {"a", "d"}) {
+        dict.SetUVal("a:b:c", new Probe(destroyed));
+        dict.SetUVal("d:e", new Probe(destroyed));
+        dict.RemoveUVal(above);
+    }
+    EXPECT_EQ(5, destroyed);
     dict.Clear();
-    EXPECT_EQ(4, destroyed);
+    EXPECT_EQ(6, destroyed);
 }
 
 TEST(ValueDict, AnEntryWithoutValueEndsAPathButDoesNotBlockIt) {
-    ZAV_UValDict dict;
+    ZAV_UValDict dict, other;
     dict.SetUVal("a", nullptr);
     EXPECT_EQ(nullptr, dict.GetUVal("a"));
     EXPECT_EQ(nullptr, dict.SetUVal("a:b", Number(1)));
-    ZAV_UValDict other;
     dict.CopyTo(&other);
     EXPECT_EQ("", Show(other));
     EXPECT_EQ("a!", Show(ZAV_UValDict(dict)));
@@ -125,7 +117,7 @@ TEST(ValueDict, EveryWayToSayAPathAgrees) {
 }
 
 TEST(ValueDict, KeysAreCutToSixtyFourAndMayHoldTheSeparatorAsEntries) {
-    ZAV_UValDict dict;
+    ZAV_UValDict dict, moved, copied;
     const std::string key(70, 'k');
     dict.SetUVal(key.c_str(), Number(1));
     EXPECT_NE(nullptr, dict.GetUVal(key.substr(0, 64).c_str()));
@@ -133,12 +125,11 @@ TEST(ValueDict, KeysAreCutToSixtyFourAndMayHoldTheSeparatorAsEntries) {
     EXPECT_EQ(nullptr, dict.GetUVal(key.substr(0, 63).c_str()));
     dict.SetEntry("a:b", Number(2));
     dict.SetEntry("", Number(3));
-    ZAV_UValDict moved, copied;
     dict.CopyTo(&copied);
     dict.MoveTo(&moved);
     EXPECT_EQ(0u, dict.GetSize());
+    EXPECT_EQ(Show(copied), key.substr(0, 64) + "=1 a:b=2 =3");
     EXPECT_EQ(Show(copied), Show(moved));
-    EXPECT_EQ(2, moved.AssocAt("a:b")->Value()->GetLongValue(0));
     EXPECT_EQ(nullptr, moved.GetUVal("a:b"));
 }
 
@@ -198,78 +189,53 @@ TEST(ValueDict, GetKeyForgetsADictionaryThatIsGone) {
     }
 }
 
-TEST(ValueDict, Merging) {
+TEST(ValueDict, MergingTreesAndWithinOneTree) {
+    const char nested[] = "s:s:s=5 s:s:t=6 s:u=7 v=8";
     const struct {
-        const char *from, *to, *result, *left;
+        const char *tree, *from, *to, *copied, *moved;
     } rows[] = {
-        {"a:b=1", "a:c=2", "a{c=2 b=1}", "a{}"},
-        {"a:b=1 x=2", "a=5 y=6", "a{b=1} y=6 x=2", ""},
-        {"a=1", "a:b=2 c=3", "a=1 c=3", ""},
-        {"a:b:c=1 a:b:d=2 a:e=3", "a:b:d=4", "a{b{d=2 c=1} e=3}", "a{b{}}"},
-    };
-    for (const auto& row : rows) {
-        ZAV_UValDict from, to;
-        Fill(from, row.from);
-        Fill(to, row.to);
-        const std::string before = Show(from);
-        ZAV_UValDict copied(to);
-        from.CopyTo(&copied);
-        EXPECT_EQ(row.result, Show(copied));
-        EXPECT_EQ(before, Show(from));
-        from.MoveTo(&to);
-        EXPECT_EQ(row.result, Show(to));
-        EXPECT_EQ(row.left, Show(from));
-    }
-}
-
-TEST(ValueDict, MergingOneValue) {
-    ZAV_UValDict from, to;
-    Fill(from, "a:b=1 a:c:d=2 a:c:e=3");
-    Fill(to, "a:c:d=9 x=1");
-    EXPECT_EQ(nullptr, from.CopyUValTo("a:missing", &to));
-    EXPECT_EQ(to.GetUVal("a:c"), from.CopyUValTo("a:c", &to));
-    EXPECT_EQ("a{c{d=2 e=3}} x=1", Show(to));
-    ZAV_UVal* value = from.GetUVal("a:b");
-    EXPECT_EQ(value, from.MoveUValTo("a:b", &to));
-    EXPECT_EQ(to.GetUVal("a:b"), value);
-    EXPECT_EQ("a{c{d=2 e=3}}", Show(from));
-    ZAV_UValDict blocked;
-    Fill(blocked, "a=1");
-    EXPECT_EQ(nullptr, from.MoveUValTo("a:c", &blocked));
-    EXPECT_EQ("a{c{d=2 e=3}}", Show(from));
-    EXPECT_EQ("a=1", Show(blocked));
-}
-
-TEST(ValueDict, MergingWithinOneTree) {
-    const struct {
-        const char *from, *to, *copied, *moved;
-    } rows[] = {
-        {"", "", "s{s{s=5 t=6} u=7} v=8", "s{s{s=5 t=6} u=7} v=8"},
-        {"s", "", "s{s=5 u=7 t=6} v=8 u=7", "s{s=5 t=6} v=8 u=7"},
-        {"s:s", "s", "s{s=5 u=7 t=6} v=8", "s{s=5 u=7 t=6} v=8"},
-        {"", "s:s", "s{s{s{s{s=5 t=6} u=7} t=6 v=8} u=7} v=8", "s{s{s{s{s=5 t=6} u=7} t=6 v=8} u=7}"},
+        {"f:a:b=1 t:a:c=2", "f", "t", "f{a{b=1}} t{a{c=2 b=1}}", "f{a{}} t{a{c=2 b=1}}"},
+        {"f:a:b=1 f:x=2 t:a=5 t:y=6", "f", "t", "f{a{b=1} x=2} t{a{b=1} y=6 x=2}", "f{} t{a{b=1} y=6 x=2}"},
+        {"f:a=1 t:a:b=2 t:c=3", "f", "t", "f{a=1} t{a=1 c=3}", "f{} t{a=1 c=3}"},
+        {"f:a:b:c=1 f:a:b:d=2 f:a:e=3 t:a:b:d=4", "f:a", "t:a", "f{a{b{c=1 d=2} e=3}} t{a{b{d=2 c=1} e=3}}",
+         "f{a{b{}}} t{a{b{d=2 c=1} e=3}}"},
+        {nested, "", "", "s{s{s=5 t=6} u=7} v=8", "s{s{s=5 t=6} u=7} v=8"},
+        {nested, "s", "", "s{s=5 u=7 t=6} v=8 u=7", "s{s=5 t=6} v=8 u=7"},
+        {nested, "s:s", "s", "s{s=5 u=7 t=6} v=8", "s{s=5 u=7 t=6} v=8"},
+        {nested, "", "s:s", "s{s{s{s{s=5 t=6} u=7} t=6 v=8} u=7} v=8", "s{s{s{s{s=5 t=6} u=7} t=6 v=8} u=7}"},
     };
     for (const auto& row : rows) {
         for (bool move : {false, true}) {
-            SCOPED_TRACE(std::string(row.from) + " -> " + row.to + (move ? " moved" : " copied"));
+            SCOPED_TRACE(std::string(row.tree) + ": " + row.from + " -> " + row.to);
             ZAV_UValDict dict;
-            Fill(dict, "s:s:s=5 s:s:t=6 s:u=7 v=8");
+            Fill(dict, row.tree);
             ZAV_UValDict* from = *row.from ? Dict(dict, row.from) : &dict;
             ZAV_UValDict* to = *row.to ? Dict(dict, row.to) : &dict;
-            if (move)
-                from->MoveTo(to);
-            else
-                from->CopyTo(to);
+            move ? from->MoveTo(to) : from->CopyTo(to);
             EXPECT_EQ(move ? row.moved : row.copied, Show(dict));
         }
     }
     ZAV_UValDict dict;
     Fill(dict, "a:b=1 a:c=2");
     dict = *Dict(dict, "a");
-    EXPECT_EQ("b=1 c=2", Show(dict));
     dict.DefineUValDict("in");
     *Dict(dict, "in") = dict;
     EXPECT_EQ("b=1 c=2 in{b=1 c=2 in{}}", Show(dict));
+}
+
+TEST(ValueDict, MergingOneValue) {
+    ZAV_UValDict from, to, blocked;
+    Fill(from, "a:b=1 a:c:d=2 a:c:e=3");
+    Fill(to, "a:c:d=9 x=1");
+    Fill(blocked, "a=1");
+    EXPECT_EQ(nullptr, from.CopyUValTo("a:missing", &to));
+    EXPECT_EQ(to.GetUVal("a:c"), from.CopyUValTo("a:c", &to));
+    EXPECT_EQ("a{c{d=2 e=3}} x=1", Show(to));
+    ZAV_UVal* value = from.GetUVal("a:b");
+    EXPECT_EQ(value, from.MoveUValTo("a:b", &to));
+    EXPECT_EQ(to.GetUVal("a:b"), value);
+    EXPECT_EQ(nullptr, from.MoveUValTo("a:c", &blocked));
+    EXPECT_EQ("a{c{d=2 e=3}} | a=1", Show(from) + " | " + Show(blocked));
 }
 
 /// Takes any amount of text; counts its lines.
@@ -302,21 +268,33 @@ TEST(ValueDict, DepthCostsNoStack) {
     EXPECT_EQ(static_cast<unsigned>(depth), buffer.mLines);
 }
 
-TEST(ValueDict, Print) {
+TEST(ValueDict, PrintsWhatHasNoValue) {
     ZAV_UValDict dict;
-    Fill(dict, "width=640 colour:x=1");
+    Fill(dict, "width=640");
     dict.SetUVal("none", nullptr);
     dict.DefineUValDict("empty");
-    EXPECT_EQ("    |- width => (Long)640\n    |- colour\n    |    |- x => (Long)1\n    |- none<NULL>\n"
-              "    |- empty\n",
-              Printed(dict));
-    std::ostringstream os;
-    os << *dict.AssocAt("width") << *dict.AssocAt("none");
-    EXPECT_EQ("width => (Long)640none => <NULL>", os.str());
+    EXPECT_EQ("    |- width => (Long)640\n    |- none<NULL>\n    |- empty\n", Printed(dict));
+    EXPECT_EQ("width => (Long)640none => <NULL>",
+              Printed(*dict.AssocAt("width")) + Printed(*dict.AssocAt("none")));
 }
 
+/// As a program writes the calls: that they compile, and mean what they say, is half of the test.
 TEST(ValueDict, ElementsByPath) {
     ZAV_UValDict dict;
+    const ZAV_String name("a:b");
+    dict.SetUVal(name, Number(3));
+    dict.SetUVal(ZAV_UTFString("d"), Number(4));
+    dict.DefineUVal("e", UVAL_LONG, 0, 0);
+    dict.SetValue("e", 0, 0);
+    dict.SetValue("e", true);
+    dict.SetValue(name, 'c', 0);
+    dict.SetValue(name, std::size_t{3});
+    const int i = dict.GetValue(name, 0, 0);
+    const std::size_t size = dict.GetValue(name, std::size_t{0});
+    const unsigned u = dict.GetValue(name, 0u);
+    EXPECT_TRUE(i == 3 && size == 3 && u == 3 && dict.GetValue(name, B_FALSE) == B_TRUE);
+    EXPECT_EQ(nullptr, dict.GetUVal(nullptr));
+
     dict.DefineUVal("s", UVAL_STRING);
     dict.DefineUVal("u", UVAL_UTFSTRING);
     dict.DefineUVal("n", UVAL_ULONG, 2);
@@ -336,24 +314,6 @@ TEST(ValueDict, ElementsByPath) {
     EXPECT_EQ(&dict, dict.GetValue("p", static_cast<void*>(nullptr)));
     dict.SetValue("p", nullptr, 0);
     EXPECT_EQ(nullptr, dict.GetValue("p", static_cast<void*>(&dict)));
-}
-
-/// Calls as a program writes them; that they compile, and mean what they say, is the test.
-TEST(ValueDict, NaturalCallsCompile) {
-    ZAV_UValDict dict;
-    const ZAV_String name("a:b");
-    dict.SetUVal(name, Number(3));
-    dict.SetUVal(ZAV_UTFString("d"), Number(4));
-    dict.DefineUVal("e", UVAL_LONG, 0, 0);
-    dict.SetValue("e", 0, 0);
-    dict.SetValue("e", true);
-    dict.SetValue(name, 'c', 0);
-    dict.SetValue(name, std::size_t{3});
-    const int i = dict.GetValue(name, 0, 0);
-    const std::size_t size = dict.GetValue(name, std::size_t{0});
-    const unsigned u = dict.GetValue(name, 0u);
-    EXPECT_TRUE(i == 3 && size == 3 && u == 3 && dict.GetValue(name, B_FALSE) == B_TRUE);
-    EXPECT_EQ(nullptr, dict.GetUVal(nullptr));
 }
 
 TEST(ValueDict, EntriesHashByWholeWordsOnly) {
