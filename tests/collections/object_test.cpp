@@ -9,14 +9,9 @@
 
 #include "tests/support/printed.h"
 
-namespace {
-
-struct Plain : ZAV_CltObject {};
-
-} // namespace
-
 TEST(CltObject, OnlyNilIsEqualToItself) {
-    Plain o;
+    struct : ZAV_CltObject {
+    } o;
     EXPECT_FALSE(o.IsEqual(&o));
     EXPECT_EQ(0, o.Compare(&o));
     EXPECT_TRUE(GetNilObj()->IsEqual(GetNilObj()));
@@ -29,12 +24,9 @@ TEST(CltObject, OnlyNilIsEqualToItself) {
 TEST(CltString, Hash) {
     const std::pair<const char*, unsigned int> rows[] = {
         {"", 0},
-        {"c", 1 ^ 0x63u},
         {"AB", 2 ^ 0x4241u},
-        {"ABC", 3 ^ 0x434241u},
         {"ABCD", 4 ^ 0x44434241u},
-        {"ABCDE", 5 ^ 0x44434241u ^ 0x45u},
-        {"ABCDEFGHIJ", 10 ^ 0x44434241u ^ 0x48474645u ^ 0x4A49u}};
+        {"ABCDEFGHIJK", 11 ^ 0x44434241u ^ 0x48474645u ^ 0x4B4A49u}};
     for (const auto& [text, hash] : rows) {
         EXPECT_EQ(hash, ZAV_CltString(text).Hash()) << text;
         EXPECT_EQ(hash, ZAV_CltUTFString(text).Hash()) << text;
@@ -44,15 +36,13 @@ TEST(CltString, Hash) {
 
 TEST(CltString, EqualityIsOfBytesAndOrderOfText) {
     ZAV_CltString a(ZAV_String("x\0a", 3)), b(ZAV_String("x\0b", 3)), x("x"), y("y");
-    EXPECT_FALSE(a.IsEqual(&b));
+    EXPECT_FALSE(a.IsEqual(&b) || a.IsEqual(&x));
     EXPECT_EQ(0, a.Compare(static_cast<ZAV_CltObject*>(&b)));
-    EXPECT_FALSE(a.IsEqual(&x));
     EXPECT_LT(x.Compare(static_cast<ZAV_CltObject*>(&y)), 0);
     EXPECT_TRUE(ZAV_CltString("").IsEqual(std::make_unique<ZAV_CltString>(ZAV_String()).get()));
     // The nil object stands beside texts in arrays with empty slots.
     EXPECT_FALSE(x.IsEqual(GetNilObj()));
-    EXPECT_EQ(0, x.Compare(GetNilObj()));
-    EXPECT_EQ(0, ZAV_Integer(-7).Compare(GetNilObj()));
+    EXPECT_TRUE(x.Compare(GetNilObj()) == 0 && ZAV_Integer(-7).Compare(GetNilObj()) == 0);
 }
 
 TEST(CltString, BothBasesSeeTheSameObject) {
@@ -60,11 +50,10 @@ TEST(CltString, BothBasesSeeTheSameObject) {
     s = "defg";
     s += "h";
     ZAV_CltObject* o = &s;
-    EXPECT_EQ(5u, o->Size());
-    EXPECT_EQ(5u, s.Size());
-    EXPECT_EQ("defgh", Printed(o));
-    EXPECT_EQ("defgh", Printed(static_cast<ZAV_String&>(s)));
-    EXPECT_EQ("defgh", Printed(static_cast<const ZAV_CltString&>(s)));
+    EXPECT_TRUE(o->Size() == 5 && s.Size() == 5);
+    for (const std::string& printed :
+         {Printed(o), Printed(static_cast<ZAV_String&>(s)), Printed(static_cast<const ZAV_CltString&>(s))})
+        EXPECT_EQ("defgh", printed);
     std::unique_ptr<ZAV_CltObject> copy(s.ShallowCopy());
     s = "changed";
     EXPECT_STREQ("defgh", ZAV_CltString::Castdown(copy.get())->Ptr());
@@ -77,9 +66,7 @@ TEST(LookupKey, PassesTheQuestionToTheOther) {
     ZAV_CltString one("one"), same("one"), two("two");
     ZAV_Assoc a(&one, nullptr), b(&same, nullptr);
     ZAV_LookupKey c(&two);
-    EXPECT_TRUE(a.IsEqual(&b));
-    EXPECT_TRUE(a.IsEqual(&same));
-    EXPECT_FALSE(a.IsEqual(&c));
+    EXPECT_TRUE(a.IsEqual(&b) && a.IsEqual(&same) && !a.IsEqual(&c));
     EXPECT_EQ(one.Hash(), a.Hash());
     // Two holders: the sense of the first. A bare key: its own sense.
     EXPECT_LT(a.Compare(&c), 0);
@@ -101,8 +88,7 @@ TEST(LookupKey, ValuesOfTheFamily) {
     ZAV_AssocInt n(&key, 5);
     ZAV_Integer seven(7), five(5);
     EXPECT_TRUE(five.IsEqual(n.Value()));
-    EXPECT_EQ(n.Value(), n.Value(&seven)) << "it copies the number";
-    EXPECT_EQ(n.Value(), n.Value(nullptr));
+    EXPECT_TRUE(n.Value(&seven) == n.Value() && n.Value(nullptr) == n.Value()) << "it copies the number";
     std::unique_ptr<ZAV_CltObject> copy(n.ShallowCopy());
     n.Value(&five);
     EXPECT_EQ("key=>7", Printed(copy.get()));
@@ -121,8 +107,7 @@ TEST(LookupKey, ValuesOfTheFamily) {
 TEST(Integer, Wraps) {
     ZAV_Integer low(-2147483647L - 1), high(2147483647L), seven(7);
     EXPECT_EQ(-2, ZAV_Integer(5).Compare(&seven));
-    EXPECT_EQ(1, low.Compare(&high));
-    EXPECT_EQ(-1, high.Compare(&low));
+    EXPECT_TRUE(low.Compare(&high) == 1 && high.Compare(&low) == -1);
     EXPECT_EQ(0x80000000u, low.Hash());
     EXPECT_EQ(-2147483647L - 1, seven.Value(-2147483647L - 1));
     ZAV_CltString text("5");
