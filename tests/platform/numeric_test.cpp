@@ -18,11 +18,13 @@ TEST(Numeric, DensityAndIntensityAreInverse) {
     for (const double p : {0.5, 1.0, 2.0}) {
         EXPECT_EQ(ZAV_Int2Dens(0, 255, 0.1, 3.0, 0.8, p), 3.0);
         EXPECT_NEAR(ZAV_Int2Dens(255, 255, 0.1, 3.0, 0.8, p), 0.1, 1e-12);
-        for (double I = 1; I <= 255; I += 17)
-            EXPECT_NEAR(ZAV_Dens2Int(ZAV_Int2Dens(I, 255, 0.1, 3.0, 0.8, p), 255, 0.1, 3.0, 0.8, p), I, 1e-9);
+        for (double I = 1; I <= 255; I += 17) {
+            const double D = ZAV_Int2Dens(I, 255, 0.1, 3.0, 0.8, p);
+            EXPECT_NEAR(ZAV_Dens2Int(D, 255, 0.1, 3.0, 0.8, p), I, 1e-9);
+        }
     }
-    EXPECT_NEAR(ZAV_Dens2Int(ZAV_Int2Dens(100.f, 255.f, .1f, 3.f, .8f, 1.f), 255.f, .1f, 3.f, .8f, 1.f),
-                100.f, .01f);
+    const float D = ZAV_Int2Dens(100.f, 255.f, .1f, 3.f, .8f, 1.f);
+    EXPECT_NEAR(ZAV_Dens2Int(D, 255.f, .1f, 3.f, .8f, 1.f), 100.f, .01f);
     // By hand: Dmin 0, Dmax 1, g 1, p 1 gives 1 - log10(9 I / Imax + 1).
     EXPECT_DOUBLE_EQ(ZAV_Int2Dens(1.0, 3.0, 0.0, 1.0, 1.0, 1.0), 1.0 - std::log10(4.0));
     EXPECT_TRUE(std::isnan(ZAV_Int2Dens(0.0, 0.0, 0.1, 3.0, 1.0, 1.0)));

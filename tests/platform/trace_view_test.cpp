@@ -5,25 +5,24 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 
 #include "tests/support/child_process.h"
+#include "tests/support/file_support.h"
 
 namespace {
 
 /// A private folder for the channel, where the system wants one.
 class TraceView : public ::testing::Test {
 protected:
-    TraceView() : mFolder(std::filesystem::absolute("trace_view_test.run")) {
-        std::filesystem::create_directory(mFolder);
-        std::filesystem::permissions(mFolder, std::filesystem::perms::owner_all);
+    TraceView() {
+        std::filesystem::permissions(mFolder.Path(), std::filesystem::perms::owner_all);
         // The environment keeps the text itself, so it stays for the life of the process.
-        static std::string variable = "XDG_RUNTIME_DIR=" + mFolder.string();
+        static std::string variable;
+        variable = "XDG_RUNTIME_DIR=" + mFolder.Path();
         putenv(variable.data());
     }
-    ~TraceView() override { std::filesystem::remove_all(mFolder); }
 
-    std::filesystem::path mFolder;
+    const TestFolder mFolder;
 };
 
 } // namespace
@@ -31,17 +30,14 @@ protected:
 TEST_F(TraceView, FollowsMatchesAndKeepsControlCharactersHarmless) {
     ChildProcess viewer(ZAVTRACE, {"--announce", "--match", "pump", "--count", "3"});
     ASSERT_EQ("listening", viewer.ReadLine());
-    ChildProcess second(ZAVTRACE, {});
-    EXPECT_EQ(2, second.Wait());
-
-    dout << "pump 1 on" << std::endl << "valve 1 open" << std::endl << "pump \x1B[31m2" << std::endl;
-    EXPECT_EQ("pump 1 on", viewer.ReadLine());
-    EXPECT_EQ("pump \\033[31m2", viewer.ReadLine());
-    // More than the channel carries at once, and its line end apart.
+    EXPECT_EQ(2, ChildProcess(ZAVTRACE, {}).Wait());
+    // The last is more than the channel carries at once, and its line end comes apart.
     const std::string text = "pump " + std::string(700, 'x');
-    dout << text << std::flush;
+    for (const std::string& piece : {std::string("pump 1 on\nvalve 1 open\npump \x1B[31m2\n"), text})
+        dout << piece << std::flush;
     dout << std::endl;
-    EXPECT_EQ(text, viewer.ReadLine());
+    for (const std::string& line : {std::string("pump 1 on"), std::string("pump \\033[31m2"), text})
+        EXPECT_EQ(line, viewer.ReadLine());
     EXPECT_EQ(0, viewer.Wait());
     dout << "nobody looks" << std::endl;
 }

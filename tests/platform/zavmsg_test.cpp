@@ -73,13 +73,17 @@ TEST(Gettext, ReadsContextsPluralsEscapesAndMarks) {
 }
 
 TEST(Gettext, SaysWhatIsWrongAndWhere) {
-    EXPECT_EQ("line 2: a message without msgstr", Problem("msgid \"a\"\n\nmsgid \"b\"\n"));
-    EXPECT_EQ("line 1: unexpected \"msgstr\"", Problem("msgstr \"a\"\n"));
-    EXPECT_EQ("line 1: a text that does not end in its line", Problem("msgid \"a\\\""));
-    EXPECT_EQ("line 1: a text without a keyword", Problem("\"a\"\n"));
-    EXPECT_EQ("line 2: plural forms are not in their order", Problem("msgid \"a\"\nmsgstr[1] \"b\"\n"));
-    EXPECT_NE("", Problem("msgid \"\"\nmsgstr \"charset=KOI8-R\\n\"\n"));
-    EXPECT_EQ("", Problem(""));
+    const std::string charset = "the encoding is KOI8-R, wanted is UTF-8 (see msgconv)";
+    const std::pair<const char*, std::string> rows[] = {
+        {"", ""},
+        {"msgid \"a\"\n\nmsgid \"b\"\n", "line 2: a message without msgstr"},
+        {"msgstr \"a\"\n", "line 1: unexpected \"msgstr\""},
+        {"msgid \"a\\\"", "line 1: a text that does not end in its line"},
+        {"\"a\"\n", "line 1: a text without a keyword"},
+        {"msgid \"a\"\nmsgstr[1] \"b\"\n", "line 2: plural forms are not in their order"},
+        {"msgid \"\"\nmsgstr \"charset=KOI8-R\\n\"\n", "line 2: " + charset},
+    };
+    for (const auto& [text, problem] : rows) EXPECT_EQ(problem, Problem(text));
     // Any truncation is read or refused.
     const std::string whole = sample;
     for (size_t size = 0; size < whole.size(); ++size) Problem(std::string(whole, 0, size));
@@ -103,15 +107,11 @@ TEST(Gettext, ReadsTheCompiledFormInBothByteOrders) {
 }
 
 TEST(Definitions, SourceTextsBecomeIdentifiersWhereTheyCan) {
-    EXPECT_EQ("Open file", IdentifierOf("", "Open file"));
-    const std::string longest(64, 'x');
-    EXPECT_EQ(longest, IdentifierOf("", longest));
-    std::set<std::string> made;
-    for (const char* source : {"a:b", "+++a", "two\nlines", "caf\303\251", ""})
+    const std::string longest(64, 'x'), longer(65, 'x');
+    for (const char* source : {"Open file", longest.c_str()}) EXPECT_EQ(source, IdentifierOf("", source));
+    std::set<std::string> made = {IdentifierOf("menu", "Open file"), IdentifierOf("edit", "Open file")};
+    for (const char* source : {"a:b", "+++a", "two\nlines", "caf\303\251", "", longer.c_str()})
         made.insert(IdentifierOf("", source));
-    made.insert(IdentifierOf("", longest + "x"));
-    made.insert(IdentifierOf("menu", "Open file"));
-    made.insert(IdentifierOf("edit", "Open file"));
     EXPECT_EQ(8u, made.size());
     for (const std::string& id : made) EXPECT_EQ(0u, id.find("PO_")) << id;
 }
@@ -123,12 +123,12 @@ TEST(Definitions, DifferencesAreNamed) {
                                     {"group:in", "x", "y"},
                                     {"open", "<<a", "<<a>>"},
                                     {"gone", "x", nullptr},
-                                    {"new", nullptr, "x"}};
-    for (const auto& row : texts) {
-        if (row[1]) ZAV_I18nDef2Dict(&wanted, row[0], row[1]);
-        if (row[2]) ZAV_I18nDef2Dict(&language, row[0], row[2]);
+                                    {"new", nullptr, "x"},
+                                    {"number", "x", nullptr}};
+    for (const auto& [id, text, translation] : texts) {
+        if (text) ZAV_I18nDef2Dict(&wanted, id, text);
+        if (translation) ZAV_I18nDef2Dict(&language, id, translation);
     }
-    ZAV_I18nDef2Dict(&wanted, "number", "x");
     language.DefineUVal("number", UVAL_LONG);
     const std::vector<std::string> expected = {"missing: gone", "tags differ: open: wanted none, found <<a>>",
                                                "tags differ: twice: wanted <<a>> <<a>>, found <<a>>",
@@ -138,21 +138,20 @@ TEST(Definitions, DifferencesAreNamed) {
 
 /// Country names in every language that the package iso-codes brings, where it is installed.
 TEST(Gettext, RealTranslationsFormatInEveryLanguage) {
-    const std::filesystem::path locales = "/usr/share/locale";
+    const TestFolder folder;
     std::error_code none;
     int languages = 0;
-    for (const auto& folder : std::filesystem::directory_iterator(locales, none)) {
-        const auto file = folder.path() / "LC_MESSAGES" / "iso_3166-1.mo";
-        if (!std::filesystem::exists(file, none)) continue;
-        const std::string language = folder.path().filename().string();
+    for (const auto& locale : std::filesystem::directory_iterator("/usr/share/locale", none)) {
+        const std::string language = locale.path().filename().string();
         std::vector<GettextEntry> entries;
-        ASSERT_EQ("", ReadGettext(FileText(file.string()), entries)) << language;
+        const std::string bytes = FileText((locale.path() / "LC_MESSAGES/iso_3166-1.mo").string());
+        if (bytes.empty()) continue;
+        ASSERT_EQ("", ReadGettext(bytes, entries)) << language;
         ZAV_UValDict texts(16);
         for (const GettextEntry& e : entries)
             ZAV_I18nDef2Dict(&texts, IdentifierOf(e.mContext, e.mSource).c_str(), e.mTranslations[0].c_str());
-        const std::string path = "zavmsg_test." + language;
-        texts.WriteTextFile(path.c_str());
-        ZAV_I18nResource resource("zavmsg_test");
+        texts.WriteTextFile(folder.Path("texts." + language).c_str());
+        ZAV_I18nResource resource(folder.Path("texts").c_str());
         for (const GettextEntry& e : entries) {
             ZAV_I18nMsg message("(<<country>>)");
             message.AddArg("<<country>>", ZAV_I18nMsg(IdentifierOf(e.mContext, e.mSource).c_str()),
@@ -161,7 +160,6 @@ TEST(Gettext, RealTranslationsFormatInEveryLanguage) {
                       message.Format(language.c_str(), &resource, nullptr).Ptr())
                 << language << " " << e.mSource;
         }
-        std::filesystem::remove(path);
         ++languages;
     }
     if (languages == 0) GTEST_SKIP() << "iso-codes is not installed";
