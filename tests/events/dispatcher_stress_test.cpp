@@ -13,19 +13,14 @@ const int kProducers = 8;
 const int kEventsEach = 100000;
 const int kLowest = -5, kHighest = 5;
 
-struct Account {
-    std::atomic<int> handled{0}, cleanedUp{0}, refused{0};
-    int Total() const { return handled + cleanedUp + refused; }
-};
-
 class Counted : public ZAV_Event {
 public:
-    Counted(Account& account, int producer, int number, int priority)
-        : ZAV_Event(0x436E7464), mAccount(account), mProducer(producer), mNumber(number),
+    Counted(std::atomic<int>& cleanedUp, int producer, int number, int priority)
+        : ZAV_Event(0x436E7464), mCleanedUp(cleanedUp), mProducer(producer), mNumber(number),
           mRank(priority - kLowest) {}
-    void EmergencyCleanup() override { ++mAccount.cleanedUp; }
+    void EmergencyCleanup() override { ++mCleanedUp; }
 
-    Account& mAccount;
+    std::atomic<int>& mCleanedUp;
     const int mProducer, mNumber, mRank;
 };
 
@@ -39,11 +34,11 @@ bool Post(const ZAV_EvHandlerRef& handler, std::unique_ptr<ZAV_Event> event, lon
 class DispatcherStress : public EventsTest {
 protected:
     void PostCounted(const ZAV_EvHandlerRef& handler, int producer, int number, int priority) {
-        auto event = std::make_unique<Counted>(mAccount, producer, number, priority);
-        if (!Post(handler, std::move(event), priority)) ++mAccount.refused;
+        auto event = std::make_unique<Counted>(mCleanedUp, producer, number, priority);
+        if (!Post(handler, std::move(event), priority)) ++mRefused;
     }
 
-    Account mAccount;
+    std::atomic<int> mHandled{0}, mCleanedUp{0}, mRefused{0};
 };
 
 // Handlers that leave at random; the producers post at random and bring back those that have gone.
@@ -57,7 +52,7 @@ TEST_F(DispatcherStress, AccountsForEveryEvent) {
         int& before = last[counted.mProducer][counted.mRank];
         outOfOrder += counted.mNumber <= before;
         before = counted.mNumber;
-        ++mAccount.handled;
+        ++mHandled;
         return leaving() % 5000 == 0 ? 2 : 0;
     };
     const ZAV_EvHandlerRef handlers[] = {new Scripted(then), new Scripted(then), new Scripted(then),
@@ -79,7 +74,7 @@ TEST_F(DispatcherStress, AccountsForEveryEvent) {
         }
         if (producer < kProducers) return;
         // Stops in the middle; the producers go on.
-        while (posted < kProducers * kEventsEach / 2 || mAccount.handled < 1000) std::this_thread::yield();
+        while (posted < kProducers * kEventsEach / 2 || mHandled < 1000) std::this_thread::yield();
         stopped = true;
         thread->StopThread();
         for (const ZAV_EvHandlerRef& handler : handlers) Post(handler, std::make_unique<ZAV_EventStop>(), 9);
@@ -91,7 +86,7 @@ TEST_F(DispatcherStress, AccountsForEveryEvent) {
         thread.reset();
     });
     dispatcher.Cleanup();
-    EXPECT_EQ(mAccount.Total(), kProducers * kEventsEach);
+    EXPECT_EQ(mHandled + mCleanedUp + mRefused, kProducers * kEventsEach);
     EXPECT_EQ(outOfOrder, 0);
 }
 
@@ -104,14 +99,14 @@ TEST_F(DispatcherStress, ADispatcherMayGoWhileOthersPost) {
         dispatcher->AddEvHandler(handler);
         std::atomic<int> posted{0};
         std::thread producer([&] {
-            for (; mAccount.refused == round; ++posted) PostCounted(handler, 0, posted, round % 3);
+            for (; mRefused == round; ++posted) PostCounted(handler, 0, posted, round % 3);
         });
         while (posted < round % 7) std::this_thread::yield();
         dispatcher.reset();
         producer.join();
         made += posted;
     }
-    EXPECT_EQ(mAccount.Total(), made);
+    EXPECT_EQ(mCleanedUp + mRefused, made);
 }
 
 } // namespace

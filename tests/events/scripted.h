@@ -8,6 +8,7 @@
 
 #include <zavbase/events/ev_dispatcher.h>
 #include <zavbase/events/event.h>
+#include <zavbase/events/listener.h>
 
 /// Wants everything gone at the end of the test that was made since its beginning.
 class EventsTest : public testing::Test {
@@ -33,6 +34,18 @@ public:
 
 protected:
     int HandleEvent(ZAV_Event* event) override { return mThen(event); }
+};
+
+/// A listener that does what the test wants.
+class ScriptListener : public ZAV_Listener {
+public:
+    explicit ScriptListener(std::function<void()> then = [] {}) : mThen(std::move(then)) {}
+    void Listen(ZAV_ListenerControl) override {
+        ++mCalls;
+        mThen();
+    }
+    int mCalls = 0;
+    std::function<void()> mThen;
 };
 
 #endif

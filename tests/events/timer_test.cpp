@@ -148,16 +148,13 @@ protected:
     ZAV_EvDispatcher mDispatcher;
 };
 
-TEST_F(TimerMgr, FiresInTheOrderOfDueTimesThenOfAdding) {
-    const long first = mHandler->RegisterTimer(100);
-    const long second = mHandler->RegisterTimer(100);
-    const long early = ZAV_TimerMgr::AddTimer(50, mHandler, -1);
-    const long removed = mHandler->RegisterTimer(60);
-    const long now = mHandler->RegisterTimer(0);
-    EXPECT_EQ(After(0), Ids{now});
-    for (const long id : {removed, now, 4711L}) mHandler->UnRegisterTimer(id);
-    EXPECT_EQ(After(49), Ids{});
-    EXPECT_EQ(After(51), (Ids{first, second, early})) << "then by priority";
+TEST_F(TimerMgr, FiresByPriorityForActiveHandlers) {
+    const long low = ZAV_TimerMgr::AddTimer(10, mHandler, -1), removed = mHandler->RegisterTimer(15);
+    const long high = ZAV_TimerMgr::AddTimer(20, mHandler, 3);
+    for (const long id : {removed, 4711L}) mHandler->UnRegisterTimer(id);
+    EXPECT_EQ(After(9), Ids{});
+    EXPECT_EQ(After(11), (Ids{high, low}));
+    mHandler->UnRegisterTimer(low); // fired already
     const int events = NewEvents();
     mHandler->RegisterTimer(10);
     mDispatcher.RemoveEvHandler(mRef);
@@ -210,12 +207,15 @@ TEST_F(TimerMgr, AnEventShowsItsTimesThroughTheWrap) {
     fakeTicks = 0xFFFFFFF0u;
     const long id = mHandler->RegisterTimer(0x20);
     mThen = [](ZAV_Event* event) {
-        ZAV_EventTimer* timer = static_cast<ZAV_EventTimer*>(event);
-        EXPECT_EQ(timer->TimeToGo(0xFFFFFFF8u), 0x18);
-        EXPECT_EQ(timer->TimeToGo(0x10), 1);
-        EXPECT_EQ(timer->TimeToGo(0x20), -15);
-        EXPECT_FALSE(timer->TimeoutElapsed(0x10));
-        EXPECT_TRUE(timer->TimeoutElapsed(0x11));
+        const ZAV_EventTimer& timer = *static_cast<ZAV_EventTimer*>(event);
+        const struct {
+            Ticks now;
+            long toGo;
+        } rows[] = {{0xFFFFFFF8u, 0x18}, {0x10, 1}, {0x11, 0}, {0x20, -15}};
+        for (const auto& [now, toGo] : rows) {
+            EXPECT_EQ(timer.TimeToGo(now), toGo);
+            EXPECT_EQ(timer.TimeoutElapsed(now) != 0, toGo <= 0);
+        }
         EXPECT_EQ(Printed(*event), "Event 'Timr' = ZAV_EventTimer(mId =1, mTimeout =32)");
     };
     EXPECT_EQ(After(0x20), Ids{});

@@ -1,7 +1,6 @@
 #include <atomic>
 #include <thread>
 
-#include <zavbase/events/listener.h>
 #include <zavbase/events/timer_mgr.h>
 #include <zavbase/foundation/exception.h>
 #include <zavbase/foundation/new_handler.h>
@@ -36,12 +35,6 @@ struct Running {
     ZAV_EvDispatcherThread thread{dispatcher};
 };
 
-struct ScriptListener : ZAV_Listener {
-    explicit ScriptListener(std::function<void()> then) : mThen(then) {}
-    void Listen(ZAV_ListenerControl) override { mThen(); }
-    std::function<void()> mThen;
-};
-
 class DispatcherThread : public EventsTest {};
 class TimerThread : public EventsTest {};
 
@@ -67,14 +60,13 @@ TEST_F(DispatcherThread, NeverSleepsOverItsEnd) {
 
 TEST_F(DispatcherThread, WakesAtItsIntervalToPoll) {
     ZAV_EvDispatcher dispatcher;
-    int polls = 0;
     ScriptListener listener([&] {
-        if (++polls == 5) dispatcher.Stop();
+        if (listener.mCalls == 5) dispatcher.Stop();
     });
     dispatcher.AddListener(&listener);
     dispatcher.SetWakeUpInterval(1);
     dispatcher.Dispatch(DISPATCH_UNTIL_STOPPED); // without the interval it would never come back
-    EXPECT_EQ(polls, 5);
+    EXPECT_EQ(listener.mCalls, 5);
     dispatcher.SetWakeUpInterval(0xFFFFFFFFu);
     EXPECT_EQ(dispatcher.WakeUpInterval(), 2147483u);
 }
@@ -91,11 +83,10 @@ TEST_F(DispatcherThread, EndsWhenMemoryRunsOut) {
 }
 
 TEST(ListenerThread, EndsByAnExceptionAndBeginsAgain) {
-    int runs = 0;
     ZAV_Semaphore released;
     ScriptListener listener([&] {
-        if (++runs == 1) ZAV_ThrowFileException(1, 2);
-        if (runs == 2) throw dummyalloc();
+        if (listener.mCalls == 1) ZAV_ThrowFileException(1, 2);
+        if (listener.mCalls == 2) throw dummyalloc();
         released.Wait(); // ignores Stop
     });
     TraceCapture trace(0x0001);
@@ -106,7 +97,7 @@ TEST(ListenerThread, EndsByAnExceptionAndBeginsAgain) {
         released.Signal();
         EXPECT_EQ(thread.WaitForThread(), 0);
     }
-    EXPECT_EQ(runs, 3);
+    EXPECT_EQ(listener.mCalls, 3);
     EXPECT_EQ(trace.Text(), "ZAV_ListenerThread : unexpected exception during Listen() :\n"
                             "File exception: FileNotFound\n"
                             "ZAV_ListenerThread : unexpected badalloc exception during Listen() :\n");

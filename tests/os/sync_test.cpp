@@ -1,0 +1,35 @@
+#include <zavbase/os/clock.h>
+#include <zavbase/os/error.h>
+#include <zavbase/os/sync.h>
+#include <zavbase/os/thread.h>
+
+#include <gtest/gtest.h>
+
+using namespace zav_os;
+
+TEST(OsThread, NoHandleIsAnErrorOfTheSystem) {
+    int priority = 0;
+    EXPECT_EQ(Wait::Failed, ThreadWait(0, 0));
+    EXPECT_NE(0u, LastError());
+    EXPECT_NE(0u, SetThreadPriority(0, 1));
+    EXPECT_NE(0u, GetThreadPriority(0, priority));
+    EXPECT_EQ(-1, WaitForAny(nullptr, 0));
+    EXPECT_NE(0u, LastError());
+}
+
+TEST(OsSemaphore, KeepsItsUnitsWithinThirtyOneBits) {
+    Word semaphore;
+    SemaphoreOpen(semaphore, 2);
+    SemaphoreRelease(semaphore, 0x7FFFFFFF); // too many: without effect
+    for (int unit = 0; unit < 2; ++unit) EXPECT_EQ(Wait::Done, SemaphoreWait(semaphore, 0));
+    // A wait that times out lasts as long as it says; the clock of some systems moves in steps of 16 ms.
+    const uint32_t start = TickCount();
+    EXPECT_EQ(Wait::TimedOut, SemaphoreWait(semaphore, 30));
+    const uint32_t between = TickCount();
+    Sleep(30);
+    EXPECT_GE(between - start, 14u);
+    EXPECT_GE(TickCount() - between, 14u);
+    SemaphoreRelease(semaphore, 0x7FFFFFFF);
+    EXPECT_EQ(Wait::Done, SemaphoreWait(semaphore, 0));
+    SemaphoreClose(semaphore);
+}
