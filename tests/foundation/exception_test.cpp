@@ -110,5 +110,6 @@ TEST(Error, AnIdentifierAssignedReplacesTheWholeError) {
     ZAV_Error error("FIRST");
     error.AddArg("<<x>>", "y", ZAV_I18N_STRING);
     error = ZAV_UTFString("SECOND");
-    EXPECT_EQ("SECOND", Printed(static_cast<ZAV_Object&>(error)));
+    const auto e = Thrown<ZAV_ErrorException>([&] { ZAV_ThrowErrorException(error); });
+    EXPECT_EQ("SECOND", Printed(static_cast<ZAV_Object&>(e->mError)));
 }

@@ -49,4 +49,5 @@ TEST(Numeric, InverseIntensitiesAreThirtyTwoBitsWide) {
     EXPECT_EQ(ZAV_Dens2InvInt(-1.0, 1), 4294967287ul) << "-9 modulo 2^32";
     EXPECT_EQ(ZAV_Dens2InvInt(-400.0, 1), 0ul);
     EXPECT_EQ(ZAV_Dens2InvInt(std::nan(""), 1), 0ul);
+    EXPECT_EQ(ZAV_BigEndian(), B_FALSE);
 }

@@ -90,6 +90,8 @@ TEST_F(SharedLib, IsSoughtInThreeStepsAndStrictlyByItsAbsolutePath) {
             const std::string outcome = Outcome(lib, strict), expected = strict ? row.mStrict : row.mOutcome;
             EXPECT_TRUE((expected + " ").find(outcome + " ") != std::string::npos) << outcome;
             EXPECT_EQ(current, fs::current_path());
+            const char* path = lib.GetFullPath().GetSystemString();
+            EXPECT_EQ(fs::path(row.mFolder) / (row.mName + PLUGIN_EXTENSION), fs::path(path));
         }
     }
 }
