@@ -46,7 +46,7 @@ struct Pieces {
 
 TEST(Tracer, OnlyTenCharactersOfANameCount) {
     ZAV_Tracer* tracer = ZAV_Tracer::FindOrCreate("ABCDEFGHIJKLM");
-    EXPECT_EQ(tracer, ZAV_Tracer::FindOrCreate("ABCDEFGHIJ"));
+    EXPECT_EQ(tracer, ZAV_Tracer::FindOrCreate("ABCDEFGHIJxyz"));
     EXPECT_STREQ("ABCDEFGHIJ", tracer->mName);
     EXPECT_NE(tracer, ZAV_Tracer::FindOrCreate("ABCDEFGHI"));
 }
