@@ -1,5 +1,8 @@
 #include <atomic>
+#include <memory>
+#include <random>
 #include <thread>
+#include <vector>
 
 #include <zavbase/events/timer_mgr.h>
 #include <zavbase/foundation/exception.h>
@@ -11,6 +14,96 @@
 #include "tests/support/trace_capture.h"
 
 namespace {
+
+const int kProducers = 8;
+const int kEventsEach = 100000;
+const int kLowest = -5, kHighest = 5;
+
+class Counted : public ZAV_Event {
+public:
+    Counted(std::atomic<int>& cleanedUp, int producer, int number, int priority)
+        : ZAV_Event(0x436E7464), mCleanedUp(cleanedUp), mProducer(producer), mNumber(number),
+          mRank(priority - kLowest) {}
+    void EmergencyCleanup() override { ++mCleanedUp; }
+
+    std::atomic<int>& mCleanedUp;
+    const int mProducer, mNumber, mRank;
+};
+
+class DispatcherStress : public EventsTest {
+protected:
+    void Post(const ZAV_EvHandlerRef& handler, int producer, int number, int priority) {
+        auto event = std::make_unique<Counted>(mCleanedUp, producer, number, priority);
+        if (handler->QueueEvent(event.get(), priority) == 0)
+            event.release();
+        else
+            ++mRefused;
+    }
+
+    std::atomic<int> mHandled{0}, mCleanedUp{0}, mRefused{0};
+};
+
+// Handlers that leave at random; the producers post at random and bring back those that have gone.
+TEST_F(DispatcherStress, AccountsForEveryEvent) {
+    int last[kProducers][kHighest - kLowest + 1] = {}; // the number last handled; the dispatching thread's
+    int outOfOrder = 0;
+    std::minstd_rand leaving(1);
+    const Scripted::Then then = [&](ZAV_Event* event) {
+        const Counted& counted = *static_cast<Counted*>(event);
+        int& before = last[counted.mProducer][counted.mRank];
+        outOfOrder += counted.mNumber <= before;
+        before = counted.mNumber;
+        ++mHandled;
+        return leaving() % 5000 == 0 ? 2 : 0;
+    };
+    std::vector<ZAV_EvHandlerRef> handlers;
+    ZAV_EvDispatcher dispatcher;
+    for (int h = 0; h < 4; ++h) dispatcher.AddEvHandler(handlers.emplace_back(new Scripted(then)));
+    auto thread = std::make_unique<ZAV_EvDispatcherThread>(dispatcher);
+    thread->BeginThread(ZAV_THREAD_CLEANUP_NONE, 0);
+    std::atomic<int> posted{0};
+    std::atomic<bool> stopped{false};
+    OnThreads(kProducers + 1, [&](int producer) {
+        std::minstd_rand random(static_cast<unsigned>(producer + 100));
+        for (int i = 1; producer < kProducers && i <= kEventsEach; ++i) {
+            const ZAV_EvHandlerRef& handler = handlers[random() % 4];
+            Post(handler, producer, i, kLowest + static_cast<int>(random() % (kHighest - kLowest + 1)));
+            if (i % 64 == 0 && !stopped && !handler->IsActive()) dispatcher.AddEvHandler(handler);
+            ++posted;
+        }
+        if (producer < kProducers) return;
+        // Stops in the middle; the producers go on.
+        while (posted < kProducers * kEventsEach / 2 || mHandled < 1000) std::this_thread::yield();
+        stopped = true;
+        thread->StopThread();
+        // A handler may be brought back once more, or twice.
+        for (; thread->Running(); std::this_thread::yield())
+            for (const ZAV_EvHandlerRef& handler : handlers) dispatcher.RemoveEvHandler(handler);
+        thread.reset();
+    });
+    dispatcher.Cleanup();
+    EXPECT_EQ(mHandled + mCleanedUp + mRefused, kProducers * kEventsEach);
+    EXPECT_EQ(outOfOrder, 0);
+}
+
+// Producers and the destructor of their dispatcher, with nothing in between.
+TEST_F(DispatcherStress, ADispatcherMayGoWhileOthersPost) {
+    int made = 0;
+    for (int round = 0; round < 60; ++round) {
+        auto dispatcher = std::make_unique<ZAV_EvDispatcher>();
+        const ZAV_EvHandlerRef handler(new ZAV_EvHandlerBody);
+        dispatcher->AddEvHandler(handler);
+        std::atomic<int> posted{0};
+        std::thread producer([&] {
+            for (; mRefused == round; ++posted) Post(handler, 0, posted, round % 3);
+        });
+        while (posted < round % 7) std::this_thread::yield();
+        dispatcher.reset();
+        producer.join();
+        made += posted;
+    }
+    EXPECT_EQ(mCleanedUp + mRefused, made);
+}
 
 // A dispatcher on a thread of its own, with one handler that signals each event; ends with a stop event.
 struct Running {
@@ -35,8 +128,7 @@ struct Running {
     ZAV_EvDispatcherThread thread{dispatcher};
 };
 
-class DispatcherThread : public EventsTest {};
-class TimerThread : public EventsTest {};
+typedef EventsTest DispatcherThread, TimerThread;
 
 TEST_F(DispatcherThread, SleepsWakesAndStops) {
     Running run;
@@ -51,9 +143,12 @@ TEST_F(DispatcherThread, SleepsWakesAndStops) {
 TEST_F(DispatcherThread, NeverSleepsOverItsEnd) {
     for (int round = 0; round < 300; ++round) {
         Running run;
-        if (round % 3 == 0) run.handler->QueueEvent(new ZAV_EventStart, 0);
+        if (round % 3 != 0) {
+            run.handler->QueueEvent(new ZAV_EventStart, 0);
+            run.seen.Wait();
+        }
         run.thread.StopThread();
-        if (round % 2 == 0) std::this_thread::yield();
+        for (int pause = round % 10; pause > 0; --pause) std::this_thread::yield();
         run.dispatcher.RemoveEvHandler(run.handler);
     }
 }
