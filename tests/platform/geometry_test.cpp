@@ -20,8 +20,8 @@ const ZAV_Point lowest(SHRT_MIN, SHRT_MIN), highest(SHRT_MAX, SHRT_MAX);
 } // namespace
 
 TEST(Point, ArithmeticWrapsIn16Bits) {
-    EXPECT_EQ("(-32768,-32768)", Text(highest + ZAV_Point(1, 1)));
-    EXPECT_EQ("(32767,32767)", Text(lowest - ZAV_Point(1, 1)));
+    const ZAV_Point one(1, 1);
+    EXPECT_EQ("(-32768,-32768)(32767,32767)", Text(highest + one, lowest - one));
     EXPECT_EQ("(-32768,-32768)", Text(-lowest));
     ZAV_Point p(3, -5);
     p *= INT_MAX;
@@ -33,10 +33,9 @@ TEST(Point, ArithmeticWrapsIn16Bits) {
 }
 
 TEST(Point, OrderIsPartialAndYGrowsDownwards) {
-    const ZAV_Point a(3, 5), b(4, 2);
-    EXPECT_TRUE(ZAV_Point(3, 1) < b && b > ZAV_Point(3, 1) && ZAV_Point(4, 1) <= b);
-    EXPECT_FALSE(a < b || b < a || a <= b || a >= b || a > b || a == b || ZAV_Point(4, 1) < b);
-    EXPECT_TRUE(a <= a && a >= a && a != b);
+    const ZAV_Point a(3, 5), b(4, 2), above(3, 1), beside(4, 1);
+    EXPECT_TRUE(above < b && b > above && beside <= b && a <= a && a >= a && a != b);
+    EXPECT_FALSE(a < b || b < a || a <= b || a >= b || a > b || a == b || beside < b);
     EXPECT_TRUE(a.IsBelow(b) && b.IsAbove(a) && a.IsLeft(b) && b.IsRight(a));
     EXPECT_FALSE(a.IsBelow(a) || a.IsAbove(a) || a.IsLeft(a) || a.IsRight(a));
     EXPECT_EQ("(4,5)(3,2)", Text(a.Max(b), b.Min(a)));

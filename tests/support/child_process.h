@@ -13,8 +13,6 @@ class ChildProcess {
 public:
     ChildProcess(const std::string& program, const std::vector<std::string>& arguments);
     ~ChildProcess();
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
 
     unsigned long Id() const { return mId; }
     /// The next line of its output, without line end; empty at the end of the output.

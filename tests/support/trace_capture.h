@@ -21,8 +21,6 @@ public:
         ZAV_Tracer::SetMask(tr_base_name, mMaskBefore);
         ZAV_Tracer::SetStreamP(tr_base_name, mStreamBefore);
     }
-    TraceCapture(const TraceCapture&) = delete;
-    TraceCapture& operator=(const TraceCapture&) = delete;
 
     std::string Text() const { return mText.str(); }
     std::vector<std::string> Lines() const {

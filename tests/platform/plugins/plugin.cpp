@@ -1,4 +1,4 @@
-// A plug-in module, and, built with one of the LACKS_... macros, one without that entry point.
+// A plug-in module; built with a macro that gives an entry point another name, one that lacks it.
 
 #include <ostream>
 #include <stdexcept>
@@ -20,34 +20,27 @@ class Sample : public ZAV_Object {
     ZAV_DECLARE_CLASS(Sample)
 
 public:
-    static int theCount;
+    inline static int theCount = 0;
     Sample() { ++theCount; }
     ~Sample() override { --theCount; }
     void PrintOn(std::ostream& os) override { os << PLUGIN_NAME << " with " << theCount; }
 };
 ZAV_DEFINE_CLASS(Sample, ZAV_Object)
-int Sample::theCount = 0;
 
 /// Registered while this module is in the process: so a test sees when the system really lets it go.
 ZAV_StaticDll thePresence(PLUGIN_NAME " is loaded", nullptr, nullptr, nullptr);
 
 } // namespace
 
-#if !defined(LACKS_CREATE)
 /// 1 makes an object; 2 throws an exception object of the library, 3 one of C++; anything else makes none.
 PLUGIN_EXPORT ZAV_Object* CreateObjectInstance(unsigned short id) {
     if (id == 2) ZAV_ThrowFileException(6, 77);
     if (id == 3) throw std::runtime_error(PLUGIN_NAME);
     return id == 1 ? new Sample : nullptr;
 }
-#endif
 
-#if !defined(LACKS_FREE)
 PLUGIN_EXPORT void FreeObjectInstance(ZAV_Object* obj) { delete obj; }
-#endif
 
-#if !defined(LACKS_DEFINITIONS)
 PLUGIN_EXPORT void GetI18nDefs(ZAV_Object* dict, boolean_t, boolean_t baseDefs) {
     if (baseDefs) ZAV_I18nDef2Dict(static_cast<ZAV_UValDict*>(dict), "SAMPLE_NAME", PLUGIN_NAME);
 }
-#endif
