@@ -13,23 +13,18 @@ namespace {
 const char kEuro[] = "\xE2\x82\xAC";
 
 TEST(Rune, DecodesAndFailsByTheRules) {
-    const struct {
-        const char* bytes;
-        int length;
-        unsigned rune;
-    } rows[] = {{"A", 1, 'A'}, {kEuro, 3, 0x20AC}, {"\xC2\x80", 2, 0x80}};
-    for (const auto& row : rows) {
+    const std::pair<const char*, std::pair<int, unsigned>> rows[] = {
+        {"A", {1, 'A'}}, {kEuro, {3, 0x20AC}}, {"\xC2\x80", {2, 0x80}}};
+    for (const auto& [bytes, expected] : rows) {
         Rune r = 1;
-        EXPECT_EQ(chartorune(&r, row.bytes), row.length) << row.bytes;
-        EXPECT_EQ(r, row.rune) << row.bytes;
-        EXPECT_EQ(isutf(row.bytes), row.length) << row.bytes;
+        EXPECT_EQ(chartorune(&r, bytes), expected.first) << bytes;
+        EXPECT_EQ(r, expected.second) << bytes;
+        EXPECT_EQ(isutf(bytes), expected.first) << bytes;
     }
     for (const char* wrong :
          {"\xC0\x80", "\xE0\x9F\xBF", "\xF0\x90\x80\x80", "\x80", "\xC3 ", "\xE2\x82", "\xFF"}) {
         Rune r = 1;
-        EXPECT_EQ(chartorune(&r, wrong), 1) << wrong;
-        EXPECT_EQ(r, 0x80) << wrong;
-        EXPECT_EQ(isutf(wrong), 0) << wrong;
+        EXPECT_TRUE(chartorune(&r, wrong) == 1 && r == 0x80 && isutf(wrong) == 0) << wrong;
     }
     for (long r = 0; r < 0x10000; ++r) {
         char text[4] = {};

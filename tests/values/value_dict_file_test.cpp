@@ -79,22 +79,24 @@ TEST(ValueDictFile, ABadFileIsToldByItsCodeAndAddsNothing) {
 TEST(ValueDictFile, EveryCutAndEveryFlippedByteIsADictionaryOrAnInvalidFile) {
     TestFolder folder;
     const std::string path = folder.Path("damaged");
-    DictOf("<< /a [ 1 2 ] /s [ (x) () ] /d << /u (y) zavutfstring /p [ 0 0 ] zavptr >> /r 1.5 >>")
-        ->WriteBinFile(path.c_str());
-    const std::string bytes = FileText(path);
+    const std::string text = "<<\n/a [ 1 -2.5 (\\(x\\101) ] zavdouble\n/b:c (d(e)) zavutfstring % f\n"
+                             "/g << /h [ 0 0 ] zavptr >> /s [ (x) () ]\n>>";
+    DictOf(text)->WriteBinFile(path.c_str());
     const auto codeOf = [&](const std::string& damaged) {
         PutFile(path, damaged);
         ZAV_UValDict read(16);
         const int code = FileCodeOf([&] { read.ReadFile(path.c_str()); });
-        EXPECT_TRUE(code == 0 || read.GetSize() == 0);
+        EXPECT_TRUE(code == 0 ? ReadValue(Written(read)) != nullptr : read.GetSize() == 0) << damaged;
         return code;
     };
-    for (size_t cut = 0; cut < bytes.size(); ++cut) ASSERT_EQ(codeOf(bytes.substr(0, cut)), 2) << cut;
-    for (size_t i = 0; i < 2 * bytes.size(); ++i) {
-        std::string damaged = bytes;
-        damaged[i / 2] = static_cast<char>(damaged[i / 2] ^ (i % 2 ? 0xFF : 1 << (i / 2 % 8)));
-        const int code = codeOf(damaged);
-        ASSERT_TRUE(code == 2 || code == 0) << i;
+    for (const std::string& whole : {text, FileText(path)}) {
+        for (size_t cut = 0; cut < whole.size(); ++cut) ASSERT_EQ(codeOf(whole.substr(0, cut)), 2) << cut;
+        for (size_t i = 0; i < 9 * whole.size(); ++i) {
+            std::string damaged = whole;
+            damaged[i / 9] = static_cast<char>(damaged[i / 9] ^ (i % 9 == 8 ? 0xFF : 1 << i % 9));
+            const int code = codeOf(damaged);
+            ASSERT_TRUE(code == 2 || code == 0) << i;
+        }
     }
 }
 
