@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <tests/support/printed.h>
@@ -18,20 +19,14 @@ List Keys(const ZAV_DictPath& path) {
 }
 
 TEST(DictPath, TextToKeysAndBack) {
-    const struct {
-        const char* text;
-        List keys;
-        const char* back;
-    } rows[] = {
-        {"", {}, ""},
-        {nullptr, {}, ""},
-        {"a:b", {"a", "b"}, "a:b:"},
-        {"a::b", {"a", "", "b"}, "a::b:"},
-        {"a::", {"a", ""}, "a::"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.keys, Keys(ZAV_DictPath(row.text))) << row.back;
-        EXPECT_EQ(row.back, Printed(ZAV_DictPath(row.text)));
+    const std::tuple<const char*, List, const char*> rows[] = {{"", {}, ""},
+                                                               {nullptr, {}, ""},
+                                                               {"a:b", {"a", "b"}, "a:b:"},
+                                                               {"a::b", {"a", "", "b"}, "a::b:"},
+                                                               {"a::", {"a", ""}, "a::"}};
+    for (const auto& [text, keys, back] : rows) {
+        EXPECT_EQ(keys, Keys(ZAV_DictPath(text))) << back;
+        EXPECT_EQ(back, Printed(ZAV_DictPath(text)));
     }
 }
 

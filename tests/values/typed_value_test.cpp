@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
+#include <tuple>
 
 #include <tests/values/text_support.h>
 
@@ -25,21 +25,17 @@ TEST(TypedValue, AnIndexOutsideTheArrayReachesTheScalar) {
 }
 
 TEST(TypedValue, RealsAreTruncatedThenNarrowed) {
-    const struct {
-        ZAV_UValType type;
-        double value;
-        long result;
-    } rows[] = {
+    const std::tuple<ZAV_UValType, double, long> rows[] = {
         {UVAL_SHORT, -2.9, -2},         {UVAL_CHAR, 200.5, -56}, {UVAL_LONG, 3e9, -1294967296L},
         {UVAL_ULONG, 4294967295.0, -1}, {UVAL_LONG, 1e300, 0},   {UVAL_ULONG, -1.0, -1},
         {UVAL_LONG, std::nan(""), 0},   {UVAL_LONG, -1e19, 0},   {UVAL_LONG, -INFINITY, 0},
     };
-    for (const auto& row : rows) {
-        auto number = Make(row.type), real = Make(UVAL_DOUBLE);
-        number->SetDoubleValue(row.value, 0);
-        real->SetDoubleValue(row.value, 0);
-        EXPECT_EQ(row.result, number->GetLongValue(0)) << row.type << " " << row.value;
-        EXPECT_TRUE(row.type != UVAL_LONG || row.result == real->GetLongValue(0)) << row.value;
+    for (const auto& [type, value, result] : rows) {
+        auto number = Make(type), real = Make(UVAL_DOUBLE);
+        number->SetDoubleValue(value, 0);
+        real->SetDoubleValue(value, 0);
+        EXPECT_EQ(result, number->GetLongValue(0)) << type << " " << value;
+        EXPECT_TRUE(type != UVAL_LONG || result == real->GetLongValue(0)) << value;
     }
 }
 
@@ -60,11 +56,7 @@ TEST(TypedValue, IntegersHaveThirtyTwoBitsOnEveryPlatform) {
 }
 
 TEST(TypedValue, TextOfAnElement) {
-    const struct {
-        ZAV_UValType type;
-        const char* text;
-        const char* result;
-    } rows[] = {
+    const std::tuple<ZAV_UValType, const char*, const char*> rows[] = {
         {UVAL_CHAR, " -129x", "127"},        {UVAL_SHORT, "40000", "-25536"},
         {UVAL_USHORT, "-1", "65535"},        {UVAL_LONG, "4294967297", "1"},
         {UVAL_ULONG, "4294967295", "-1"},    {UVAL_DOUBLE, "-1.5e3", "-1500.000000"},
@@ -72,12 +64,12 @@ TEST(TypedValue, TextOfAnElement) {
         {UVAL_PTR, " +17", "0x00000011"},    {UVAL_PTR, "0x", "0x00000000"},
         {UVAL_STRING, "caf\xE9", "caf\xE9"}, {UVAL_UTFSTRING, "caf\xE9", "caf#"},
     };
-    for (const auto& row : rows) {
-        auto v = Make(row.type, 2);
-        ZAV_String text;
-        v->SetStrValue(row.text, 1);
-        v->GetStrValue(text, 1);
-        EXPECT_STREQ(row.result, text.Ptr()) << row.type << " " << row.text;
+    for (const auto& [type, text, result] : rows) {
+        auto v = Make(type, 2);
+        ZAV_String shown;
+        v->SetStrValue(text, 1);
+        v->GetStrValue(shown, 1);
+        EXPECT_STREQ(result, shown.Ptr()) << type << " " << text;
     }
     int local = 0;
     ZAV_UValPtr p;
@@ -130,18 +122,15 @@ TEST(TypedValue, CopiesOwnTheirElementsAndAssignedValuesShareThem) {
     EXPECT_STREQ("", copy->GetCStringValue(0));
 }
 
-TEST(TypedValue, NegativeAndImpossibleDimensionsMakeScalars) {
-    ZAV_UValShort v(-5);
-    EXPECT_TRUE(v.GetDimension() == 0 && v.GetNrItemsToPrint() == -5);
-    EXPECT_EQ("(Short)0", Printed(v));
-    EXPECT_TRUE(sizeof(void*) > 4 || ZAV_UValDouble(0x7FFFFFFF).GetDimension() == 0);
-}
-
 TEST(TypedValue, Print) {
     short three[] = {1, 2, 3};
     ZAV_UValShort v(3, three);
     v.SetNrItemsToPrint(2);
     EXPECT_EQ("(Short#3) {1,2,}", Printed(v));
+    ZAV_UValShort negative(-5);
+    EXPECT_TRUE(negative.GetDimension() == 0 && negative.GetNrItemsToPrint() == -5);
+    EXPECT_EQ("(Short)0", Printed(negative)) << "a scalar, as is what memory cannot hold";
+    EXPECT_TRUE(sizeof(void*) > 4 || ZAV_UValDouble(0x7FFFFFFF).GetDimension() == 0);
     const std::pair<const char*, const char*> rows[] = {{"-1 zavulong", "(ULong)4294967295"},
                                                         {"0.1 zavfloat", "(Float)0.1"},
                                                         {"1e100", "(Double)1e+100"},

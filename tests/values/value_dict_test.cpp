@@ -186,9 +186,7 @@ TEST(ValueDict, BehavesLikeAListOfPairs) {
 
 TEST(ValueDict, MergingTreesAndWithinOneTree) {
     const char nested[] = "s:s:s=5 s:s:t=6 s:u=7 v=8";
-    const struct {
-        const char *tree, *from, *to, *copied, *moved;
-    } rows[] = {
+    const char* const rows[][5] = {
         {"f:a:b=1 t:a:c=2", "f", "t", "f{a{b=1}} t{a{c=2 b=1}}", "f{a{}} t{a{c=2 b=1}}"},
         {"f:a:b=1 f:x=2 t:a=5 t:y=6", "f", "t", "f{a{b=1} x=2} t{a{b=1} y=6 x=2}", "f{} t{a{b=1} y=6 x=2}"},
         {"f:a=1 t:a:b=2 t:c=3", "f", "t", "f{a=1} t{a=1 c=3}", "f{} t{a=1 c=3}"},
@@ -199,15 +197,14 @@ TEST(ValueDict, MergingTreesAndWithinOneTree) {
         {nested, "s:s", "s", "s{s=5 u=7 t=6} v=8", "s{s=5 u=7 t=6} v=8"},
         {nested, "", "s:s", "s{s{s{s{s=5 t=6} u=7} t=6 v=8} u=7} v=8", "s{s{s{s{s=5 t=6} u=7} t=6 v=8} u=7}"},
     };
-    for (const auto& row : rows) {
-        for (bool move : {false, true}) {
-            SCOPED_TRACE(std::string(row.tree) + ": " + row.from + " -> " + row.to);
-            ZAV_UValDict dict;
-            Fill(dict, row.tree);
-            ZAV_UValDict *from = In(dict, row.from), *to = In(dict, row.to);
-            move ? from->MoveTo(to) : from->CopyTo(to);
-            EXPECT_EQ(move ? row.moved : row.copied, Show(dict));
-        }
+    for (const auto& [tree, from, to, copied, moved] : rows) {
+        ZAV_UValDict copying, moving;
+        Fill(copying, tree);
+        Fill(moving, tree);
+        In(copying, from)->CopyTo(In(copying, to));
+        In(moving, from)->MoveTo(In(moving, to));
+        EXPECT_EQ(copied, Show(copying)) << tree << ": " << from << " -> " << to;
+        EXPECT_EQ(moved, Show(moving)) << tree << ": " << from << " -> " << to;
     }
     ZAV_UValDict dict;
     Fill(dict, "a:b=1 a:c=2");
