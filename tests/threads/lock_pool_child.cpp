@@ -10,13 +10,6 @@ namespace {
 
 typedef ZAV_ResourceLockPool Pool;
 
-/// Says what Lock answers, and stays until it is killed or its input ends.
-int Hold(Pool& pool, const char* name) {
-    std::cout << Pool::RetVal2String(pool.Lock(name)) << std::endl;
-    std::cin.get();
-    return 0;
-}
-
 /// Takes and releases the lock so many times. Whoever has it creates a file that must not be there.
 int Work(Pool& pool, const char* name, const std::string& witness, int count) {
     for (int taken = 0; taken < count;) {
@@ -51,7 +44,6 @@ int main(int argc, char** argv) {
     const std::string role = argv[1], file = argv[2];
     Pool pool(file.c_str());
     Pool::SetGuard(B_TRUE);
-    if (role == "hold") return Hold(pool, argv[3]);
     if (role == "work") return Work(pool, argv[3], file + ".witness", std::stoi(argv[4]));
     return role == "write" ? Write(pool, argv[3]) : 1;
 }

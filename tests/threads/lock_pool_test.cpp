@@ -38,12 +38,13 @@ protected:
         return entry ? *static_cast<ZAV_UValDict*>(entry) : ZAV_UValDict();
     }
 
-    std::unique_ptr<ChildProcess> Child(const char* role, const char* name, int count = 0) const {
+    std::unique_ptr<ChildProcess> Child(const char* role, int count = 0) const {
         return std::make_unique<ChildProcess>(
-            LOCK_POOL_CHILD, std::vector<std::string>{role, mFile, name, std::to_string(count)});
+            LOCK_POOL_CHILD, std::vector<std::string>{role, mFile, "a", std::to_string(count)});
     }
     std::unique_ptr<ChildProcess> Holder(const char* name, const char* answer = "HAVE_LOCK") const {
-        auto child = Child("hold", name);
+        const std::vector<std::string> arguments = {"--guard", mFile, "lock", name};
+        auto child = std::make_unique<ChildProcess>(ZAVLOCK, arguments);
         EXPECT_EQ(answer, child->ReadLine());
         return child;
     }
@@ -87,12 +88,13 @@ TEST_F(LockPool, EveryOperationDoesItsOwnWithEveryOwner) {
     pool.Lock("mine");
     const auto child = Holder("theirs");
     Holder("mine", "OTHER_HAS_LOCK");
-    std::vector<ZAV_UValDict> entries = {ZAV_UValDict(), Entry("mine"), Entry("theirs")};
+    std::vector<std::pair<char, ZAV_UValDict>> entries = {
+        {'-', ZAV_UValDict()}, {'c', Entry("mine")}, {'o', Entry("theirs")}};
     // A process that has ended is no owner, nor is a later one with its identifier.
     for (const char* field : {"ProcessId", "CreationTimeLow", "CreationTimeHigh"})
-        entries.emplace_back(Entry("mine")).SetValue(field, 0);
+        entries.emplace_back('d', Entry("mine")).second.SetValue(field, -77);
     for (const char* field : {"ProcessId", "FileName", "CreationTimeLow", "CreationTimeHigh"})
-        entries.emplace_back(Entry("mine")).DefineUVal(field, UVAL_DOUBLE);
+        entries.emplace_back('x', Entry("mine")).second.DefineUVal(field, UVAL_DOUBLE);
     const auto ownerOf = [&](ZAV_UValDict entry) {
         boolean_t alive = B_FALSE;
         if (entry.GetSize() == 0) return '-';
@@ -100,12 +102,12 @@ TEST_F(LockPool, EveryOperationDoesItsOwnWithEveryOwner) {
         if (!alive) return 'd';
         return entry.GetValue("ProcessId", 0UL) == child->Id() ? 'o' : 'c';
     };
-    const auto check = [&](const auto& operation, const ZAV_UValDict& a, const ZAV_UValDict& b) {
-        SCOPED_TRACE(testing::Message() << &operation - operations << ownerOf(a) << ownerOf(b));
+    const auto check = [&](const auto& operation, const auto& a, const auto& b) {
+        SCOPED_TRACE(testing::Message() << &operation - operations << a.first << b.first);
         ZAV_UValDict file;
         file.DefineUVal("number", UVAL_LONG);
-        if (a.GetSize() != 0) *file.DefineUValDict("a") = a;
-        if (b.GetSize() != 0) *file.DefineUValDict("b") = b;
+        if (a.first != '-') *file.DefineUValDict("a") = a.second;
+        if (b.first != '-') *file.DefineUValDict("b") = b.second;
         file.WriteTextFile(mFile.c_str());
         PutFile(mFile, "% is lost when the file is written\n" + Text());
         char answer = ' ';
@@ -115,18 +117,18 @@ TEST_F(LockPool, EveryOperationDoesItsOwnWithEveryOwner) {
             else
                 (pool.*operation.all)();
         });
-        const size_t wasA = owners.find(ownerOf(a)), wasB = owners.find(ownerOf(b));
+        const size_t wasA = owners.find(a.first), wasB = owners.find(b.first);
         EXPECT_EQ(operation.answers[operation.all ? std::max(wasA, wasB) : wasA], thrown ? '!' : answer);
         // What an operation that throws has removed before is not written.
-        const char leftA = thrown ? owners[wasA] : operation.left[wasA];
-        const char leftB = thrown || operation.one ? owners[wasB] : operation.left[wasB];
+        const char leftA = thrown ? a.first : operation.left[wasA];
+        const char leftB = thrown || operation.one ? b.first : operation.left[wasB];
         EXPECT_EQ(leftA, ownerOf(Entry("a")));
         EXPECT_EQ(leftB, ownerOf(Entry("b")));
-        EXPECT_EQ(leftA == owners[wasA] && leftB == owners[wasB], Text()[0] == '%');
+        EXPECT_EQ(leftA == a.first && leftB == b.first, Text()[0] == '%');
         EXPECT_NE(std::string::npos, Text().find("/number"));
     };
-    for (const ZAV_UValDict& a : entries)
-        for (const ZAV_UValDict& b : entries)
+    for (const auto& a : entries)
+        for (const auto& b : entries)
             for (const auto& operation : operations) check(operation, a, b);
 }
 
@@ -194,7 +196,7 @@ TEST_F(LockPool, NothingIsWrittenThroughALink) {
 
 TEST_F(LockPool, WithTheGuardThereAreNeverTwoOwners) {
     std::vector<std::unique_ptr<ChildProcess>> workers;
-    for (int i = 0; i < 8; ++i) workers.push_back(Child("work", "a", Rounds(15, 1000)));
+    for (int i = 0; i < 8; ++i) workers.push_back(Child("work", Rounds(15, 1000)));
     for (const auto& worker : workers) EXPECT_EQ(0, worker->Wait());
     EXPECT_EQ("<<\n>>", Text());
 }
@@ -218,7 +220,7 @@ TEST_F(LockPool, AKilledWriterLeavesTheOldOrTheNewContent) {
     Pool pool(mFile.c_str());
     pool.Lock("mine");
     for (int i = Rounds(20, 1000); i > 0; --i) {
-        const auto writer = Child("write", "w");
+        const auto writer = Child("write");
         ASSERT_EQ("writing", writer->ReadLine());
         // Reads beside the writer, a different number of times each round, so that the kill falls anywhere.
         for (int reads = i % 7; reads >= 0; --reads) ASSERT_EQ(4u, Entry("mine").GetSize());

@@ -74,20 +74,21 @@ auto Trying(Lock& lock) {
     };
 }
 
-/// Two threads take turns in trying for guards and in destroying guards of either.
-void CompareRandomly(const std::vector<GuardKind>& kinds) {
+/// Two threads take turns in trying for guards and in destroying guards of either. Short, so that what failed
+/// tries do to a lock does not add up.
+void CompareRandomly(unsigned seed, const std::vector<GuardKind>& kinds) {
     struct Made {
         const GuardKind* kind;
         bool acquired;
         std::shared_ptr<void> guard;
     };
     std::vector<Made> made;
-    std::mt19937 random(1);
+    std::mt19937 random(seed);
     const auto step = [&](int self) {
         if (made.size() < random() % 6) {
             Made& m = made.emplace_back(Made{&kinds[random() % kinds.size()], false, nullptr});
             m.guard = m.kind->make(m.acquired);
-            EXPECT_EQ(m.kind->enter(self), m.acquired);
+            EXPECT_EQ(m.kind->enter(self), m.acquired) << "seed " << seed;
         } else if (!made.empty()) {
             std::swap(made[random() % made.size()], made.back());
             made.back().kind->leave(self, made.back().acquired);
@@ -97,9 +98,10 @@ void CompareRandomly(const std::vector<GuardKind>& kinds) {
     ZAV_Semaphore turn[2];
     turn[0].Signal();
     OnThreads(2, [&](int self) {
-        for (int i = 0; i < 1000; ++i) {
+        for (int turns = 20; turns >= 0; --turns) {
             turn[self].Wait();
-            for (unsigned steps = random() % 4; steps > 0; --steps) step(self);
+            // In the last turn there are none: the other thread may have ended, and its write locks with it.
+            for (unsigned steps = turns > 0 ? random() % 4 : 0; steps > 0; --steps) step(self);
             turn[1 - self].Signal();
         }
     });
@@ -122,52 +124,59 @@ TEST(Locks, LetOneThreadInAtATime) {
 }
 
 TEST(Mutex, BelongsToNoThread) {
-    ZAV_Mutex mutex;
-    bool held = false;
-    CompareRandomly({{Trying<ZAV_Mutex::Lock>(mutex), [&](int) { return !std::exchange(held, true); },
-                      [&](int, bool had) { held = held && !had; }}});
+    for (unsigned seed = 0; seed < 10; ++seed) {
+        ZAV_Mutex mutex;
+        bool held = false;
+        const auto enter = [&](int) { return !std::exchange(held, true); };
+        const auto leave = [&](int, bool had) { held = held && !had; };
+        CompareRandomly(seed, {{Trying<ZAV_Mutex::Lock>(mutex), enter, leave}});
+    }
 }
 
-// The owner is not looked at on the way out: another thread may give back.
 TEST(ReentrantMutex, IsFreeAfterTheLastGuardInWhateverOrder) {
-    ZAV_ReentrantMutex mutex;
-    int owner = -1, count = 0;
-    const auto enter = [&](int thread) {
-        if (count > 0 && owner != thread) return false;
-        owner = thread;
-        return ++count > 0;
-    };
-    // Whose guard it is is not looked at: another thread may give back.
-    CompareRandomly({{Trying<ZAV_ReentrantMutex::Lock>(mutex), enter, [&](int, bool had) { count -= had; }}});
+    for (unsigned seed = 0; seed < 20; ++seed) {
+        ZAV_ReentrantMutex mutex;
+        int owner = -1, count = 0;
+        const auto enter = [&](int thread) {
+            if (count > 0 && owner != thread) return false;
+            owner = thread;
+            return ++count > 0;
+        };
+        // Whose guard it is is not looked at: another thread may give back.
+        const auto leave = [&](int, bool had) { count -= had; };
+        CompareRandomly(seed, {{Trying<ZAV_ReentrantMutex::Lock>(mutex), enter, leave}});
+    }
 }
 
 // A guard that did not acquire releases all the same: one for reading takes a reader off the count, below
 // zero too, and one for writing gives up what its thread holds.
 TEST(ReadWriteLock, ReleasesWithEveryGuardWhetherItAcquiredOrNot) {
-    RW lock;
-    int writer = -1, depth = 0;
-    uint32_t readers = 0;
-    bool occupied = false; // follows the count only when that leaves or reaches zero
-    const auto startReading = [&](int thread) {
-        if (writer != -1 && writer != thread) return false;
-        if (readers++ == 0) occupied = true;
-        return true;
-    };
-    const auto endReading = [&](int, bool) {
-        if (--readers == 0) occupied = false;
-    };
-    const auto endWriting = [&](int thread, bool) {
-        if (writer == thread && --depth == 0) writer = -1;
-    };
-    const auto startWriting = [&](int thread) {
-        if (writer != -1 && writer != thread) return false;
-        writer = thread;
-        ++depth;
-        if (occupied) endWriting(thread, false);
-        return !occupied;
-    };
-    CompareRandomly({{Trying<RW::ReadLock>(lock), startReading, endReading},
-                     {Trying<RW::WriteLock>(lock), startWriting, endWriting}});
+    for (unsigned seed = 0; seed < 100; ++seed) {
+        RW lock;
+        int writer = -1, depth = 0;
+        uint32_t readers = 0;
+        bool occupied = false; // follows the count only when that leaves or reaches zero
+        const auto startReading = [&](int thread) {
+            if (writer != -1 && writer != thread) return false;
+            if (readers++ == 0) occupied = true;
+            return true;
+        };
+        const auto endReading = [&](int, bool) {
+            if (--readers == 0) occupied = false;
+        };
+        const auto endWriting = [&](int thread, bool) {
+            if (writer == thread && --depth == 0) writer = -1;
+        };
+        const auto startWriting = [&](int thread) {
+            if (writer != -1 && writer != thread) return false;
+            writer = thread;
+            ++depth;
+            if (occupied) endWriting(thread, false);
+            return !occupied;
+        };
+        CompareRandomly(seed, {{Trying<RW::ReadLock>(lock), startReading, endReading},
+                               {Trying<RW::WriteLock>(lock), startWriting, endWriting}});
+    }
 }
 
 TEST(ReadWriteLock, AWaitingWriterGoesBeforeLaterReaders) {
