@@ -45,13 +45,12 @@ std::string Packed(ZAV_UValDict& dict, size_t piece) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ZAV_UValDict whole(16), pieces(16), again(16);
-    Outcome outcome = Read(whole, data, size, size);
+    const Outcome outcome = Read(whole, data, size, size);
     if (Read(pieces, data, size, 3) != outcome) std::abort();
     if (outcome != WHOLE) return 0;
-    std::string packed = Packed(whole, 512);
-    if (Packed(pieces, 7) != packed) std::abort();
-    if (Read(again, reinterpret_cast<const uint8_t*>(packed.data()), packed.size(), 512) != WHOLE)
-        std::abort();
-    if (Packed(again, 512) != packed) std::abort();
+    const std::string packed = Packed(whole, 512);
+    const auto* bytes = reinterpret_cast<const uint8_t*>(packed.data());
+    if (Read(again, bytes, packed.size(), 512) != WHOLE) std::abort();
+    if (Packed(pieces, 7) != packed || Packed(again, 512) != packed) std::abort();
     return 0;
 }

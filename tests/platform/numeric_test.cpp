@@ -32,9 +32,10 @@ TEST(Numeric, DensityAndIntensityAreInverse) {
 
 TEST(Numeric, TheArrayFormOfTheGammaIsTheScalarOne) {
     double in[] = {0.0, 12.5, 100.0, 255.0}, out[4] = {-1, -1, -1, -1};
-    for (const int none : {0, -1}) ZAV_IntGamma(none, in, out, 255.0, 0.1, 3.0, 0.8, 2.2);
-    EXPECT_EQ(out[0], -1);
-    ZAV_IntGamma(4, in, out, 255.0, 0.1, 3.0, 0.8, 2.2);
+    for (const int count : {0, -1, 4}) {
+        EXPECT_EQ(out[0], -1);
+        ZAV_IntGamma(count, in, out, 255.0, 0.1, 3.0, 0.8, 2.2);
+    }
     for (int i = 0; i < 4; ++i) EXPECT_EQ(out[i], ZAV_IntGamma(in[i], 255.0, 0.1, 3.0, 0.8, 2.2)) << i;
     EXPECT_NEAR(out[0], 0.0, 1e-12);
     EXPECT_NEAR(out[3], 255.0, 1e-9);
