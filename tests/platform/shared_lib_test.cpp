@@ -1,5 +1,7 @@
 #include <zavbase/platform/shared_lib.h>
 
+#include <zavbase/values/value_dict.h>
+
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -21,6 +23,12 @@ protected:
     const std::string mPlugins = fs::absolute(PLUGIN_FOLDER).string();
     const TestFolder mFolder;
 };
+
+ZAV_Object* Create(unsigned short) { return new ZAV_SystemString("made here"); }
+void Free(ZAV_Object* o) { delete o; }
+void Definitions(ZAV_Object* dict, boolean_t, boolean_t) {
+    static_cast<ZAV_UValDict*>(dict)->DefineUValDict("defined");
+}
 
 bool IsInProcess(const std::string& name) {
     return ZAV_StaticDll::GetStaticDll((name + " is loaded").c_str()) != nullptr;
@@ -63,6 +71,9 @@ TEST_F(SharedLib, IsSoughtInThreeStepsAndStrictlyByItsAbsolutePath) {
     const std::string home = mHome.string(), relative = fs::relative(mPlugins).string();
     const char* const absent = "1/2 1/126"; // the numbers of the two loaders
     const char* const invalid = "1/2 1/5 1/8 1/126 1/193";
+    ZAV_StaticDll noCreate("c_static_dll", nullptr, Free, Definitions);
+    ZAV_StaticDll noFree("f_static_dll", Create, nullptr, Definitions);
+    ZAV_StaticDll noDefinitions("d_static_dll", Create, Free, nullptr);
     struct {
         std::string mCurrent, mName, mFolder;
         const char *mOutcome, *mStrict;
@@ -80,6 +91,10 @@ TEST_F(SharedLib, IsSoughtInThreeStepsAndStrictlyByItsAbsolutePath) {
         {mPlugins, "plugin.v2", empty, "loaded", "loaded"},
         {mPlugins, "text", empty, "1/8 1/126", invalid},
         {mPlugins, "folder", empty, "1/8 1/126", invalid},
+        {home, "unknown_static_dll", "", "2/0", "2/0"},
+        {home, "c_static_dll", "", "2/0", "2/0"},
+        {home, "f_static_dll", "", "2/0", "2/0"},
+        {home, "d_static_dll", "", "2/0", "2/0"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.mName + " in " + row.mFolder + " from " + row.mCurrent);
@@ -129,4 +144,39 @@ TEST_F(SharedLib, CopiesShareTheModuleUntilTheLastLetsGo) {
     assigned.FreeObjectInstance(object);
     assigned = ZAV_SharedLib();
     EXPECT_FALSE(IsInProcess("plugin_whole") || assigned.IsLoaded());
+}
+
+TEST(StaticDll, TheRegistryComesAndGoesWithItsModules) {
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_EQ(nullptr, ZAV_StaticDll::theDLLRegistry);
+        ZAV_StaticDll a("a_static_dll", Create, Free, Definitions);
+        {
+            ZAV_StaticDll again("a_static_dll", nullptr, nullptr, nullptr);
+            ZAV_StaticDll b("b_static_dll", Create, Free, nullptr);
+            EXPECT_EQ(&a, ZAV_StaticDll::GetStaticDll("a_static_dll"));
+            EXPECT_EQ(&b, ZAV_StaticDll::GetStaticDll("b_static_dll"));
+            EXPECT_EQ(nullptr, ZAV_StaticDll::GetStaticDll("A_static_dll"));
+            // Neither a copy nor an assignment disturbs who is listed.
+            ZAV_StaticDll copy(b);
+            again = a;
+            EXPECT_EQ(3u, ZAV_StaticDll::theDLLRegistry->Size());
+        }
+        EXPECT_EQ(1u, ZAV_StaticDll::theDLLRegistry->Size());
+    }
+}
+
+TEST(StaticDll, IsUsedLikeAnyModule) {
+    ZAV_StaticDll module("my_static_dll_module", Create, Free, Definitions);
+    ZAV_SharedLib lib("my_static_dll_module", "ignored"), strict(lib);
+    lib.Load();
+    strict.LoadStrict();
+    ZAV_SharedLib copy(lib);
+    lib.Release();
+    ASSERT_TRUE(!lib.IsLoaded() && copy.IsLoaded() && strict.IsLoaded());
+    ZAV_Object* object = copy.CreateObjectInstance(1);
+    EXPECT_STREQ("ZAV_SystemString", object->ClassName());
+    copy.FreeObjectInstance(object);
+    ZAV_UValDict dict(16);
+    lib.GetI18nDefs(&dict, B_TRUE, B_TRUE); // which Release leaves
+    EXPECT_NE(nullptr, dict.GetUVal("defined"));
 }
