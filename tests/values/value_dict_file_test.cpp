@@ -91,9 +91,12 @@ TEST(ValueDictFile, EveryCutAndEveryFlippedByteIsADictionaryOrAnInvalidFile) {
     };
     for (const std::string& whole : {text, FileText(path)}) {
         for (size_t cut = 0; cut < whole.size(); ++cut) ASSERT_EQ(codeOf(whole.substr(0, cut)), 2) << cut;
+        // A bit of each byte and all of them; of text any bit.
         for (size_t i = 0; i < 9 * whole.size(); ++i) {
+            const size_t at = i / 9, bit = i % 9;
+            if (whole != text && bit != at % 8 && bit != 8) continue;
             std::string damaged = whole;
-            damaged[i / 9] = static_cast<char>(damaged[i / 9] ^ (i % 9 == 8 ? 0xFF : 1 << i % 9));
+            damaged[at] = static_cast<char>(damaged[at] ^ (bit == 8 ? 0xFF : 1 << bit));
             const int code = codeOf(damaged);
             ASSERT_TRUE(code == 2 || code == 0) << i;
         }
