@@ -86,23 +86,18 @@ TEST_F(TextEncoding, RoomIsCountedWithTheTerminator) {
     unsigned short ucs[4] = {9, 9, 9, 9};
     char text[4];
     long count = -1;
-    EXPECT_EQ(converter.Text2Ucs("abc", ucs, 4, &count), 0);
-    EXPECT_TRUE(count == 3 && ucs[2] == 'c' && ucs[3] == 0);
+    EXPECT_TRUE(converter.Text2Ucs("abc", ucs, 4, &count) == 0 && count == 3 && ucs[2] == 'c' && ucs[3] == 0);
     EXPECT_EQ(converter.Ucs2Text(ucs, text, 4, &count), 0);
     EXPECT_STREQ(text, "abc");
-    EXPECT_EQ(converter.Text2Ucs("abc", ucs, 3, &count), -1);
-    EXPECT_TRUE(count == 0 && ucs[0] == 0);
+    EXPECT_TRUE(converter.Text2Ucs("abc", ucs, 3, &count) == -1 && count == 0 && ucs[0] == 0);
     ucs[0] = 'a';
-    EXPECT_EQ(converter.Ucs2Text(ucs, text, 3, &count), -1);
-    EXPECT_TRUE(count == 0 && text[0] == 0);
+    EXPECT_TRUE(converter.Ucs2Text(ucs, text, 3, &count) == -1 && count == 0 && text[0] == 0);
     EXPECT_EQ(trace(), "ERROR : TECConvertText() failure :122\nERROR : WideCharToMultiByte() failure :122\n");
 
     EXPECT_EQ(ZAV_TextEncodingConverter::Utf2Ucs("abc", ucs, 3, &count), -1);
     EXPECT_TRUE(ucs[1] == 'b' && ucs[2] == 0) << "what went in, terminated";
-    EXPECT_EQ(ZAV_TextEncodingConverter::Utf2Ucs("\xFF", ucs, 3, &count), -1);
-    EXPECT_TRUE(count == 1 && ucs[0] == '?');
-    EXPECT_EQ(ZAV_TextEncodingConverter::Ucs2Utf(ucs, text, 2, &count), -1);
-    EXPECT_STREQ(text, "");
+    EXPECT_TRUE(converter.Utf2Ucs("\xFF", ucs, 3, &count) == -1 && count == 1 && ucs[0] == '?');
+    EXPECT_TRUE(converter.Ucs2Utf(ucs, text, 2, &count) == -1 && text[0] == 0);
     EXPECT_EQ(trace(), "ERROR : UTFtoUnicode failure :-1\nERROR : UTFtoUnicode failure :-2\n"
                        "ERROR : UnicodeTuUTF failure :-1\n");
     EXPECT_EQ(converter.Text2Utf("abc", text, 0), -1);

@@ -33,10 +33,15 @@ TEST(ValueDictFile, ReadingMergesEitherForm) {
     for (auto write : gWriters) {
         TestFolder folder;
         const std::string path = folder.Path("more");
-        (*DictOf("<< /a << /b 1 /c 2 >> /x 3 >>").*write)(path.c_str());
-        const auto dict = DictOf("<< /a << /c 5 /d 6 >> /y 7 >>");
+        const auto more = DictOf("<< /a << /b 1 /c 2 >> /x 3 >>"),
+                   dict = DictOf("<< /a << /c 5 /d 6 >> /y 7 >>");
+        for (const char* key : {"y", "n"}) more->SetEntry(key, nullptr);
+        (*more.*write)(path.c_str());
         dict->ReadFile(path.c_str());
-        EXPECT_EQ(Printed(*dict), Printed(*DictOf("<< /a << /c 2 /d 6 /b 1 >> /y 7 /x 3 >>")));
+        const auto merged = DictOf("<< /a << /c 2 /d 6 /b 1 >> /y 7 /x 3 >>");
+        // An entry without value is lost in text, and elsewhere it takes no place of another.
+        if (write == &ZAV_UValDict::WriteBinFile) merged->SetEntry("n", nullptr);
+        EXPECT_EQ(Printed(*dict), Printed(*merged));
     }
 }
 
