@@ -16,6 +16,7 @@ TEST(Event, ShowsItsType) {
     event.Type2Str(&text);
     EXPECT_TRUE(text == "is abcd");
     EXPECT_EQ(Printed(event), "Event 'abcd'");
+    EXPECT_EQ(Printed(*std::make_unique<ZAV_EventStop>()), "Event 'Stop' = ZAV_EventStop");
 }
 
 TEST_F(SyncObj, NotifiesOnTheWayToZero) {

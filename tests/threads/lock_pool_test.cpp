@@ -160,6 +160,7 @@ TEST_F(LockPool, ANameIsAPath) {
     EXPECT_TRUE(Throws(bare, [&] { pool.ClearOwnLocks(); }));
     EXPECT_EQ(Pool::UNLOCKED, pool.UnLock("g:b"));
     PutFile(mFile, "<< /n 5 >>");
+    EXPECT_STREQ("<ILLEGAL VALUE>", Pool::RetVal2String(static_cast<Pool::RetVal>(7)));
     for (const char* name : {"", "n", "n:a"}) EXPECT_TRUE(Throws(bare, [&] { pool.Lock(name); })) << name;
 }
 

@@ -51,7 +51,7 @@ void LetsOneThreadInAtATime(Enter enter, Look look) {
             }
             const auto guard = enter(lock);
             ++begun;
-            if (i % 16 == 0) std::this_thread::yield(); // the others come and have to wait
+            if (i % 16 < 4) std::this_thread::yield(); // the others come and have to wait
             ++done;
         }
     });
