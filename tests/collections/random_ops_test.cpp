@@ -92,6 +92,11 @@ struct Ordered {
         real->AddAllLast(real.get());
         for (ZAV_CltObject* o : before) Inserted(Size(), o, o);
     }
+    void Clear() {
+        real->Clear();
+        model.clear();
+        Erased(-1, real->RemoveLast());
+    }
     void Copy() {
         std::unique_ptr<Open> copy(new Open(*real));
         EXPECT_TRUE(*copy == *real);
@@ -106,7 +111,7 @@ struct Ordered {
         const auto id = std::find(model.begin(), model.end(), existing) - model.begin();
         const int start = static_cast<int>(pool.Number(model.size()));
         const int most = size - (std::max)(start, i);
-        const unsigned what = pool.Number(15);
+        const unsigned what = pool.Number(size > 60 ? 16 : 15);
         if (what < 3) Inserted(size, o, real->Add(o));
         if (what == 3) Inserted(i, o, real->AddAtIndex(i, o));
         if (what == 4) Inserted(at < 0 ? -1 : at + 1, o, real->AddAfter(existing, o));
@@ -120,6 +125,7 @@ struct Ordered {
         if (what == 12 && size < 100) AppendItself();
         if (what == 13) Replace(start, static_cast<int>(pool.Number(static_cast<size_t>(most) + 1)), i);
         if (what == 14) Copy();
+        if (what == 15) Clear();
         EXPECT_EQ(capacity, real->Capacity());
         const int now = Index(existing);
         EXPECT_EQ(now, real->IndexOf(existing));
@@ -152,9 +158,15 @@ struct Linked {
         model.erase(at);
     }
 
+    void Clear(ZAV_Link* any) {
+        real.Clear();
+        model.clear();
+        EXPECT_EQ(nullptr, real.Remove(any));
+    }
+
     void Step(Pool& pool) {
         const size_t i = pool.Number(model.size()), size = model.size();
-        const unsigned what = pool.Number(size > 40 ? 9 : 7);
+        const unsigned what = pool.Number(size > 40 ? 10 : 7);
         ZAV_LinkObj* fresh = links.emplace_back(new ZAV_LinkObj(pool.Any())).get();
         // Any link there ever was: equal ones and removed ones do not count.
         ZAV_LinkObj* any = links[pool.Number(links.size())].get();
@@ -164,6 +176,7 @@ struct Linked {
         if (what == 4) Erased(std::find(model.begin(), model.end(), any), real.Remove(any));
         if (what == 5 || what == 7) Erased(model.begin(), real.RemoveFirst());
         if (what == 6 || what == 8) Erased(size > 0 ? model.end() - 1 : model.end(), real.RemoveLast());
+        if (what == 9) Clear(any);
         ZAV_Link* const none = ZAV_Link::GetNilLink();
         EXPECT_EQ(model.empty() ? none : model.front(), real.First());
         EXPECT_EQ(model.empty() ? none : model.back(), real.Last());

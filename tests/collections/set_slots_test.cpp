@@ -135,6 +135,11 @@ const struct Kind {
          if (i % 3) return new ZAV_Integer(i / 3);
          return new ZAV_Assoc(Keep(parts, new ZAV_Integer(i / 3)), nullptr);
      }},
+    {"numbers, a few of them held, too", 3000,
+     [](int i, Objects& parts) -> ZAV_CltObject* {
+         if (i % 300) return new ZAV_Integer(i);
+         return new ZAV_Assoc(Keep(parts, new ZAV_Integer(i + 1)), nullptr);
+     }},
     {"numbers with a late host object", 1500,
      [](int i, Objects&) -> ZAV_CltObject* {
          if (i != 1234) return new ZAV_Integer(i);
@@ -190,7 +195,7 @@ void RunBesideTheModel(const Kind& kind, uint32_t capacity) {
 } // namespace
 
 TEST(SetSlots, FollowTheModel) {
-    const uint32_t capacities[] = {0, 1, 2, 3, 5, 15, 16, 17};
+    const uint32_t capacities[] = {0, 1, 17, 3, 5, 15, 2, 16, 2};
     for (size_t i = 0; i < std::size(kinds); ++i) RunBesideTheModel(kinds[i], capacities[i]);
 }
 
