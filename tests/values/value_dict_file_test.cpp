@@ -55,18 +55,20 @@ TEST(ValueDictFile, ReadsANamedDictionaryOutOfATextFile) {
 }
 
 TEST(ValueDictFile, ABadFileIsToldByItsCodeAndAddsNothing) {
-    typedef void (ZAV_UValDict::*Read)(const ZAV_SystemString&);
-    const Read readers[] = {&ZAV_UValDict::ReadFile, &ZAV_UValDict::ReadTextFile, &ZAV_UValDict::ReadBinFile};
     TestFolder folder;
     const std::string path = folder.Path("bad");
-    // Of a dictionary the code that each of the readers gives, and how many entries there are then.
-    const auto expectCodes = [&](const std::string& name, int any, int text, int binary) {
-        const int codes[] = {any, text, binary};
-        for (int i = 0; i < 3; ++i) {
+    // The code that each way to read gives, and how many entries there are then.
+    const auto expectCodes = [](const std::string& name, int any, int text, int binary) {
+        typedef void (ZAV_UValDict::*Read)(const ZAV_SystemString&);
+        const std::pair<Read, int> rows[] = {{&ZAV_UValDict::ReadFile, any},
+                                             {&ZAV_UValDict::ReadTextFile, text},
+                                             {&ZAV_UValDict::ReadBinFile, binary}};
+        for (auto [read, code] : rows) {
             ZAV_UValDict dict(16);
             dict.DefineUVal("kept", UVAL_LONG);
-            EXPECT_EQ(FileCodeOf([&] { (dict.*readers[i])(name.c_str()); }), codes[i]) << FileText(name);
-            EXPECT_EQ(dict.GetSize(), codes[i] ? 1u : 2u) << FileText(name);
+            EXPECT_EQ(FileCodeOf([&dict, &name, read = read] { (dict.*read)(name.c_str()); }), code)
+                << FileText(name);
+            EXPECT_EQ(dict.GetSize(), code ? 1u : 2u) << FileText(name);
         }
     };
     for (const std::string& bad :
