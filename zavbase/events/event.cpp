@@ -2,7 +2,6 @@
 
 #include <ostream>
 
-#include <zavbase/events/count_internal.h>
 #include <zavbase/events/ev_handler.h>
 #include <zavbase/strings/byte_string.h>
 
@@ -22,15 +21,15 @@ void TypeText(long type, char* text) {
 
 } // namespace
 
-alignas(64) int ZAV_Event::instance_counter = 0;
+constinit ZAV_EventCount ZAV_Event::instance_counter;
 
 ZAV_Event::ZAV_Event(long type) : mDestination(nullptr), mType(static_cast<zav_long32>(type)), mPriority(0) {
-    ZAV_CountLive(instance_counter, 1);
+    instance_counter.Add(1);
 }
 
 ZAV_Event::ZAV_Event(const ZAV_Event& other)
     : ZAV_Link(other), ZAV_Pooled(), mDestination(nullptr), mType(other.mType), mPriority(0) {
-    ZAV_CountLive(instance_counter, 1);
+    instance_counter.Add(1);
 }
 
 ZAV_Event& ZAV_Event::operator=(const ZAV_Event& other) {
@@ -40,7 +39,7 @@ ZAV_Event& ZAV_Event::operator=(const ZAV_Event& other) {
 
 ZAV_Event::~ZAV_Event() {
     if (mDestination != nullptr) mDestination->LetGo();
-    ZAV_CountLive(instance_counter, -1);
+    instance_counter.Add(-1);
 }
 
 void ZAV_Event::Type2Str(ZAV_String* text) const {

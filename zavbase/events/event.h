@@ -2,6 +2,7 @@
 #define ZAVBASE_EVENTS_EVENT_H
 
 #include <zavbase/collections/link.h>
+#include <zavbase/events/event_count.h>
 #include <zavbase/foundation/pooled.h>
 
 class ZAV_EvHandlerBody;
@@ -18,8 +19,9 @@ class ZAV_String;
 class ZAV_API ZAV_Event : public ZAV_Link, public ZAV_Pooled {
     ZAV_DECLARE_CLASS(ZAV_Event)
 public:
-    /// The number of live events of the process. Changed atomically; read it when no other thread is busy.
-    static int instance_counter;
+    /// The number of live events of the process, an int for its readers. Counted without losses on whatever
+    /// threads; read it when no other thread is busy with events.
+    static ZAV_EventCount instance_counter;
 
     /// `type` is four characters, the first in the most significant byte: 0x53746F70 is "Stop".
     explicit ZAV_Event(long type);
