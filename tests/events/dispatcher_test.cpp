@@ -11,6 +11,7 @@
 #include <zavbase/foundation/new_handler.h>
 
 #include "scripted.h"
+#include "tests/support/printed.h"
 #include "tests/support/trace_capture.h"
 
 namespace {
@@ -184,7 +185,10 @@ TEST_F(Dispatcher, AHandlerMovesBetweenDispatchersAndOutlivesThem) {
         Post(2);
     }
     EXPECT_EQ(other->QueueLength(), 3u);
+    // The test's reference, three and four in the dispatchers' lists, and those of the queued events.
+    EXPECT_EQ(Printed(*mHandler), "mRefCount=14");
     EXPECT_EQ(Once(), (Numbers{2, 2, 2}));
+    EXPECT_EQ(Printed(*mHandler), "mRefCount=11");
     for (auto* dispatcher : {&other, &mDispatcher}) {
         (*dispatcher)->AddEvHandler(*mRef);
         Post(3);

@@ -105,6 +105,32 @@ TEST_F(DispatcherStress, ADispatcherMayGoWhileOthersPost) {
     EXPECT_EQ(mCleanedUp + mRefused, made);
 }
 
+// Who takes a handler out lets go of it at once; the events that are still queued, or just being handled,
+// keep it.
+TEST_F(DispatcherStress, AHandlerGoesWithItsLastEvent) {
+    ZAV_EvDispatcher dispatcher;
+    ZAV_EvDispatcherThread thread(dispatcher);
+    thread.BeginThread(ZAV_THREAD_CLEANUP_NONE, 0);
+    const int rounds = 2000;
+    OnThreads(2, [&](int producer) {
+        for (int round = 0; round < rounds; ++round) {
+            const ZAV_EvHandlerRef handler(new Scripted([this](ZAV_Event*) {
+                ++mHandled;
+                return 0;
+            }));
+            dispatcher.AddEvHandler(handler);
+            if (round % 3 == 0) dispatcher.AddEvHandler(handler);
+            for (int i = 0; i < round % 5; ++i) Post(handler, producer, i, 0);
+            dispatcher.RemoveEvHandler(handler);
+            if (round % 3 == 0) dispatcher.RemoveEvHandler(handler);
+        }
+    });
+    thread.StopThread();
+    thread.WaitForThread();
+    EXPECT_EQ(mHandled + mCleanedUp, 2 * 2 * rounds);
+    EXPECT_EQ(NewHandlers(), 0);
+}
+
 // A dispatcher on a thread of its own, with one handler that signals each event; ends with a stop event.
 struct Running {
     explicit Running(Scripted::Then then = [](ZAV_Event*) { return 0; })

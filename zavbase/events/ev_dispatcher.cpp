@@ -1,10 +1,12 @@
 #include <zavbase/events/ev_dispatcher.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
 #include <zavbase/events/count_internal.h>
 #include <zavbase/events/ev_port_internal.h>
+#include <zavbase/events/ev_registration_internal.h>
 #include <zavbase/events/event.h>
 #include <zavbase/events/listener.h>
 #include <zavbase/events/listener_internal.h>
@@ -93,7 +95,7 @@ void ZAV_EvDispatcher::RemoveHandler(ZAV_EvHandlerBody* handler) {
         while (!link->IsListEnd() && !static_cast<ZAV_EvHandlerRef*>(link)->IsRefEqual(handler))
             link = link->NextLink();
         if (link->IsListEnd()) return;
-        handler->Detach();
+        handler->Detach(&Port());
         entry.reset(mHandlers.Remove(static_cast<const ZAV_Link*>(link)));
         lastWhenStopping = mHandlers.IsEmpty() && mStopping != 0;
     }
@@ -111,6 +113,7 @@ void ZAV_EvDispatcher::DropHandlers() {
         ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
         if (mHandlers.IsEmpty()) return;
         entry.reset(mHandlers.RemoveFirst());
+        static_cast<ZAV_EvHandlerRef*>(entry.get())->GetBody()->Settle(&Port());
     }
 }
 
@@ -121,7 +124,7 @@ void ZAV_EvDispatcher::DropListeners() {
 void ZAV_EvDispatcher::QueueEvent(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority) {
     if (event == nullptr) return;
     if (handler->IsActive())
-        Port().Send(handler, event, priority);
+        Port().Send(handler->TieTo(&Port()), handler, event, priority);
     else
         ZAV_EvPort::Discard(event);
 }
@@ -155,6 +158,7 @@ unsigned long ZAV_EvDispatcher::QueueLength() const { return Port().Length(); }
 unsigned long ZAV_EvDispatcher::QueueHighWater() const { return Port().HighWater(); }
 
 void ZAV_EvDispatcher::Dispatch(ZAV_EvDispatcherControl control) {
+    const ZAV_EvPort::Dispatching here(Port());
     bool done = mStopping != 0;
     while (!done) {
         DispatchBatch();
@@ -173,10 +177,10 @@ void ZAV_EvDispatcher::Dispatch(ZAV_EvDispatcherControl control) {
 
 void ZAV_EvDispatcher::DispatchBatch() {
     ZAV_EvPort& port = Port();
-    std::uint32_t rest = port.Length();
+    std::uint32_t rest = port.Collect();
     do {
         PollListeners();
-        if (!port.HasAtLeast(rest)) rest = port.Length();
+        if (port.AtHand() < rest) rest = (std::min)(rest, port.Collect());
         if (rest == 0) return;
         std::unique_ptr<ZAV_Event> event(port.Take()); // the host's print of it may throw
         if (event->mPriority < 1) --rest;
@@ -203,16 +207,6 @@ void ZAV_EvDispatcher::PollListeners() {
     }
 }
 
-// The count on the handler that was the event's.
-struct ZAV_EvDispatcher::HeldHandler {
-    explicit HeldHandler(ZAV_EvHandlerBody* counted) : body(counted) {}
-    ~HeldHandler() { body->LetGo(); }
-    HeldHandler(const HeldHandler&) = delete;
-    HeldHandler& operator=(const HeldHandler&) = delete;
-
-    ZAV_EvHandlerBody* const body;
-};
-
 namespace {
 
 // Destroys an event that was handled, whatever way the handler was left, unless the handler kept it. A
@@ -238,20 +232,21 @@ private:
 } // namespace
 
 void ZAV_EvDispatcher::DispatchEvent(ZAV_Event* event) {
-    const HeldHandler handler(event->TakeDestination());
+    ZAV_EvHandlerBody* const destination = event->TakeDestination();
+    const ZAV_HeldHandler handler(destination, destination->TieTo(&Port()));
     HandledEvent handled(event, event->mDestination);
     int flags = 0;
     {
         ZAV_EXCEPTION_LINK link;
         try {
-            flags = HandOver(event, handler.body);
+            flags = HandOver(event, handler.Get());
         } catch (ZAV_Exception* e) {
             link.mException = e;
             ZAV_TraceCaught("DispatchEvent caught exception :", e);
         }
     }
     if ((flags & 1) != 0) handled.Keep();
-    if ((flags & 2) != 0) RemoveHandler(handler.body);
+    if ((flags & 2) != 0) RemoveHandler(handler.Get());
 }
 
 int ZAV_EvDispatcher::HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler) {
@@ -264,7 +259,7 @@ int ZAV_EvDispatcher::HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler) {
 // Whether to end. The changes are counted from before the tests on, so that none of them is slept over.
 bool ZAV_EvDispatcher::EndOrSleep() {
     ZAV_EvPort& port = Port();
-    if (mStopping == 0 && port.Length() != 0) return false;
+    if (mStopping == 0 && port.Collect() != 0) return false;
     unsigned seenChanges;
     {
         ZAV_MutexSignaller::Lock lock(mSignaller);
@@ -317,7 +312,8 @@ void ZAV_EvDispatcher::Finish() {
 
 void ZAV_EvDispatcher::Cleanup() {
     ZAV_EvPort& port = Port();
-    while (ZAV_Event* event = port.Take()) ZAV_EvPort::Discard(event);
+    const ZAV_EvPort::Dispatching here(port);
+    while (ZAV_Event* event = port.TakeToDiscard()) ZAV_EvPort::Discard(event);
 }
 
 void ZAV_EvDispatcher::SetEventTracer(EventTracerFn fn) {

@@ -75,8 +75,10 @@ public:
     void SetWakeUpInterval(unsigned long ms);
     unsigned long WakeUpInterval() const;
 
-    unsigned long QueueLength() const;    ///< events queued now
-    unsigned long QueueHighWater() const; ///< the most events that were ever queued at a time
+    unsigned long QueueLength() const; ///< events queued now
+    /// The most events that were ever queued at a time. Exact for what the dispatching thread queues itself and
+    /// for what is queued while nobody dispatches; else it may miss a peak by 32 events.
+    unsigned long QueueHighWater() const;
 
     /// Called on the dispatching thread with the text "DispatchEvent", the event and its handler, before each
     /// event is handled; null for none. One function for the process.
@@ -95,7 +97,6 @@ private:
     ZAV_EvPort& Port() const;
     void TraceEvent(const char* text, ZAV_Event* event, ZAV_EvHandlerBody* handler);
     void DispatchBatch();
-    struct HeldHandler;
     void RemoveHandler(ZAV_EvHandlerBody* handler);
     int HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler);
     void PollListeners();

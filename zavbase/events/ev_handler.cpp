@@ -1,9 +1,12 @@
 #include <zavbase/events/ev_handler.h>
 
 #include <mutex>
+#include <ostream>
+#include <utility>
 
 #include <zavbase/events/count_internal.h>
 #include <zavbase/events/ev_port_internal.h>
+#include <zavbase/events/ev_registration_internal.h>
 #include <zavbase/events/event.h>
 #include <zavbase/events/timer_mgr.h>
 
@@ -12,13 +15,6 @@ ZAV_DEFINE_CLASS(ZAV_EvHandlerRef, ZAV_Ref)
 ZAV_DEFINE_CLASS(ZAV_EvHandlerHelper, ZAV_Object)
 
 namespace {
-
-// Registering is rare; one lock serves all handlers.
-// Never destroyed, and not constinit: not every platform builds a std::mutex at compile time.
-std::mutex& TheRegistrationLock() {
-    static std::mutex* const lock = new std::mutex;
-    return *lock;
-}
 
 bool IsOpen(const ZAV_EvRegistration* registration) {
     return registration != nullptr && registration->active.load(std::memory_order_acquire) &&
@@ -50,22 +46,28 @@ ZAV_EvHandlerBody::ZAV_EvHandlerBody(const ZAV_EvHandlerBody& other)
 ZAV_EvHandlerBody& ZAV_EvHandlerBody::operator=(const ZAV_EvHandlerBody&) { return *this; }
 
 ZAV_EvHandlerBody::~ZAV_EvHandlerBody() {
-    ZAV_EvRegistration* registration = mDispatcher.load(std::memory_order_acquire);
-    while (registration != nullptr) {
-        ZAV_EvRegistration* older = registration->older;
-        registration->port->Release();
-        delete registration;
-        registration = older;
+    if (ZAV_EvRegistration* tie = mDispatcher.load(std::memory_order_acquire)) {
+        std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
+        while (tie != nullptr) delete std::exchange(tie, tie->older);
     }
     ZAV_CountLive(instance_counter, -1);
 }
 
-void ZAV_EvHandlerBody::PrintOn(std::ostream& os) { ZAV_RefCount::PrintOn(os); }
+// Queued events hold the handler too, wherever they are counted.
+void ZAV_EvHandlerBody::PrintOn(std::ostream& os) {
+    int count = mRefCount;
+    {
+        std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
+        for (const ZAV_EvRegistration* tie = mDispatcher; tie != nullptr; tie = tie->older)
+            count += tie->Queued();
+    }
+    os << "mRefCount=" << count;
+}
 
 int ZAV_EvHandlerBody::QueueEvent(ZAV_Event* event, long priority) {
-    const ZAV_EvRegistration* registration = mDispatcher.load(std::memory_order_acquire);
+    ZAV_EvRegistration* registration = mDispatcher.load(std::memory_order_acquire);
     if (!IsOpen(registration)) return -1;
-    if (event != nullptr) registration->port->Send(this, event, priority);
+    if (event != nullptr) registration->port->Send(registration, this, event, priority);
     return 0;
 }
 
@@ -82,26 +84,40 @@ int ZAV_EvHandlerBody::HandleEvent(ZAV_Event*) { return 2; }
 // Other threads may be posting through any of the ties, so none is taken apart; but they look at the current
 // one only at the beginning, so the order of the older ones may change.
 void ZAV_EvHandlerBody::Attach(ZAV_EvPort* port) {
-    std::lock_guard<std::mutex> guard(TheRegistrationLock());
+    std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
     ZAV_EvRegistration* current = mDispatcher.load(std::memory_order_relaxed);
     if (current == nullptr || current->port != port) {
         ZAV_EvRegistration* tie = UnlinkTie(current, port);
-        if (tie == nullptr) {
-            tie = new ZAV_EvRegistration{port, nullptr, {false}};
-            port->Hold();
-        }
+        if (tie == nullptr) tie = new ZAV_EvRegistration(port, this);
         if (current != nullptr) current->active.store(false, std::memory_order_release);
         tie->older = current;
         mDispatcher.store(tie, std::memory_order_release);
         current = tie;
     }
+    current->Unsettle();
     current->active.store(true, std::memory_order_release);
 }
 
-void ZAV_EvHandlerBody::Detach() {
-    std::lock_guard<std::mutex> guard(TheRegistrationLock());
+void ZAV_EvHandlerBody::Detach(ZAV_EvPort* port) {
+    Settle(port);
+    std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
     if (ZAV_EvRegistration* current = mDispatcher.load(std::memory_order_relaxed))
         current->active.store(false, std::memory_order_release);
+}
+
+// Before the dispatcher lets go of the handler: until then its reference keeps the handler for queued events.
+void ZAV_EvHandlerBody::Settle(ZAV_EvPort* port) {
+    std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
+    if (ZAV_EvRegistration* tie = ZAV_EvRegistration::Find(mDispatcher.load(std::memory_order_relaxed), port))
+        tie->Settle();
+}
+
+// Without the lock if the handler is registered there now.
+ZAV_EvRegistration* ZAV_EvHandlerBody::TieTo(const ZAV_EvPort* port) const {
+    ZAV_EvRegistration* current = mDispatcher.load(std::memory_order_acquire);
+    if (current == nullptr || current->port == port) return current;
+    std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
+    return ZAV_EvRegistration::Find(current, port);
 }
 
 // What a reference does, for events: they would need one each.
@@ -109,6 +125,10 @@ void ZAV_EvHandlerBody::Hold() { mRefCount.fetch_add(1, std::memory_order_relaxe
 
 void ZAV_EvHandlerBody::LetGo() {
     if (mRefCount.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+}
+
+void ZAV_EvHandlerBody::LetGoQueued(ZAV_EvRegistration* tie) {
+    if (tie == nullptr || !tie->CountTaken()) LetGo();
 }
 
 ZAV_EvHandlerRef::ZAV_EvHandlerRef(ZAV_EvHandlerBody* body) : ZAV_Ref(body) {}

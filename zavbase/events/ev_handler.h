@@ -7,7 +7,7 @@
 
 class ZAV_Event;
 class ZAV_EvPort;
-struct ZAV_EvRegistration;
+class ZAV_EvRegistration;
 
 /// Who receives events. Derive from it, override HandleEvent, make the object with new, and add it to a
 /// dispatcher through a ZAV_EvHandlerRef. The last reference deletes it: the dispatcher's list, every queued
@@ -26,7 +26,7 @@ public:
     ZAV_EvHandlerBody& operator=(const ZAV_EvHandlerBody& other);
     ~ZAV_EvHandlerBody() override;
 
-    void PrintOn(std::ostream& os) override;
+    void PrintOn(std::ostream& os) override; ///< the count includes queued events
 
     /// Queues the event for this handler; higher priorities are handled first, equal ones in the order of
     /// queuing. Takes the event and returns 0; a null event is ignored. With no dispatcher returns -1 and the
@@ -54,16 +54,21 @@ protected:
 
     friend class ZAV_EvDispatcher;
     friend class ZAV_EvPort;
+    friend class ZAV_EvRegistration;
     friend class ZAV_Event;
+    friend class ZAV_HeldHandler;
 
     /// The dispatcher's port, which outlives it; null until first registered.
     std::atomic<ZAV_EvRegistration*> mDispatcher;
 
 private:
     void Attach(ZAV_EvPort* port);
-    void Detach();
+    void Detach(ZAV_EvPort* port);
+    void Settle(ZAV_EvPort* port);
+    ZAV_EvRegistration* TieTo(const ZAV_EvPort* port) const;
     void Hold();
     void LetGo();
+    void LetGoQueued(ZAV_EvRegistration* tie);
 };
 
 /// A counted reference to a handler. It always refers to one: there is no default constructor.

@@ -4,7 +4,35 @@
 #include <mutex>
 
 #include <zavbase/events/ev_dispatcher.h>
+#include <zavbase/events/ev_registration_internal.h>
 #include <zavbase/events/event.h>
+
+namespace {
+
+thread_local constinit ZAV_EvPort::Dispatching* tDispatching = nullptr; // the innermost
+
+} // namespace
+
+ZAV_EvPort::Dispatching::Dispatching(ZAV_EvPort& port)
+    : mPort(port), mOuter(tDispatching), mAgain(IsDispatchedBy(mOuter)) {
+    if (!mAgain) {
+        mPort.mDispatched.store(true, std::memory_order_relaxed);
+        mPort.mQueueLock.lock();
+    }
+    tDispatching = this;
+}
+
+ZAV_EvPort::Dispatching::~Dispatching() {
+    tDispatching = mOuter;
+    if (mAgain) return;
+    mPort.mQueueLock.unlock();
+    mPort.mDispatched.store(false, std::memory_order_relaxed);
+}
+
+bool ZAV_EvPort::Dispatching::IsDispatchedBy(const Dispatching* scope) const {
+    while (scope != nullptr && &scope->mPort != &mPort) scope = scope->mOuter;
+    return scope != nullptr;
+}
 
 ZAV_EvPort::ZAV_EvPort(ZAV_EvDispatcher* owner) : mOwner(owner) {}
 
@@ -16,16 +44,19 @@ void ZAV_EvPort::Release() {
     if (mUsers.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
 }
 
-void ZAV_EvPort::Send(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority) {
-    event->SetDestination(handler, priority);
-    bool posted;
-    try {
-        posted = Post(event);
-    } catch (...) {
-        event->TakeDestination()->LetGo();
-        throw;
+// The handler is counted anew before the event's old hold on it, if there was one, ends.
+void ZAV_EvPort::Send(ZAV_EvRegistration* tie, ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority) {
+    if (tie == nullptr || !tie->CountPosted()) {
+        handler->Hold();
+        CountPosted(1);
     }
-    if (!posted) Discard(event);
+    ZAV_EvHandlerBody* const old = event->mDestination;
+    event->mDestination = handler;
+    event->mPriority = static_cast<zav_long32>(priority);
+    if (old != nullptr) old->LetGo();
+    if (Post(event, event->mPriority)) return;
+    HoldByEvent(event);
+    Discard(event);
 }
 
 void ZAV_EvPort::Discard(ZAV_Event* event) {
@@ -33,28 +64,24 @@ void ZAV_EvPort::Discard(ZAV_Event* event) {
     owned->EmergencyCleanup();
 }
 
-bool ZAV_EvPort::Post(ZAV_Event* event) {
-    bool sleeping;
-    {
-        std::lock_guard<ZAV_SpinLock> lock(mLock);
-        if (IsClosed()) return false;
-        mQueue.Push(event);
-        NotePosted();
-        sleeping = mSleeping;
-        mSleeping = false;
-        const std::uint32_t length = Length();
-        if (length > HighWater()) mHighWater.store(length, std::memory_order_relaxed);
-    }
-    if (sleeping) WakeOwner();
+// The event is not touched any more once it can be seen. The priority is told after that: the dispatching
+// thread lowers the mark first and looks for events then, so one of the two sees the other.
+bool ZAV_EvPort::Post(ZAV_Event* event, std::int32_t priority) {
+    if (PushAtOnce(event)) return true;
+    std::uintptr_t newest = mNewest.load(std::memory_order_relaxed);
+    do {
+        if (newest == kClosed) return false;
+        event->mNext = newest == kAsleep ? nullptr : reinterpret_cast<ZAV_Event*>(newest);
+    } while (!mNewest.compare_exchange_weak(newest, reinterpret_cast<std::uintptr_t>(event)));
+    RaiseUrgent(priority);
+    if (newest == kAsleep) WakeOwner();
     return true;
 }
 
-// Under the lock, for those who read without it: who sees the number sees a priority to take them by.
-void ZAV_EvPort::NotePosted() {
-    const std::int64_t highest = mQueue.IsEmpty() ? kNothing : mQueue.HighestPriority();
-    if (highest != mHighest.load(std::memory_order_relaxed))
-        mHighest.store(highest, std::memory_order_release);
-    mPosted.store(mQueue.Length(), std::memory_order_release);
+void ZAV_EvPort::RaiseUrgent(std::int32_t priority) {
+    std::int32_t urgent = mUrgent.load();
+    while (urgent < priority && !mUrgent.compare_exchange_weak(urgent, priority)) {
+    }
 }
 
 // Under the lock the owner cannot go away; that it has stopped sleeping meanwhile does no harm.
@@ -63,32 +90,123 @@ void ZAV_EvPort::WakeOwner() {
     if (mOwner != nullptr) mOwner->Wake();
 }
 
+// Those taken first: whoever sees an event taken sees it posted.
+std::uint32_t ZAV_EvPort::Length() const {
+    std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
+    std::uint32_t length = 0 - mTaken.load(std::memory_order_acquire);
+    length += mPostedApart.load(std::memory_order_relaxed);
+    for (const ZAV_EvRegistration* tie = mTies; tie != nullptr; tie = tie->NextOfPort())
+        length += tie->Posted();
+    return length % kCountsEnd;
+}
+
+std::uint32_t ZAV_EvPort::HighWater() {
+    NoteLength(Length());
+    return mHighWater.load(std::memory_order_relaxed);
+}
+
+void ZAV_EvPort::NoteLength(std::uint32_t length) {
+    std::uint32_t most = mHighWater.load(std::memory_order_relaxed);
+    while (most < length && !mHighWater.compare_exchange_weak(most, length, std::memory_order_relaxed)) {
+    }
+}
+
+bool ZAV_EvPort::PushAtOnce(ZAV_Event* event) {
+    if (tDispatching != nullptr && &tDispatching->mPort == this) return PushHere(event);
+    if (mDispatched.load(std::memory_order_relaxed) || !mQueueLock.try_lock()) return false;
+    std::lock_guard<ZAV_SpinLock> lock(mQueueLock, std::adopt_lock);
+    return PushHere(event);
+}
+
+// Behind what others posted before. False when closed, and without memory.
+bool ZAV_EvPort::PushHere(ZAV_Event* event) {
+    if (IsClosed()) return false;
+    const std::int32_t priority = event->mPriority;
+    try {
+        Collect();
+        mQueue.Push(event);
+    } catch (...) {
+        return false;
+    }
+    RaiseUrgent(priority);
+    NoteLength(AtHand());
+    return true;
+}
+
+std::uint32_t ZAV_EvPort::Collect() {
+    const bool posted = mNewest.load(std::memory_order_relaxed) > kClosed;
+    if (mUnsorted != nullptr) SortIn(mUnsorted);
+    if (posted) SortIn(reinterpret_cast<ZAV_Event*>(mNewest.exchange(kNone)));
+    return AtHand();
+}
+
+void ZAV_EvPort::SortIn(ZAV_Event* newest) {
+    for (mUnsorted = newest; mUnsorted != nullptr;) {
+        ZAV_Event* older = static_cast<ZAV_Event*>(mUnsorted->mNext);
+        mQueue.PushOlder(mUnsorted);
+        mUnsorted = older;
+    }
+    mQueue.JoinOlder();
+    NoteLength(AtHand());
+}
+
 ZAV_Event* ZAV_EvPort::Take() {
-    const std::int64_t highest = mHighest.load(std::memory_order_acquire);
-    if (highest != kNothing && (mCurrent.first == nullptr || highest > mCurrent.priority)) Fetch();
-    ZAV_Event* event = mCurrent.TakeFirst();
-    mAtHand.store(mCurrent.count, std::memory_order_relaxed);
+    if (mCurrent.first == nullptr || mUrgent.load(std::memory_order_acquire) > mCurrent.priority)
+        Refill();
+    else if (mTaken.load(std::memory_order_relaxed) % kLook == 0)
+        Collect();
+    return CountTaken(mCurrent.TakeFirst());
+}
+
+// Until no post of a higher priority can have escaped: see Post.
+void ZAV_EvPort::Refill() {
+    do {
+        Collect();
+        mQueue.PutBack(mCurrent);
+        mCurrent = mQueue.TakeHighest();
+        if (mCurrent.first == nullptr || mUrgent.load() <= mCurrent.priority) return;
+        mUrgent.store(mCurrent.priority);
+    } while (mNewest.load() > kClosed);
+}
+
+ZAV_Event* ZAV_EvPort::CountTaken(ZAV_Event* event) {
+    if (event == nullptr) return nullptr;
+    mTaken.store(mTaken.load(std::memory_order_relaxed) + 1, std::memory_order_release);
     return event;
 }
 
-void ZAV_EvPort::Fetch() {
-    std::lock_guard<ZAV_SpinLock> lock(mLock);
-    mQueue.PutBack(mCurrent);
-    mCurrent = mQueue.TakeHighest();
-    mAtHand.store(mCurrent.count, std::memory_order_relaxed);
-    NotePosted();
+ZAV_Event* ZAV_EvPort::TakeToDiscard() noexcept {
+    ZAV_Event* event;
+    try {
+        event = Take();
+    } catch (...) {
+        event = CountTaken(mUnsorted != nullptr ? TakeUnsorted() : mCurrent.TakeFirst());
+    }
+    if (event != nullptr) HoldByEvent(event);
+    return event;
+}
+
+ZAV_Event* ZAV_EvPort::TakeUnsorted() {
+    ZAV_Event* event = mUnsorted;
+    mUnsorted = static_cast<ZAV_Event*>(event->mNext);
+    event->mNext = nullptr;
+    return event;
+}
+
+// Has the event hold its handler like one that is not queued.
+void ZAV_EvPort::HoldByEvent(ZAV_Event* event) {
+    event->mDestination->Hold();
+    event->mDestination->LetGoQueued(event->mDestination->TieTo(this));
 }
 
 bool ZAV_EvPort::BeginSleep() {
-    if (AtHand() != 0) return false;
-    std::lock_guard<ZAV_SpinLock> lock(mLock);
-    mSleeping = mQueue.IsEmpty();
-    return mSleeping;
+    std::uintptr_t none = kNone;
+    return AtHand() == 0 && mNewest.compare_exchange_strong(none, kAsleep);
 }
 
 void ZAV_EvPort::EndSleep() {
-    std::lock_guard<ZAV_SpinLock> lock(mLock);
-    mSleeping = false;
+    std::uintptr_t asleep = kAsleep;
+    mNewest.compare_exchange_strong(asleep, kNone);
 }
 
 void ZAV_EvPort::Close() {
@@ -96,6 +214,14 @@ void ZAV_EvPort::Close() {
         ZAV_Mutex::Lock lock(mOwnerLock, B_FALSE);
         mOwner = nullptr;
     }
-    std::lock_guard<ZAV_SpinLock> lock(mLock);
+    const Dispatching here(*this);
     mClosed.store(true, std::memory_order_release);
+    const std::uintptr_t newest = mNewest.exchange(kClosed);
+    ZAV_Event* rest = newest > kClosed ? reinterpret_cast<ZAV_Event*>(newest) : nullptr;
+    while (mUnsorted != nullptr) {
+        ZAV_Event* event = TakeUnsorted();
+        event->mNext = rest;
+        rest = event;
+    }
+    mUnsorted = rest;
 }

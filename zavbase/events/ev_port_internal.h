@@ -12,35 +12,65 @@
 class ZAV_Event;
 class ZAV_EvDispatcher;
 class ZAV_EvHandlerBody;
+class ZAV_EvRegistration;
 
 /// The part of a dispatcher that may outlive it: where handlers put their events. The dispatcher and every
 /// handler that was ever registered with it hold a count, so a handler may be used on any thread while the
 /// dispatcher is destroyed: the port is then closed and takes nothing more.
 ///
-/// Any thread posts, under the lock. The dispatching thread takes all events of the highest priority at a
-/// time and works through them without the lock; before each it looks whether one of a higher priority was
-/// posted meanwhile, and then puts the rest back. So the order is exactly that of one locked list.
+/// The queue is in the hands of one thread at a time, of the dispatching one while it dispatches. Who posts
+/// and finds it in nobody's hands puts the event into it. Else nobody waits: the event goes in front of a
+/// list of what was posted, newest first, which whoever has the queue takes as a whole and sorts in. From the
+/// queue the dispatching thread takes all events of the highest priority at a time and works through them;
+/// before each it looks whether one of a higher priority was posted meanwhile. So the order is exactly that
+/// of one locked list.
 class ZAV_EvPort : public ZAV_Link {
 public:
     explicit ZAV_EvPort(ZAV_EvDispatcher* owner); ///< counted once, for the owner
     void Hold();
     void Release();
 
-    /// Addresses the event to the handler and posts it; when closed, discards it. Afterwards the event, its
-    /// handler and even the port may be gone unless the caller holds them. When memory runs out it throws and
-    /// the event stays the caller's.
-    void Send(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority);
+    /// Addresses the event to the handler and posts it; when closed, discards it. Afterwards the event may be
+    /// gone, and so may be the handler and the port unless the caller holds them. `tie` is the handler's with
+    /// this port, or null if it has none.
+    void Send(ZAV_EvRegistration* tie, ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority);
     /// Destroys an event that will not be handled, after its EmergencyCleanup.
     static void Discard(ZAV_Event* event);
     bool IsClosed() const { return mClosed.load(std::memory_order_acquire); }
 
-    std::uint32_t Length() const { return mPosted.load(std::memory_order_acquire) + AtHand(); }
-    std::uint32_t HighWater() const { return mHighWater.load(std::memory_order_relaxed); }
+    std::uint32_t Length() const;
+    std::uint32_t HighWater(); ///< what Length would have told at most; looked at every kLook events
+    /// For ties: has events counted that were not counted there, or not any more.
+    void CountPosted(std::uint32_t count) { mPostedApart.fetch_add(count, std::memory_order_relaxed); }
+    ZAV_EvRegistration* mTies = nullptr; ///< under ZAV_EvRegistration::Lock
 
-    /// For the dispatching thread only.
+    /// Takes the queue into this thread's hands as long as it lives.
+    class Dispatching {
+    public:
+        explicit Dispatching(ZAV_EvPort& port);
+        ~Dispatching();
+        Dispatching(const Dispatching&) = delete;
+        Dispatching& operator=(const Dispatching&) = delete;
+
+    private:
+        friend class ZAV_EvPort;
+
+        bool IsDispatchedBy(const Dispatching* scope) const;
+
+        ZAV_EvPort& mPort;
+        Dispatching* const mOuter;
+        const bool mAgain; // an outer one has it already
+    };
+
+    // For the dispatching thread only. Collect and Take throw when memory runs out; no event is lost then.
+
+    /// Sorts in what was posted, and gives the number of events there are then.
+    std::uint32_t Collect();
+    /// The number of events without those posted since Collect.
+    std::uint32_t AtHand() const { return mCurrent.count + mQueue.Length(); }
     ZAV_Event* Take(); ///< the first event, or null
-    /// Whether at least so many events are there. Does not look at what others write if it can do without.
-    bool HasAtLeast(std::uint32_t count) const { return AtHand() >= count || Length() >= count; }
+    /// The same for events that need no order: it does not throw, and releases the event's handler.
+    ZAV_Event* TakeToDiscard() noexcept;
     /// False, and nothing happens, when events are there. In the other case the next post wakes the owner.
     bool BeginSleep();
     void EndSleep();
@@ -62,38 +92,44 @@ public:
     Walk* mWalks = nullptr;
 
 private:
-    static const std::int64_t kNothing = INT64_MIN;
+    // What the newest event is when there is none; any other number is its address.
+    static const std::uintptr_t kNone = 0, kAsleep = 1, kClosed = 2;
+    static const std::uint32_t kLook = 32;
+    static const std::uint32_t kCountsEnd = 1u << 31;
 
     ~ZAV_EvPort() override;
-    bool Post(ZAV_Event* event);
+    bool Post(ZAV_Event* event, std::int32_t priority);
+    void NoteLength(std::uint32_t length);
     void WakeOwner();
-    void Fetch();
-    void NotePosted();
-    std::uint32_t AtHand() const { return mAtHand.load(std::memory_order_relaxed); }
+    void HoldByEvent(ZAV_Event* event);
+    bool PushAtOnce(ZAV_Event* event);
+    bool PushHere(ZAV_Event* event);
+    void RaiseUrgent(std::int32_t priority);
+    void SortIn(ZAV_Event* newest);
+    ZAV_Event* TakeUnsorted();
+    void Refill();
+    ZAV_Event* CountTaken(ZAV_Event* event);
 
     std::atomic<int> mUsers{1};
     ZAV_Mutex mOwnerLock;
     ZAV_EvDispatcher* mOwner;
 
-    // What the dispatching thread writes for every event lies apart from what producers write; what it reads
-    // for every event changes only when the highest priority does.
-    alignas(64) ZAV_EventQueue::Chain mCurrent;               // taken out and not yet handled
-    std::atomic<std::uint32_t> mAtHand{0};                    // its count
-    alignas(64) std::atomic<std::int64_t> mHighest{kNothing}; // the highest priority posted
-    std::atomic<bool> mClosed{false};
-    alignas(64) ZAV_SpinLock mLock; // of all that follows; who waits for it leaves that alone
-    alignas(64) bool mSleeping = false;
-    std::atomic<std::uint32_t> mPosted{0};
-    std::atomic<std::uint32_t> mHighWater{0};
+    // For whoever has the queue.
+    alignas(64) ZAV_EventQueue::Chain mCurrent; // taken out of the queue and not yet handled
     ZAV_EventQueue mQueue;
-};
+    ZAV_Event* mUnsorted = nullptr; // taken from the producers, newest first; null unless memory ran out
+    std::atomic<std::uint32_t> mTaken{0}; // modulo 2^32
 
-/// A handler's tie to a port. A handler keeps those it ever had until it is destroyed, so that another thread
-/// that is just posting never meets a port that is gone; they are as many as dispatchers it was added to.
-struct ZAV_EvRegistration {
-    ZAV_EvPort* port;
-    ZAV_EvRegistration* older;
-    std::atomic<bool> active;
+    // Changed by those who post.
+    alignas(64) std::atomic<std::uintptr_t> mNewest{kNone};
+    ZAV_SpinLock mQueueLock;
+
+    // What is read with every event and seldom changes.
+    alignas(64) std::atomic<std::int32_t> mUrgent{INT32_MIN}; // no less than any priority posted since Refill
+    std::atomic<std::uint32_t> mPostedApart{0};               // modulo 2^32; without what ties count
+    std::atomic<std::uint32_t> mHighWater{0};
+    std::atomic<bool> mClosed{false};
+    std::atomic<bool> mDispatched{false}; // or about to be: nobody else may ask for the lock
 };
 
 #endif

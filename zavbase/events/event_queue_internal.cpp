@@ -1,6 +1,7 @@
 #include <zavbase/events/event_queue_internal.h>
 
 #include <algorithm>
+#include <utility>
 
 #include <zavbase/events/event.h>
 
@@ -8,6 +9,8 @@ namespace {
 
 const std::size_t kFirstSlots = 16;
 const std::size_t kFewBuckets = 1024;
+const std::uint32_t kHintDistance = 8; // events
+const std::ptrdiff_t kHintUnit = 8;    // bytes; a hint that does not fit is of no use but does no harm
 
 std::size_t Hash(std::int32_t priority) {
     return static_cast<std::size_t>(static_cast<std::uint32_t>(priority) * 0x9E3779B97F4A7C15ull >> 32);
@@ -20,34 +23,78 @@ ZAV_Event* ZAV_EventQueue::Chain::TakeFirst() {
     if (event == nullptr) return nullptr;
     first = static_cast<ZAV_Event*>(event->mNext);
     event->mNext = nullptr;
+    __builtin_prefetch(reinterpret_cast<const char*>(event) + std::ptrdiff_t{event->mPriority} * kHintUnit);
+    if (first != nullptr) __builtin_prefetch(first->mDestination);
+    event->mPriority = priority;
     --count;
-    if (first != nullptr) {
-        // Long queues do not stay in the processor's cache: have what comes next, and after it, fetched
-        // meanwhile.
-        __builtin_prefetch(first->mDestination);
-        __builtin_prefetch(first->mNext);
-    }
     return event;
 }
 
-void ZAV_EventQueue::Push(ZAV_Event* event) {
-    Chain& bucket = Bucket(event->mPriority);
-    if (bucket.first == nullptr)
-        bucket.first = event;
+void ZAV_EventQueue::Chain::Append(ZAV_Event* event) {
+    if (first == nullptr)
+        first = unhinted = event;
     else
-        bucket.last->mNext = event;
+        last->mNext = event;
     event->mNext = nullptr;
-    bucket.last = event;
-    ++bucket.count;
+    event->mPriority = 0;
+    last = event;
+    if (++count > kHintDistance && unhinted != nullptr) {
+        const std::ptrdiff_t distance =
+            reinterpret_cast<const char*>(event) - reinterpret_cast<const char*>(unhinted);
+        unhinted->mPriority = static_cast<zav_long32>(distance / kHintUnit);
+        unhinted = static_cast<ZAV_Event*>(unhinted->mNext);
+    }
+}
+
+// Who gets the next hint is not known any more: it may have been taken already.
+void ZAV_EventQueue::Chain::Prepend(Chain& other) {
+    if (other.first == nullptr) return;
+    if (first == nullptr)
+        last = other.last;
+    else
+        other.last->mNext = first;
+    first = other.first;
+    count += other.count;
+    unhinted = nullptr;
+    other.first = nullptr;
+    other.count = 0;
+}
+
+void ZAV_EventQueue::Push(ZAV_Event* event) {
+    BucketFor(event->mPriority).events.Append(event);
     ++mLength;
+}
+
+void ZAV_EventQueue::PushOlder(ZAV_Event* event) {
+    Bucket& bucket = BucketFor(event->mPriority);
+    Chain& joining = bucket.joining;
+    if (joining.first == nullptr) {
+        joining.last = event;
+        joining.unhinted = nullptr;
+        bucket.nextToJoin = std::exchange(mFirstToJoin, mLastUsed);
+    }
+    event->mNext = joining.first;
+    event->mPriority = 0;
+    joining.first = event;
+    ++joining.count;
+    ++mLength;
+}
+
+void ZAV_EventQueue::JoinOlder() {
+    while (mFirstToJoin != kNoBucket) {
+        Bucket& bucket = mBuckets[mFirstToJoin];
+        bucket.joining.Prepend(bucket.events);
+        std::swap(bucket.joining, bucket.events);
+        mFirstToJoin = bucket.nextToJoin;
+    }
 }
 
 ZAV_EventQueue::Chain ZAV_EventQueue::TakeHighest() {
     if (mHeap.empty()) return Chain();
-    Chain& bucket = mBuckets[mHeap.front().bucket];
-    const Chain taken = bucket;
-    bucket.first = nullptr;
-    bucket.count = 0;
+    Chain& events = mBuckets[mHeap.front().bucket].events;
+    const Chain taken = events;
+    events.first = nullptr;
+    events.count = 0;
     mLength -= taken.count;
     std::pop_heap(mHeap.begin(), mHeap.end());
     mHeap.pop_back();
@@ -56,21 +103,16 @@ ZAV_EventQueue::Chain ZAV_EventQueue::TakeHighest() {
 
 void ZAV_EventQueue::PutBack(Chain& chain) {
     if (chain.first == nullptr) return;
-    Chain& bucket = Bucket(chain.priority);
-    if (bucket.first == nullptr)
-        bucket.last = chain.last;
-    else
-        chain.last->mNext = bucket.first;
-    bucket.first = chain.first;
-    bucket.count += chain.count;
-    mLength += chain.count;
+    const std::uint32_t count = chain.count;
+    BucketFor(chain.priority).events.Prepend(chain);
+    mLength += count;
     chain = Chain();
 }
 
-// The bucket, which is in the heap and about to get an event.
-ZAV_EventQueue::Chain& ZAV_EventQueue::Bucket(std::int32_t priority) {
+// The bucket, which is in the heap, is the last used, and is about to get an event.
+ZAV_EventQueue::Bucket& ZAV_EventQueue::BucketFor(std::int32_t priority) {
     const std::uint32_t number = BucketNumber(priority);
-    if (mBuckets[number].first == nullptr) {
+    if (mBuckets[number].IsEmpty()) {
         mHeap.push_back({priority, number});
         std::push_heap(mHeap.begin(), mHeap.end());
     }
@@ -78,7 +120,7 @@ ZAV_EventQueue::Chain& ZAV_EventQueue::Bucket(std::int32_t priority) {
 }
 
 std::uint32_t ZAV_EventQueue::BucketNumber(std::int32_t priority) {
-    if (mLastUsed < mBuckets.size() && mBuckets[mLastUsed].priority == priority) return mLastUsed;
+    if (mLastUsed < mBuckets.size() && mBuckets[mLastUsed].events.priority == priority) return mLastUsed;
     // At most half of the slots are in use, so every probe ends.
     if (mSlots.size() < 2 * (mBuckets.size() + 1)) {
         // Priorities that are never used again must not stay for ever.
@@ -87,7 +129,8 @@ std::uint32_t ZAV_EventQueue::BucketNumber(std::int32_t priority) {
     }
     std::uint32_t* slot = Slot(priority);
     if (*slot == 0) {
-        mBuckets.emplace_back().priority = priority;
+        Bucket& bucket = mBuckets.emplace_back();
+        bucket.events.priority = bucket.joining.priority = priority;
         *slot = static_cast<std::uint32_t>(mBuckets.size());
     }
     return mLastUsed = *slot - 1;
@@ -96,7 +139,7 @@ std::uint32_t ZAV_EventQueue::BucketNumber(std::int32_t priority) {
 std::uint32_t* ZAV_EventQueue::Slot(std::int32_t priority) {
     const std::size_t mask = mSlots.size() - 1;
     std::size_t i = Hash(priority) & mask;
-    while (mSlots[i] != 0 && mBuckets[mSlots[i] - 1].priority != priority) i = (i + 1) & mask;
+    while (mSlots[i] != 0 && mBuckets[mSlots[i] - 1].events.priority != priority) i = (i + 1) & mask;
     return &mSlots[i];
 }
 
@@ -108,17 +151,20 @@ void ZAV_EventQueue::Rehash(std::size_t slots) {
 
 void ZAV_EventQueue::FillSlots() {
     for (std::size_t b = 0; b < mBuckets.size(); ++b)
-        *Slot(mBuckets[b].priority) = static_cast<std::uint32_t>(b + 1);
+        *Slot(mBuckets[b].events.priority) = static_cast<std::uint32_t>(b + 1);
 }
 
 // Keeps the buckets that hold events, in the heap's order: a heap stays a heap when its entries are
 // renumbered. What can fail comes first.
 void ZAV_EventQueue::ForgetEmptyBuckets() {
-    std::vector<Chain> kept;
+    std::vector<Bucket> kept;
     kept.reserve(mHeap.size() + 1);
+    mFirstToJoin = kNoBucket;
     for (HeapEntry& entry : mHeap) {
         kept.push_back(mBuckets[entry.bucket]);
         entry.bucket = static_cast<std::uint32_t>(kept.size() - 1);
+        if (kept.back().joining.first != nullptr)
+            kept.back().nextToJoin = std::exchange(mFirstToJoin, entry.bucket);
     }
     mBuckets.swap(kept);
     std::fill(mSlots.begin(), mSlots.end(), 0);

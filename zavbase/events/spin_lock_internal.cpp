@@ -14,8 +14,7 @@ const int kYields = 1000;
 // priority than the holder: then the holder gets the processor only while this one sleeps.
 void ZAV_SpinLock::LockHeld() {
     for (int tries = 0;; ++tries) {
-        if (!mHeld.load(std::memory_order_relaxed) && !mHeld.exchange(true, std::memory_order_acquire))
-            return;
+        if (try_lock()) return;
         if (tries > kLooks + kYields)
             ZAV_MilliSleep(1);
         else if (tries > kLooks)

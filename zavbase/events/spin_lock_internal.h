@@ -11,6 +11,9 @@ public:
     void lock() {
         if (mHeld.exchange(true, std::memory_order_acquire)) LockHeld();
     }
+    bool try_lock() {
+        return !mHeld.load(std::memory_order_relaxed) && !mHeld.exchange(true, std::memory_order_acquire);
+    }
     void unlock() { mHeld.store(false, std::memory_order_release); }
 
 private:

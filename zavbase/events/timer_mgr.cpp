@@ -7,6 +7,7 @@
 
 #include <zavbase/events/ev_dispatcher.h>
 #include <zavbase/events/ev_port_internal.h>
+#include <zavbase/events/ev_registration_internal.h>
 #include <zavbase/events/listener_internal.h>
 #include <zavbase/events/ticks_internal.h>
 #include <zavbase/events/timer_queue_internal.h>
@@ -237,12 +238,14 @@ bool ZAV_TimerMgr::FireOne(std::uint32_t& now) {
     return timer != nullptr;
 }
 
-// The handler scope of Listen serves all timers; only one that has caught something needs to end.
+// What the timer held keeps the handler for the call. The handler scope of Listen serves all timers; only one
+// that has caught something needs to end.
 void ZAV_TimerMgr::QueueTimer(ZAV_EventTimer* timer) {
     std::unique_ptr<ZAV_EventTimer> owned(timer);
-    const ZAV_EvHandlerRef handler(timer->mDestination);
+    const long priority = timer->mPriority;
+    const ZAV_HeldHandler handler(timer->TakeDestination(), nullptr);
     try {
-        const bool taken = handler->QueueEvent(timer, timer->mPriority) >= 0;
+        const bool taken = handler->QueueEvent(timer, priority) >= 0;
         owned.release();
         if (!taken) ZAV_EvPort::Discard(timer);
     } catch (ZAV_Exception* e) {
