@@ -1,6 +1,7 @@
 #include <zavbase/foundation/startup.h>
 
 #include <zavbase/foundation/exception_internal.h>
+#include <zavbase/foundation/new_handler.h>
 #include <zavbase/foundation/trace_stream.h>
 #include <zavbase/os/console.h>
 #include <zavbase/os/module_entry.h>
@@ -8,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -34,7 +36,7 @@ void TraceText(const char* text, size_t length) {
     thePieces.emplace_back(text);
 }
 bool TraceChannel(char*, size_t) { return false; }
-void FatalMessage(const char*, const char*) {}
+void FatalMessage(const char* text, const char* caption) { std::fprintf(stderr, "[%s] %s", caption, text); }
 void Terminate() { std::_Exit(0); }
 
 } // namespace zav_os
@@ -106,4 +108,9 @@ TEST(ExceptionLinks, HangOnThePlaceThatAThreadNames) {
     ZAV_EXCEPTION_LINK own;
     EXPECT_EQ(nullptr, head);
     EXPECT_EQ(&own, ZAV_CurrentLinkHead());
+}
+
+TEST(FatalDeathTest, TheDefaultPolicyTellsTheUserAndEndsTheProcess) {
+    EXPECT_EXIT(std::get_new_handler()(), ::testing::ExitedWithCode(0),
+                "\\[Fatal Error\\] Memory Allocation Error, program will abort!");
 }
