@@ -64,7 +64,8 @@ TEST(Thread, RunsUntilAskedToStop) {
         outer = there.mNext;
         UntilStopped(self);
     });
-    EXPECT_EQ(0, w.WaitForThread()) << "a thread that was not started is not waited for";
+    Worker neverStarted(UntilStopped);
+    EXPECT_EQ(0, neverStarted.WaitForThread());
     EXPECT_EQ(0, w.Begin());
     EXPECT_EQ(22, w.Begin()) << "also before it has come to its body";
     w.AwaitRunning();
