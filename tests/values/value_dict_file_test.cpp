@@ -40,7 +40,7 @@ TEST(ValueDictFile, ReadingMergesEitherForm) {
         dict->ReadFile(path.c_str());
         const auto merged = DictOf("<< /a << /c 2 /d 6 /b 1 >> /y 7 /x 3 >>");
         // An entry without value is lost in text, and elsewhere it takes no place of another.
-        if (write == &ZAV_UValDict::WriteBinFile) merged->SetEntry("n", nullptr);
+        if (FileText(path)[0] != '<') merged->SetEntry("n", nullptr);
         EXPECT_EQ(Printed(*dict), Printed(*merged));
     }
 }
