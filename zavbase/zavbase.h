@@ -23,6 +23,7 @@
 #include <zavbase/events/ev_dispatcher.h>
 #include <zavbase/events/ev_handler.h>
 #include <zavbase/events/event.h>
+#include <zavbase/events/event_count.h>
 #include <zavbase/events/listener.h>
 #include <zavbase/events/sync_obj.h>
 #include <zavbase/events/timer.h>

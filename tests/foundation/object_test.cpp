@@ -2,6 +2,11 @@
 
 #include <zavbase/collections/bag.h>
 #include <zavbase/collections/dictionary.h>
+#include <zavbase/foundation/pooled.h>
+
+#include <memory>
+#include <set>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -30,4 +35,16 @@ TEST(Object, PrintsThroughTheVirtual) {
 TEST(Boolean, AnyNonZeroValuePrintsAsTrue) {
     EXPECT_EQ("B_FALSE", Printed(B_FALSE));
     for (int value : {1, 7, -1}) EXPECT_EQ("B_TRUE", Printed(static_cast<boolean_t>(value)));
+}
+
+// Each thread has a store of its own, of which the next threads live. (An address sanitizer wants none.)
+TEST(Pooled, WhatAThreadHadComesBackWhenItEnds) {
+    struct Small : ZAV_Pooled {
+        int value = 0;
+    };
+    std::set<void*> blocks;
+    for (int t = 0; t < 100; ++t) std::jthread([&] { blocks.insert(std::make_unique<Small>().get()); });
+#if !defined(__SANITIZE_ADDRESS__)
+    EXPECT_LT(blocks.size(), 10u);
+#endif
 }

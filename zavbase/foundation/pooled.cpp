@@ -47,12 +47,13 @@ struct Depot {
 struct ThreadCache {
     Magazine* current[kClasses];
     Magazine* spare[kClasses];
-    bool janitorCalled;
-    bool ended; // the thread's janitor has run: nothing may be left here any more
+    bool ended; // the thread's end was told: nothing may be left here any more
 };
+static_assert(sizeof(ThreadCache) <= zav_os::kThreadBlockSize);
 
 constinit Depot theDepots[kClasses];
-thread_local constinit ThreadCache tCache = {};
+constinit ThreadCache theNoCache = {}; // has no magazines; a new thread's until it needs one
+thread_local constinit ThreadCache* tCache = &theNoCache;
 
 void Put(Magazine*& list, Magazine* magazine) {
     magazine->next = list;
@@ -74,23 +75,24 @@ void GiveBack(std::size_t c, Magazine*& magazine) {
     magazine = nullptr;
 }
 
-// Gives what an ending thread holds back. Blocks that destructors of other thread-local objects use later do
+// Gives what an ending thread holds back. Blocks that destructors of its thread-local objects use later do
 // not stay with the thread.
-struct Janitor {
-    ~Janitor() {
-        tCache.ended = true;
-        for (std::size_t c = 0; c < kClasses; ++c) {
-            GiveBack(c, tCache.current[c]);
-            GiveBack(c, tCache.spare[c]);
-        }
+void EndCache(void* block) {
+    ThreadCache& cache = *static_cast<ThreadCache*>(block);
+    cache.ended = true;
+    for (std::size_t c = 0; c < kClasses; ++c) {
+        GiveBack(c, cache.current[c]);
+        GiveBack(c, cache.spare[c]);
     }
-    void Attend() { tCache.janitorCalled = true; }
-};
+}
 
-// Kept apart from the cache, so that the fast path does not ask whether it has been constructed.
-void CallJanitor() {
-    static thread_local Janitor janitor;
-    janitor.Attend();
+ThreadCache& OwnCache() {
+    if (tCache == &theNoCache) {
+        void* block = zav_os::ThreadBlock(EndCache);
+        if (block == nullptr) throw std::bad_alloc();
+        tCache = static_cast<ThreadCache*>(block);
+    }
+    return *tCache;
 }
 
 Magazine* TakeEmpty(std::size_t c) {
@@ -134,8 +136,7 @@ Magazine* TakeFilled(std::size_t c) {
 }
 
 void* AllocateSlow(std::size_t c) {
-    ThreadCache& cache = tCache;
-    if (!cache.janitorCalled) CallJanitor();
+    ThreadCache& cache = OwnCache();
     std::swap(cache.current[c], cache.spare[c]);
     Magazine*& current = cache.current[c];
     if (current == nullptr || current->count == 0) {
@@ -154,8 +155,7 @@ void* AllocateSlow(std::size_t c) {
 
 // When there is no memory for another magazine, the block is not used again.
 void ReleaseSlow(std::size_t c, void* block) noexcept try {
-    ThreadCache& cache = tCache;
-    if (!cache.janitorCalled) CallJanitor();
+    ThreadCache& cache = OwnCache();
     std::swap(cache.current[c], cache.spare[c]);
     Magazine*& current = cache.current[c];
     if (current == nullptr || current->count == kMagazineSize) {
@@ -178,7 +178,7 @@ const bool kPooled = true;
 void* ZAV_Pooled::operator new(std::size_t size) {
     if (!kPooled || size > kLargest) return ::operator new(size);
     const std::size_t c = ClassOf(size);
-    Magazine* current = tCache.current[c];
+    Magazine* current = tCache->current[c];
     if (current == nullptr || current->count == 0) return AllocateSlow(c);
     const unsigned rest = --current->count;
     if (rest >= kAhead) __builtin_prefetch(current->blocks[rest - kAhead], 1);
@@ -189,7 +189,7 @@ void ZAV_Pooled::operator delete(void* block, std::size_t size) noexcept {
     if (block == nullptr) return;
     if (!kPooled || size > kLargest) return ::operator delete(block);
     const std::size_t c = ClassOf(size);
-    Magazine* current = tCache.current[c];
+    Magazine* current = tCache->current[c];
     if (current != nullptr && current->count != kMagazineSize)
         current->blocks[current->count++] = block;
     else

@@ -10,6 +10,12 @@ namespace zav_os {
 /// smaller ones it does nothing.
 void AdviseRandomUse(void* block, std::size_t size);
 
+/// Zeroed memory of the calling thread, the same with each call; null without memory. When the thread ends,
+/// `atEnd` is called there with it. What the thread still does after that may find the memory as `atEnd` left
+/// it, or fresh memory whose end is not told.
+const unsigned kThreadBlockSize = 128;
+void* ThreadBlock(void (*atEnd)(void*)) noexcept;
+
 } // namespace zav_os
 
 #endif

@@ -7,6 +7,9 @@ namespace zav_os {
 /// ignored. Defined by the library, called by the module entry of each platform. Always returns 1.
 int OnModuleEvent(unsigned reason);
 
+/// Where the module entry is told of the end of each thread: ends the thread's block.
+void OnThreadEnd();
+
 } // namespace zav_os
 
 #endif

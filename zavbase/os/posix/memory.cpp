@@ -5,6 +5,17 @@
 
 namespace zav_os {
 
+namespace {
+
+alignas(16) thread_local constinit unsigned char ownBlock[kThreadBlockSize] = {};
+
+struct BlockEnd {
+    ~BlockEnd() { atEnd(ownBlock); }
+    void (*const atEnd)(void*);
+};
+
+} // namespace
+
 void AdviseRandomUse(void* block, std::size_t size) {
 #ifdef MADV_HUGEPAGE
     const std::uintptr_t large = 2u << 20, start = reinterpret_cast<std::uintptr_t>(block);
@@ -15,6 +26,12 @@ void AdviseRandomUse(void* block, std::size_t size) {
     static_cast<void>(block);
     static_cast<void>(size);
 #endif
+}
+
+void* ThreadBlock(void (*atEnd)(void*)) noexcept {
+    static const thread_local BlockEnd end{atEnd};
+    static_cast<void>(end);
+    return ownBlock;
 }
 
 } // namespace zav_os

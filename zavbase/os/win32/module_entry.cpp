@@ -2,4 +2,7 @@
 
 #include <windows.h>
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) { return zav_os::OnModuleEvent(reason); }
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
+    if (reason == DLL_THREAD_DETACH) zav_os::OnThreadEnd();
+    return zav_os::OnModuleEvent(reason);
+}
