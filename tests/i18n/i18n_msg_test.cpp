@@ -121,7 +121,7 @@ TEST(I18nMsg, NumbersReadTheSameEverywhere) {
     const std::pair<std::string, const char*> rows[] = {
         {Formatted(-5L, "%ld items"), "-5 items"},
         {Formatted(5u, "%05lu%%"), "00005%"},
-        {Formatted(4294967295ul, "%llx"), "ffffffff"},
+        {Formatted(4294967295ull, "%llx"), "ffffffff"},
         {Formatted(static_cast<long>(4294967295u), "%I64d"), "-1"},
         {Formatted(1.5, "%.3e"), "1.500e+00"},
         {Formatted(1.5, "%8.2lf|"), "    1.50|"},

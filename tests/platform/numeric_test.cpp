@@ -26,7 +26,7 @@ TEST(Numeric, DensityAndIntensityAreInverse) {
     const float D = ZAV_Int2Dens(100.f, 255.f, .1f, 3.f, .8f, 1.f);
     EXPECT_NEAR(ZAV_Dens2Int(D, 255.f, .1f, 3.f, .8f, 1.f), 100.f, .01f);
     // By hand: Dmin 0, Dmax 1, g 1, p 1 gives 1 - log10(9 I / Imax + 1).
-    EXPECT_DOUBLE_EQ(ZAV_Int2Dens(1.0, 3.0, 0.0, 1.0, 1.0, 1.0), 1.0 - std::log10(4.0));
+    EXPECT_DOUBLE_EQ(ZAV_Int2Dens(1, 3, 0, 1.0f, 1.0, 1), 1.0 - std::log10(4.0));
     EXPECT_TRUE(std::isnan(ZAV_Int2Dens(0.0, 0.0, 0.1, 3.0, 1.0, 1.0)));
 }
 

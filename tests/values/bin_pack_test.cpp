@@ -47,6 +47,12 @@ int ReadDict(ZAV_UValDict& dict, const Bytes& bytes, size_t piece, size_t* taken
     return GetAll(ZAV_BinPackUValDict(dict), bytes, piece, taken);
 }
 
+TEST(BinPack, ReadingReplacesWhatIsThere) {
+    const auto dict = DictOf("<< /y 5 /z 6 >>");
+    EXPECT_EQ(ReadDict(*dict, PutAll(ZAV_BinPackUValDict(*DictOf("<< /y << /a 1 >> /x 3 >>")), 512), 7), 0);
+    EXPECT_EQ(Printed(*dict), Printed(*DictOf("<< /y << /a 1 >> /z 6 /x 3 >>")));
+}
+
 TEST(BinPack, AtomsHaveACountUnlessItIsOne) {
     uint16_t numbers[] = {1, 0x1234, 3}, untouched = 7;
     EXPECT_EQ(PutAll(ZAV_BinPackAtom(BINPACK_16, 1, numbers + 1), 1), Bytes("\x03\x34\x12"));

@@ -7,17 +7,18 @@
 
 #include <zavbase/values/value_dict.h>
 
-/// JSON to dictionaries. Objects are dictionaries. An array of numbers, of texts, of truth values or of nulls is
-/// an array value; any other array (empty, mixed, of arrays or objects) is a dictionary with the keys "0", "1",
-/// ... Integers are longs, those up to 4294967295 unsigned longs, larger ones and fractions doubles; truth values
-/// are unsigned chars 1 and 0, null is a null pointer. Texts are UTF strings, or byte strings where UTF strings
-/// have no room for a character (above U+FFFF).
+/// JSON to dictionaries. Objects are dictionaries. An array of numbers, of texts, of truth values or of nulls
+/// is an array value; any other array (empty, mixed, of arrays or objects) is a dictionary with the keys "0",
+/// "1",
+/// ... Integers are longs, those up to 4294967295 unsigned longs, larger ones and fractions doubles; truth
+/// values are unsigned chars 1 and 0, null is a null pointer. Texts are UTF strings, or byte strings where
+/// UTF strings have no room for a character (above U+FFFF).
 struct JsonResult {
-    std::unique_ptr<ZAV_UValDict> mDict;  ///< null when the text is not JSON
-    long mLine = 0, mColumn = 0;          ///< where the error is
+    std::unique_ptr<ZAV_UValDict> mDict; ///< null when the text is not JSON
+    long mLine = 0, mColumn = 0;         ///< where the error is
     std::string mError;
-    unsigned long mCutKeys = 0;           ///< keys over 64 bytes, of which the rest is lost
-    unsigned long mLostEntries = 0;       ///< entries replaced by a later one with the same key
+    unsigned long mCutKeys = 0;     ///< keys over 64 bytes, of which the rest is lost
+    unsigned long mLostEntries = 0; ///< entries replaced by a later one with the same key
 };
 JsonResult ReadJson(const std::string& text);
 

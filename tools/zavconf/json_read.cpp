@@ -89,7 +89,8 @@ void Scanner::Escape(std::string& text) {
     char c = *mCursor++;
     if (c == 'u') {
         unsigned long code = Hex4();
-        if (code >= 0xD800 && code < 0xDC00 && Word("\\u")) code = 0x10000 + ((code & 0x3FF) << 10) + (Hex4() & 0x3FF);
+        if (code >= 0xD800 && code < 0xDC00 && Word("\\u"))
+            code = 0x10000 + ((code & 0x3FF) << 10) + (Hex4() & 0x3FF);
         return AppendUtf8(text, code);
     }
     const char* at = c ? std::strchr(letters, c) : nullptr;
@@ -102,7 +103,8 @@ std::string Scanner::Text() {
     std::string text;
     for (;;) {
         const char* plain = mCursor;
-        while (mCursor < mEnd && *mCursor != '"' && *mCursor != '\\' && static_cast<unsigned char>(*mCursor) >= 0x20)
+        while (mCursor < mEnd && *mCursor != '"' && *mCursor != '\\' &&
+               static_cast<unsigned char>(*mCursor) >= 0x20)
             ++mCursor;
         text.append(plain, mCursor);
         if (mCursor == mEnd) throw SyntaxError{"text without end"};
@@ -122,9 +124,12 @@ Scalar Scanner::Number() {
     if (result.ec != std::errc()) throw SyntaxError{"number out of range"};
     mCursor = result.ptr;
     bool isInteger = std::string(start, mCursor).find_first_of(".eE") == std::string::npos;
-    if (isInteger && scalar.mNumber >= -2147483648.0 && scalar.mNumber <= 2147483647.0) scalar.mKind = Scalar::LONG;
-    else if (isInteger && scalar.mNumber > 0 && scalar.mNumber <= 4294967295.0) scalar.mKind = Scalar::ULONG;
-    else scalar.mKind = Scalar::REAL;
+    if (isInteger && scalar.mNumber >= -2147483648.0 && scalar.mNumber <= 2147483647.0)
+        scalar.mKind = Scalar::LONG;
+    else if (isInteger && scalar.mNumber > 0 && scalar.mNumber <= 4294967295.0)
+        scalar.mKind = Scalar::ULONG;
+    else
+        scalar.mKind = Scalar::REAL;
     return scalar;
 }
 
@@ -165,10 +170,14 @@ ZAV_UValType CommonType(const std::vector<Scalar>& scalars) {
 void Store(ZAV_UVal& value, const Scalar& scalar, long index) {
     ZAV_UValFamily family = value.GetFamily();
     if (family == UVAL_FAMILY_STRING)
-        value.SetStrValue(ZAV_String(scalar.mText.data(), static_cast<unsigned int>(scalar.mText.size())), index);
-    else if (family == UVAL_FAMILY_PTR) value.SetPtrValue(nullptr, index);
-    else if (value.GetType() == UVAL_ULONG) value.SetULongValue(static_cast<unsigned long>(scalar.mNumber), index);
-    else value.SetDoubleValue(scalar.mNumber, index);
+        value.SetStrValue(ZAV_String(scalar.mText.data(), static_cast<unsigned int>(scalar.mText.size())),
+                          index);
+    else if (family == UVAL_FAMILY_PTR)
+        value.SetPtrValue(nullptr, index);
+    else if (value.GetType() == UVAL_ULONG)
+        value.SetULongValue(static_cast<unsigned long>(scalar.mNumber), index);
+    else
+        value.SetDoubleValue(scalar.mNumber, index);
 }
 
 ZAV_UVal* MakeValue(const std::vector<Scalar>& scalars, bool isArray) {
@@ -186,7 +195,7 @@ public:
 
 private:
     struct Level {
-        ZAV_UValDict* mDict;          // where the entries go; of an array null while it holds only scalars
+        ZAV_UValDict* mDict; // where the entries go; of an array null while it holds only scalars
         bool mIsArray;
         std::string mKey;             // of this level in the one around it
         std::vector<Scalar> mScalars; // of an array
@@ -215,8 +224,10 @@ void Builder::Run() {
             continue;
         }
         if (mLevels.back().mCount++ > 0) mScan.Need(',', "comma or end expected");
-        if (mLevels.back().mIsArray) TakeValue(std::to_string(mLevels.back().mCount - 1));
-        else TakeMember();
+        if (mLevels.back().mIsArray)
+            TakeValue(std::to_string(mLevels.back().mCount - 1));
+        else
+            TakeMember();
     }
     if (!mScan.AtEnd()) throw SyntaxError{"text behind the end"};
 }
@@ -258,7 +269,8 @@ ZAV_UValDict& Builder::DictOf(size_t index) {
     level.mDict = new ZAV_UValDict(16);
     StoreEntry(*mLevels[index - 1].mDict, level.mKey, level.mDict);
     for (size_t i = 0; i < level.mScalars.size(); ++i)
-        StoreEntry(*level.mDict, std::to_string(i), MakeValue(std::vector<Scalar>(1, level.mScalars[i]), false));
+        StoreEntry(*level.mDict, std::to_string(i),
+                   MakeValue(std::vector<Scalar>(1, level.mScalars[i]), false));
     level.mScalars.clear();
     return *level.mDict;
 }
@@ -266,8 +278,10 @@ ZAV_UValDict& Builder::DictOf(size_t index) {
 void Builder::Close() {
     Level& level = mLevels.back();
     bool isValue = !level.mScalars.empty() && CommonType(level.mScalars) != UVAL_DICT;
-    if (isValue) StoreEntry(DictOf(mLevels.size() - 2), level.mKey, MakeValue(level.mScalars, true));
-    else DictOf(mLevels.size() - 1);
+    if (isValue)
+        StoreEntry(DictOf(mLevels.size() - 2), level.mKey, MakeValue(level.mScalars, true));
+    else
+        DictOf(mLevels.size() - 1);
     mLevels.pop_back();
 }
 

@@ -13,7 +13,11 @@ namespace {
 // The size of the UTF-8 sequence at `p`, 0 when there is none.
 int SequenceSize(const char* p, const char* end) {
     unsigned char first = static_cast<unsigned char>(*p);
-    int size = first < 0x80 ? 1 : first >= 0xC2 && first < 0xE0 ? 2 : first >= 0xE0 && first < 0xF0 ? 3 : first >= 0xF0 && first < 0xF5 ? 4 : 0;
+    int size = first < 0x80                    ? 1
+               : first >= 0xC2 && first < 0xE0 ? 2
+               : first >= 0xE0 && first < 0xF0 ? 3
+               : first >= 0xF0 && first < 0xF5 ? 4
+                                               : 0;
     if (size > end - p) return 0;
     for (int i = 1; i < size; ++i)
         if ((static_cast<unsigned char>(p[i]) & 0xC0) != 0x80) return 0;
@@ -44,7 +48,8 @@ private:
     void WriteValue(ZAV_UVal& value);
     void WriteElement(ZAV_UVal& value, long index);
     void WriteText(const char* text, size_t length);
-    template <class Number> void WriteNumber(Number number);
+    template <class Number>
+    void WriteNumber(Number number);
     void NewLine() { mStream << '\n' << std::string(2 * mLevels.size(), ' '); }
 
     std::ostream& mStream;
@@ -80,9 +85,12 @@ void Writer::Write(ZAV_UValDict& dict) {
             mStream << ": ";
         }
         ZAV_UVal* value = entry->Value();
-        if (!value) mStream << "null";
-        else if (value->GetType() == UVAL_DICT) Open(static_cast<ZAV_UValDict&>(*value));
-        else WriteValue(*value);
+        if (!value)
+            mStream << "null";
+        else if (value->GetType() == UVAL_DICT)
+            Open(static_cast<ZAV_UValDict&>(*value));
+        else
+            WriteValue(*value);
     }
     mStream << '\n';
 }
@@ -113,11 +121,17 @@ void Writer::WriteElement(ZAV_UVal& value, long index) {
         const ZAV_UTFString& text = static_cast<ZAV_UValUTFString&>(value).GetValue(index);
         return WriteText(text.Ptr(), text.Size());
     }
-    case UVAL_FLOAT: return WriteNumber(value.GetFloatValue(index));
-    case UVAL_DOUBLE: return WriteNumber(value.GetDoubleValue(index));
-    case UVAL_ULONG: return WriteNumber(value.GetULongValue(index));
-    case UVAL_PTR: mStream << "null"; return;
-    default: return WriteNumber(value.GetLongValue(index));
+    case UVAL_FLOAT:
+        return WriteNumber(value.GetFloatValue(index));
+    case UVAL_DOUBLE:
+        return WriteNumber(value.GetDoubleValue(index));
+    case UVAL_ULONG:
+        return WriteNumber(value.GetULongValue(index));
+    case UVAL_PTR:
+        mStream << "null";
+        return;
+    default:
+        return WriteNumber(value.GetLongValue(index));
     }
 }
 
@@ -139,11 +153,16 @@ void Writer::WriteText(const char* text, size_t length) {
     std::string out = "\"";
     for (; text < end; ++text) {
         unsigned char c = static_cast<unsigned char>(*text);
-        if (c == '"' || c == '\\') (out += '\\') += *text;
-        else if (c == '\n') out += "\\n";
-        else if (c == '\t') out += "\\t";
-        else if (c < 0x20 || (c >= 0x80 && !isUtf8)) ((out += "\\u00") += hex[c >> 4]) += hex[c & 15];
-        else out += *text;
+        if (c == '"' || c == '\\')
+            (out += '\\') += *text;
+        else if (c == '\n')
+            out += "\\n";
+        else if (c == '\t')
+            out += "\\t";
+        else if (c < 0x20 || (c >= 0x80 && !isUtf8))
+            ((out += "\\u00") += hex[c >> 4]) += hex[c & 15];
+        else
+            out += *text;
     }
     mStream << out << '"';
 }

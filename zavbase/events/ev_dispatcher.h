@@ -76,8 +76,8 @@ public:
     unsigned long WakeUpInterval() const;
 
     unsigned long QueueLength() const; ///< events queued now
-    /// The most events that were ever queued at a time. Exact for what the dispatching thread queues itself and
-    /// for what is queued while nobody dispatches; else it may miss a peak by 32 events.
+    /// The most events that were ever queued at a time. Exact for what the dispatching thread queues itself
+    /// and for what is queued while nobody dispatches; else it may miss a peak by 32 events.
     unsigned long QueueHighWater() const;
 
     /// Called on the dispatching thread with the text "DispatchEvent", the event and its handler, before each

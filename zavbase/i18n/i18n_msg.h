@@ -64,6 +64,12 @@ public:
     void AddArg(const char* tag, unsigned value, const char* format, ZAV_I18nMsgArgType type) {
         AddArg(tag, static_cast<unsigned long>(value), format, type);
     }
+    void AddArg(const char* tag, long long value, const char* format, ZAV_I18nMsgArgType type) {
+        AddArg(tag, static_cast<long>(value), format, type);
+    }
+    void AddArg(const char* tag, unsigned long long value, const char* format, ZAV_I18nMsgArgType type) {
+        AddArg(tag, static_cast<unsigned long>(value), format, type);
+    }
 
     /// The text in language `lang`. The identifier is looked up in `resources`, or, if it begins with "+++",
     /// in `baseResources` without these three characters; without a resource it is its own text. Then each

@@ -43,14 +43,29 @@ ZAV_API unsigned long ZAV_Dens2InvInt(double D, unsigned long N);
 /// B_FALSE: files and memory are little-endian on all platforms of the library.
 ZAV_API boolean_t ZAV_BigEndian();
 
-/// Whole numbers are computed as double.
-template <class X, std::enable_if_t<std::is_integral_v<X>, int> = 0>
-double ZAV_Exp10(X x) {
-    return ZAV_Exp10(static_cast<double>(x));
+/// Whole numbers, and numbers of both types beside each other, are computed as double.
+template <bool IsRightCount, class... X>
+using ZAV_DoubleOf = std::enable_if_t<IsRightCount && (std::is_arithmetic_v<X> && ...), double>;
+
+template <class... X>
+ZAV_DoubleOf<sizeof...(X) == 1, X...> ZAV_Exp10(X... x) {
+    return ZAV_Exp10(static_cast<double>(x)...);
 }
-template <class X, class Y, std::enable_if_t<std::is_integral_v<X> || std::is_integral_v<Y>, int> = 0>
-double ZAV_Pow(X x, Y y) {
-    return ZAV_Pow(static_cast<double>(x), static_cast<double>(y));
+template <class... X>
+ZAV_DoubleOf<sizeof...(X) == 2, X...> ZAV_Pow(X... x) {
+    return ZAV_Pow(static_cast<double>(x)...);
+}
+template <class... X>
+ZAV_DoubleOf<sizeof...(X) == 6, X...> ZAV_Int2Dens(X... x) {
+    return ZAV_Int2Dens(static_cast<double>(x)...);
+}
+template <class... X>
+ZAV_DoubleOf<sizeof...(X) == 6, X...> ZAV_Dens2Int(X... x) {
+    return ZAV_Dens2Int(static_cast<double>(x)...);
+}
+template <class... X>
+ZAV_DoubleOf<sizeof...(X) == 6, X...> ZAV_IntGamma(X... x) {
+    return ZAV_IntGamma(static_cast<double>(x)...);
 }
 
 #endif

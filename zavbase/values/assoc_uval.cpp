@@ -92,7 +92,8 @@ ZAV_UVal* ZAV_AssocUVal::Value(ZAV_UVal* value) {
     return value;
 }
 
-/// Takes at most `length` bytes, up to a NUL, and fills up with NUL. `key` may lie inside the entry's own key.
+/// Takes at most `length` bytes, up to a NUL, and fills up with NUL. `key` may lie inside the entry's own
+/// key.
 void ZAV_AssocUVal::SetKey(const char* key, unsigned int length) {
     length = key ? (std::min)(length, static_cast<unsigned int>(kMaxKeyLength)) : 0;
     mKeyLength = static_cast<uint32_t>(strnlen(key ? key : "", length));

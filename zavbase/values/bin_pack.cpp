@@ -44,7 +44,8 @@ int ZAV_BinPackBuffer::Get(unsigned char** cursor, const unsigned char* limit) {
     return Get(const_cast<const unsigned char**>(cursor), limit);
 }
 
-ZAV_BinPackAtom::ZAV_BinPackAtom(int kind, unsigned long count, void* data) : mHeader{}, mHeaderSize(1), mHeaderDone(0) {
+ZAV_BinPackAtom::ZAV_BinPackAtom(int kind, unsigned long count, void* data)
+    : mHeader{}, mHeaderSize(1), mHeaderDone(0) {
     if (kind < BINPACK_NONE || kind > BINPACK_DOUBLE || count > 0xFFFFFFFFul) ZAV_ThrowBinPackException();
     uint64_t size = static_cast<uint64_t>(count) * ZAV_BinPackElementSize(kind);
     if (size > static_cast<unsigned long>(-1)) ZAV_ThrowBinPackException();

@@ -9,8 +9,8 @@
 
 namespace zav_pack {
 
-constexpr unsigned int MOST_ENTRIES = 0xFFFF;   ///< of a dictionary
-constexpr unsigned int MOST_TEXT = 0xFFFF - 1;  ///< bytes of a text; its NUL is counted in the file
+constexpr unsigned int MOST_ENTRIES = 0xFFFF;  ///< of a dictionary
+constexpr unsigned int MOST_TEXT = 0xFFFF - 1; ///< bytes of a text; its NUL is counted in the file
 
 /// The elements of a number value as they lie in memory; the inline scalar of a scalar.
 struct Elements {
@@ -33,7 +33,7 @@ public:
     int Put(unsigned char** cursor, const unsigned char* limit);
 
 private:
-    static constexpr size_t MOST_PIECE = 128;  // bytes of a piece: key, type, dimension, header and a scalar
+    static constexpr size_t MOST_PIECE = 128; // bytes of a piece: key, type, dimension, header and a scalar
 
     static void CheckAll(ZAV_UValDict& dict);
     static void CheckDict(ZAV_UValDict& dict);
@@ -49,11 +49,11 @@ private:
     unsigned char* PutText(unsigned char* out);
 
     ZAV_UValDict& mTop;
-    std::vector<ZAV_AssocUVal*> mNext;  // of each open dictionary: the entry to be put next, never null
-    ZAV_UVal* mTexts;                   // the string value of which elements are left
+    std::vector<ZAV_AssocUVal*> mNext; // of each open dictionary: the entry to be put next, never null
+    ZAV_UVal* mTexts;                  // the string value of which elements are left
     long mTextsLeft;
-    unsigned long mPointers;            // elements of pointer arrays so far
-    bool mCheckAll;                     // before the first bytes are given away
+    unsigned long mPointers; // elements of pointer arrays so far
+    bool mCheckAll;          // before the first bytes are given away
     unsigned char mPiece[MOST_PIECE];
     ZAV_BinPackBuffer mPieceLeft;
     ZAV_BinPackBuffer mElementsLeft;
@@ -71,7 +71,7 @@ private:
     struct Level {
         ZAV_UValDict* mDict;
         unsigned int mEntriesLeft;
-        ZAV_UValDict::Chain mEntries;  // put into the dictionary when all are there
+        ZAV_UValDict::Chain mEntries; // put into the dictionary when all are there
     };
 
     void Expect(Step step, int kind, uint32_t count);
@@ -88,6 +88,7 @@ private:
     void TakeText(const unsigned char* text);
     void StoreTexts();
     void StoreEntry(ZAV_UVal* value);
+    void FillLevel(Level& level);
     void NextEntry();
 
     Step mStep;
@@ -97,14 +98,14 @@ private:
 
     std::vector<Level> mLevels;
     unsigned long mNestingLimit;
-    ZAV_UValDict* mOpened;       // the dictionary whose entry count comes next
+    ZAV_UValDict* mOpened; // the dictionary whose entry count comes next
     char mKey[65];
     unsigned int mKeyLength;
     ZAV_UValType mType;
     int32_t mDimension;
-    unsigned long mPointers;     // elements of pointer arrays so far
+    unsigned long mPointers; // elements of pointer arrays so far
     int32_t mTextsLeft;
-    std::string mTexts;          // the texts of an array, one after the other, and their lengths
+    std::string mTexts; // the texts of an array, one after the other, and their lengths
     std::vector<unsigned int> mTextLengths;
     ZAV_UValDict::Filler mFiller;
 };

@@ -20,15 +20,17 @@ Number Load(const unsigned char* bytes) {
 }
 
 void StoreText(ZAV_UVal& value, ZAV_UValType type, const char* text, unsigned int length, long index) {
-    if (type == UVAL_STRING) static_cast<ZAV_UValString&>(value).GetValuePtr(index)->Append(text, length);
-    else static_cast<ZAV_UValUTFString&>(value).GetValuePtr(index)->Append(text, length);
+    if (type == UVAL_STRING)
+        static_cast<ZAV_UValString&>(value).GetValuePtr(index)->Append(text, length);
+    else
+        static_cast<ZAV_UValUTFString&>(value).GetValuePtr(index)->Append(text, length);
 }
 
 } // namespace
 
 ZAV_BinPackUValDict::Reader::Reader(ZAV_UValDict& dict)
-    : mNestingLimit(ZAV_GetUValNestingLimit()), mOpened(&dict), mKey(), mKeyLength(0), mType(UVAL_DICT), mDimension(0),
-      mPointers(0), mTextsLeft(0) {
+    : mNestingLimit(ZAV_GetUValNestingLimit()), mOpened(&dict), mKey(), mKeyLength(0), mType(UVAL_DICT),
+      mDimension(0), mPointers(0), mTextsLeft(0) {
     Expect(ENTRY_COUNT, BINPACK_16, 1);
 }
 
@@ -91,25 +93,38 @@ bool ZAV_BinPackUValDict::Reader::Collect(const unsigned char** cursor, const un
 
 void ZAV_BinPackUValDict::Reader::Take(const unsigned char* elements) {
     switch (mStep) {
-    case ENTRY_COUNT: TakeEntryCount(Load<uint16_t>(elements)); break;
+    case ENTRY_COUNT:
+        TakeEntryCount(Load<uint16_t>(elements));
+        break;
     case KEY_LENGTH: {
         unsigned int length = Load<uint16_t>(elements);
         if (length < 1 || length > sizeof mKey) ZAV_ThrowBinPackException();
         Expect(KEY, BINPACK_BLOCK, length);
         break;
     }
-    case KEY: TakeKey(elements); break;
-    case TYPE: TakeType(Load<uint16_t>(elements)); break;
-    case DIMENSION: TakeDimension(Load<int32_t>(elements)); break;
-    case NUMBERS: TakeNumbers(elements); break;
+    case KEY:
+        TakeKey(elements);
+        break;
+    case TYPE:
+        TakeType(Load<uint16_t>(elements));
+        break;
+    case DIMENSION:
+        TakeDimension(Load<int32_t>(elements));
+        break;
+    case NUMBERS:
+        TakeNumbers(elements);
+        break;
     case TEXT_LENGTH: {
         unsigned int length = Load<uint16_t>(elements);
         if (length < 1) ZAV_ThrowBinPackException();
         Expect(TEXT, BINPACK_BLOCK, length);
         break;
     }
-    case TEXT: TakeText(elements); break;
-    case DONE: break;
+    case TEXT:
+        TakeText(elements);
+        break;
+    case DONE:
+        break;
     }
 }
 
@@ -119,11 +134,21 @@ void ZAV_BinPackUValDict::Reader::TakeEntryCount(unsigned int count) {
     NextEntry();
 }
 
+// A key that comes twice was never written by us. One that the caller's dictionary has already is replaced.
+void ZAV_BinPackUValDict::Reader::FillLevel(Level& level) {
+    if (level.mDict->GetSize() == 0) {
+        if (!mFiller.Fill(*level.mDict, level.mEntries)) ZAV_ThrowBinPackException();
+        return;
+    }
+    ZAV_UValDict read(16);
+    if (!mFiller.Fill(read, level.mEntries)) ZAV_ThrowBinPackException();
+    for (ZAV_AssocUVal* entry = read.GetNextAssoc(nullptr); entry; entry = read.GetNextAssoc(entry))
+        level.mDict->SetEntry(entry->Key(), entry->Value(nullptr));
+}
+
 void ZAV_BinPackUValDict::Reader::NextEntry() {
     while (!mLevels.empty() && mLevels.back().mEntriesLeft == 0) {
-        Level& level = mLevels.back();
-        // A key that is there twice was never written by us.
-        if (!mFiller.Fill(*level.mDict, level.mEntries)) ZAV_ThrowBinPackException();
+        FillLevel(mLevels.back());
         mLevels.pop_back();
     }
     if (mLevels.empty()) {

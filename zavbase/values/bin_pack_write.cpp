@@ -12,7 +12,8 @@ namespace {
 template <class Typed>
 Elements Of(ZAV_UVal& value, int kind) {
     long dimension = value.GetDimension();
-    return {kind, dimension > 0 ? static_cast<unsigned int>(dimension) : 1, static_cast<Typed&>(value).GetValuePtr(0)};
+    return {kind, dimension > 0 ? static_cast<unsigned int>(dimension) : 1,
+            static_cast<Typed&>(value).GetValuePtr(0)};
 }
 
 unsigned char* PutNumber(unsigned char* out, unsigned int value) {
@@ -47,14 +48,22 @@ int KindOf(ZAV_UValType number) {
 Elements ElementsOf(ZAV_UVal& number) {
     int kind = KindOf(number.GetType());
     switch (number.GetType()) {
-    case UVAL_CHAR: return Of<ZAV_UValChar>(number, kind);
-    case UVAL_UCHAR: return Of<ZAV_UValUChar>(number, kind);
-    case UVAL_SHORT: return Of<ZAV_UValShort>(number, kind);
-    case UVAL_USHORT: return Of<ZAV_UValUShort>(number, kind);
-    case UVAL_LONG: return Of<ZAV_UValLong>(number, kind);
-    case UVAL_ULONG: return Of<ZAV_UValULong>(number, kind);
-    case UVAL_FLOAT: return Of<ZAV_UValFloat>(number, kind);
-    default: return Of<ZAV_UValDouble>(number, kind);
+    case UVAL_CHAR:
+        return Of<ZAV_UValChar>(number, kind);
+    case UVAL_UCHAR:
+        return Of<ZAV_UValUChar>(number, kind);
+    case UVAL_SHORT:
+        return Of<ZAV_UValShort>(number, kind);
+    case UVAL_USHORT:
+        return Of<ZAV_UValUShort>(number, kind);
+    case UVAL_LONG:
+        return Of<ZAV_UValLong>(number, kind);
+    case UVAL_ULONG:
+        return Of<ZAV_UValULong>(number, kind);
+    case UVAL_FLOAT:
+        return Of<ZAV_UValFloat>(number, kind);
+    default:
+        return Of<ZAV_UValDouble>(number, kind);
     }
 }
 
@@ -101,7 +110,8 @@ void ZAV_BinPackUValDict::Writer::CheckAll(ZAV_UValDict& top) {
     }
 }
 
-// A tree that fits into the first buffer is checked while it is put, for nothing is given away before the end.
+// A tree that fits into the first buffer is checked while it is put, for nothing is given away before the
+// end.
 int ZAV_BinPackUValDict::Writer::Put(unsigned char** cursor, const unsigned char* limit) {
     if (!mCheckAll) return PutSome(cursor, limit);
     unsigned char* at = *cursor;

@@ -123,6 +123,7 @@ void ZAV_ReadUValTxt(std::istream& is, ZAV_UVal*& result, ZAV_String name) {
         return;
     }
     ZAV_BASE_TRACE(0x10, "ZAV_FindDictionaryInText: found dictionary " << name);
+    if (text.size() > zav_text::MOST_BYTES) ZAV_ThrowFileException(2, 0);
     result = zav_text::Reader(text.data(), text.size(), place).Read();
 }
 

@@ -17,16 +17,17 @@
 ///     /limits:low -5                      the key is a path: entry "low" of the dictionary "limits"
 ///     >>
 ///
-/// Names begin with "/" and run to the next blank or one of ( ) < > [ ] { }; a key that needs other characters
-/// is written as a string. Strings know \t \n \f \r \( \) \\ and \ooo (octal), and parentheses that match need
-/// no backslash. "%" where a token would start begins a comment up to the end of the line. The keywords that
-/// fix a type are zavchar zavuchar zavshort zavushort zavlong zavulong zavfloat zavdouble zavstring
-/// zavutfstring zavptr. A word made of digits and "-" is an integer, modulo 2^32; another word that begins
-/// with a digit, "-" or "." is a real.
+/// Names begin with "/" and run to the next blank or one of ( ) < > [ ] { }; a key that needs other
+/// characters is written as a string. Strings know \t \n \f \r \( \) \\ and \ooo (octal), and parentheses
+/// that match need no backslash. "%" where a token would start begins a comment up to the end of the line.
+/// The keywords that fix a type are zavchar zavuchar zavshort zavushort zavlong zavulong zavfloat zavdouble
+/// zavstring zavutfstring zavptr. A word made of digits and "-" is an integer, modulo 2^32; another word that
+/// begins with a digit, "-" or "." is a real.
 ///
 /// What the form does not keep: reals have six decimals (or the stream's precision), pointers become null, an
 /// entry under an empty key is dropped on reading, entries without value are not written. An infinity is
-/// written as 1e999 or -1e999, which reads back; not-a-number as zero. The binary file (bin_pack.h) keeps all.
+/// written as 1e999 or -1e999, which reads back; not-a-number as zero. The binary file (bin_pack.h) keeps
+/// all.
 ///
 /// The functions share no state but the nesting limit; the last-error record belongs to the calling thread.
 
@@ -46,24 +47,24 @@ ZAV_API std::ostream& ZAV_WriteUValTxt(std::ostream& os, const ZAV_UVal* value, 
 ZAV_API void ZAV_ReadUValTxt(std::istream& is, ZAV_UVal*& result);
 
 /// Reads the dictionary called `name`: the first key of that name, at any depth, that is followed by "<<".
-/// Reading stops behind its ">>", where the stream is left. If there is none, the stream is at its end, a line
-/// is traced, and `result` is null. With an empty name the same as the reading above.
+/// Reading stops behind its ">>", where the stream is left. If there is none, the stream is at its end, a
+/// line is traced, and `result` is null. With an empty name the same as the reading above.
 ZAV_API void ZAV_ReadUValTxt(std::istream& is, ZAV_UVal*& result, ZAV_String name);
 
 /// Where and why the calling thread's last reading of a text failed.
 struct ZAV_UValTextError {
-    long mLine;            ///< from 1, counted from where reading began; 0 when the last reading succeeded
-    long mColumn;          ///< in bytes from 1
-    const char* mMessage;  ///< the traced text, a literal; never null
-    char mFound[48];       ///< what stood there, cut and made printable; "end of input" at the end
+    long mLine;           ///< from 1, counted from where reading began; 0 when the last reading succeeded
+    long mColumn;         ///< in bytes from 1
+    const char* mMessage; ///< the traced text, a literal; never null
+    char mFound[48];      ///< what stood there, cut and made printable; "end of input" at the end
 };
 
 /// Valid until the thread reads another text.
 ZAV_API const ZAV_UValTextError& ZAV_GetUValTextError();
 
-/// How deep dictionaries in a text or binary file may nest; a path key counts each of its levels. Deeper input
-/// is refused as malformed ("Error in object hierarchy"). 10000 at first; 0 means no limit: reading, copying and
-/// destroying need no more stack then, but the text of a tree grows with the square of its depth.
+/// How deep dictionaries in a text or binary file may nest; a path key counts each of its levels. Deeper
+/// input is refused as malformed ("Error in object hierarchy"). 10000 at first; 0 means no limit: reading,
+/// copying and destroying need no more stack then, but the text of a tree grows with the square of its depth.
 ZAV_API void ZAV_SetUValNestingLimit(unsigned long levels);
 ZAV_API unsigned long ZAV_GetUValNestingLimit();
 

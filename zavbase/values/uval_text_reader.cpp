@@ -28,18 +28,25 @@ const char ARRAY_MARK_ERROR[] = "[ ] pairs do not match";
 ZAV_UValType TypeOfKeyword(int keyword) { return static_cast<ZAV_UValType>(UVAL_CHAR + keyword); }
 
 // A pointer written as a number: the text form writes only zeros, a hand-written file may hold an address.
-void* PointerFrom(int32_t number) { return reinterpret_cast<void*>(static_cast<uintptr_t>(static_cast<uint32_t>(number))); }
+void* PointerFrom(int32_t number) {
+    return reinterpret_cast<void*>(static_cast<uintptr_t>(static_cast<uint32_t>(number)));
+}
 
 void StoreInteger(ZAV_UVal& value, ZAV_UValType type, int32_t number, long index) {
-    if (type == UVAL_PTR) value.SetPtrValue(PointerFrom(number), index);
-    else value.SetLongValue(number, index);
+    if (type == UVAL_PTR)
+        value.SetPtrValue(PointerFrom(number), index);
+    else
+        value.SetLongValue(number, index);
 }
 
 void StoreString(ZAV_UVal& value, ZAV_UValType type, const char* text, size_t length, long index) {
     unsigned int size = static_cast<unsigned int>(length);
-    if (type == UVAL_STRING) static_cast<ZAV_UValString&>(value).GetValuePtr(index)->Append(text, size);
-    else if (type == UVAL_UTFSTRING) static_cast<ZAV_UValUTFString&>(value).GetValuePtr(index)->Append(text, size);
-    else value.SetStrValue(ZAV_String(text, size), index);
+    if (type == UVAL_STRING)
+        static_cast<ZAV_UValString&>(value).GetValuePtr(index)->Append(text, size);
+    else if (type == UVAL_UTFSTRING)
+        static_cast<ZAV_UValUTFString&>(value).GetValuePtr(index)->Append(text, size);
+    else
+        value.SetStrValue(ZAV_String(text, size), index);
 }
 
 // How many dictionaries a key used as a path puts around its value.
@@ -51,14 +58,15 @@ uint32_t LevelsOf(const char* key, size_t length) {
 
 // The entry of a plain key is stored without making a path of it.
 bool IsOneKey(const char* key, size_t length) {
-    return length > 0 && !std::memchr(key, ZAV_DictPath::GetSeparator(), length) && !std::memchr(key, '\0', length);
+    return length > 0 && !std::memchr(key, ZAV_DictPath::GetSeparator(), length) &&
+           !std::memchr(key, '\0', length);
 }
 
 } // namespace
 
 Reader::Reader(const char* text, size_t size, Place origin)
-    : mTokens(text, size), mText(text), mTextEnd(text + size), mTokenStart(text), mOrigin(origin), mMark(NO_MARK),
-      mOpenDicts(0), mNestingLimit(ZAV_GetUValNestingLimit()) {}
+    : mTokens(text, size), mText(text), mTextEnd(text + size), mTokenStart(text), mOrigin(origin),
+      mMark(NO_MARK), mOpenDicts(0), mNestingLimit(ZAV_GetUValNestingLimit()) {}
 
 Reader::~Reader() {
     for (const Item& item : mItems)
@@ -67,7 +75,8 @@ Reader::~Reader() {
 
 ZAV_UVal* Reader::Read() {
     ClearTextError();
-    while (Take(mTokens.Next())) {}
+    while (Take(mTokens.Next())) {
+    }
     if (mItems.size() != 1 || mItems[0].mKind != ITEM_VALUE) Fail(HIERARCHY_ERROR);
     ZAV_UVal* result = mItems[0].mValue;
     mItems.clear();
@@ -83,12 +92,15 @@ void Reader::Fail(const char* message) {
 bool Reader::Take(const Token& token) {
     mTokenStart = token.mStart;
     switch (token.mKind) {
-    case TOKEN_END: return false;
+    case TOKEN_END:
+        return false;
     case TOKEN_INTEGER:
     case TOKEN_REAL:
     case TOKEN_STRING:
-        if (InArray()) PushRaw(token);
-        else TakeScalar(token);
+        if (InArray())
+            PushRaw(token);
+        else
+            TakeScalar(token);
         return true;
     case TOKEN_NAME: {
         Item& item = Push(ITEM_NAME);
@@ -96,11 +108,20 @@ bool Reader::Take(const Token& token) {
         item.mLength = static_cast<uint32_t>(token.mLength);
         return true;
     }
-    case TOKEN_DICT: PushMark(ITEM_DICT); return true;
-    case TOKEN_ARRAY: PushMark(ITEM_ARRAY); return true;
-    case TOKEN_DICT_END: CloseDict(); return true;
-    case TOKEN_ARRAY_END: CloseArray(); return true;
-    case TOKEN_INVALID: break;
+    case TOKEN_DICT:
+        PushMark(ITEM_DICT);
+        return true;
+    case TOKEN_ARRAY:
+        PushMark(ITEM_ARRAY);
+        return true;
+    case TOKEN_DICT_END:
+        CloseDict();
+        return true;
+    case TOKEN_ARRAY_END:
+        CloseArray();
+        return true;
+    case TOKEN_INVALID:
+        break;
     }
     Fail(HIERARCHY_ERROR);
 }
@@ -147,9 +168,12 @@ void Reader::TakeScalar(const Token& token) {
     ZAV_UValType type = kind == TOKEN_INTEGER ? UVAL_LONG : kind == TOKEN_REAL ? UVAL_DOUBLE : UVAL_STRING;
     if (keyword != NO_KEYWORD) type = TypeOfKeyword(keyword);
     std::unique_ptr<ZAV_UVal> value(ZAV_NewUVal(type));
-    if (kind == TOKEN_INTEGER) StoreInteger(*value, type, token.mInteger, 0);
-    else if (kind == TOKEN_REAL) value->SetDoubleValue(token.mReal, 0);
-    else StoreString(*value, type, token.mText, token.mLength, 0);
+    if (kind == TOKEN_INTEGER)
+        StoreInteger(*value, type, token.mInteger, 0);
+    else if (kind == TOKEN_REAL)
+        value->SetDoubleValue(token.mReal, 0);
+    else
+        StoreString(*value, type, token.mText, token.mLength, 0);
     PushValue(value.get(), 0);
     value.release();
 }
@@ -201,16 +225,21 @@ bool Reader::FillNumbers(ZAV_UVal& value, size_t first) const {
     for (size_t i = 0; i < count; ++i) {
         const Item& item = mItems[first + i];
         if (item.mKind != kind) return false;
-        if constexpr (kind == ITEM_INTEGER) element[i] = item.mInteger;
-        else element[i] = item.mReal;
+        if constexpr (kind == ITEM_INTEGER)
+            element[i] = item.mInteger;
+        else
+            element[i] = item.mReal;
     }
     return true;
 }
 
 void Reader::StoreElement(ZAV_UVal& value, ZAV_UValType type, const Item& item, long index) {
-    if (item.mKind == ITEM_INTEGER) StoreInteger(value, type, item.mInteger, index);
-    else if (item.mKind == ITEM_REAL) value.SetDoubleValue(item.mReal, index);
-    else StoreString(value, type, TextOf(item), item.mLength, index);
+    if (item.mKind == ITEM_INTEGER)
+        StoreInteger(value, type, item.mInteger, index);
+    else if (item.mKind == ITEM_REAL)
+        value.SetDoubleValue(item.mReal, index);
+    else
+        StoreString(value, type, TextOf(item), item.mLength, index);
 }
 
 const char* Reader::TextOf(const Item& item) const {
@@ -224,7 +253,8 @@ void Reader::CloseDict() {
     std::unique_ptr<ZAV_UValDict> dict;
     uint32_t depth = 0;
     if (HasPlainKeys(mark + 1)) {
-        for (size_t i = mark + 1; i < mItems.size(); i += 2) depth = (std::max)(depth, CheckedDepth(mItems[i + 1], 0));
+        for (size_t i = mark + 1; i < mItems.size(); i += 2)
+            depth = (std::max)(depth, CheckedDepth(mItems[i + 1], 0));
         dict = MakePlainDict(mark + 1);
     } else {
         dict.reset(new ZAV_UValDict(16));
@@ -254,7 +284,7 @@ bool Reader::HasPlainKeys(size_t first) const {
 std::unique_ptr<ZAV_UValDict> Reader::MakePlainDict(size_t first) {
     ZAV_UValDict::Chain chain;
     for (size_t i = first; i < mItems.size(); i += 2) {
-        mItems[i + 1].mKind = ITEM_NAME;  // the chain takes it
+        mItems[i + 1].mKind = ITEM_NAME; // the chain takes it
         chain.Append(mItems[i].mText, mItems[i].mLength, mItems[i + 1].mValue);
     }
     bool allNew;
@@ -285,7 +315,7 @@ uint32_t Reader::StorePair(ZAV_UValDict& dict, const Item& key, Item& value) {
     if (value.mKind != ITEM_VALUE) Fail(PAIR_ERROR);
     uint32_t depth = CheckedDepth(value, LevelsOf(text, length));
     ZAV_UVal* owned = value.mValue;
-    value.mKind = ITEM_NAME;  // the dictionary owns it, or has deleted it
+    value.mKind = ITEM_NAME; // the dictionary owns it, or has deleted it
     if (IsOneKey(text, length)) {
         dict.SetEntry(text, static_cast<unsigned int>(length), owned);
     } else {

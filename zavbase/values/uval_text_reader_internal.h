@@ -21,7 +21,7 @@ struct Place {
     Place After(const char* text, const char* to) const;
 
 private:
-    bool mAfterReturn = false;  // CR LF is one line end
+    bool mAfterReturn = false; // CR LF is one line end
 };
 
 /// Builds a value from a text: a stack machine over the tokens. It does not recurse, and takes memory in
@@ -42,23 +42,23 @@ private:
     enum ItemKind : unsigned char {
         ITEM_INTEGER,
         ITEM_REAL,
-        ITEM_STRING,          // a string in an array, as it stands in the text
-        ITEM_DECODED,         // one that had escapes: its text is in mDecoded
+        ITEM_STRING,  // a string in an array, as it stands in the text
+        ITEM_DECODED, // one that had escapes: its text is in mDecoded
         ITEM_NAME,
-        ITEM_DICT,            // the mark of an open dictionary
-        ITEM_ARRAY,           // the mark of an open array
+        ITEM_DICT,  // the mark of an open dictionary
+        ITEM_ARRAY, // the mark of an open array
         ITEM_VALUE
     };
     struct Item {
         ItemKind mKind;
-        uint32_t mLength;        // of a text; how deep dictionaries nest in a value
+        uint32_t mLength; // of a text; how deep dictionaries nest in a value
         union {
             int32_t mInteger;
             double mReal;
             const char* mText;
             size_t mDecodedAt;
             ZAV_UVal* mValue;
-            size_t mOuterMark;   // of a mark: the index of the mark around it
+            size_t mOuterMark; // of a mark: the index of the mark around it
         };
     };
     typedef std::vector<Item>::iterator ItemRef;
@@ -92,19 +92,19 @@ private:
     Tokeniser mTokens;
     const char* mText;
     const char* mTextEnd;
-    const char* mTokenStart;  // where the current token begins
+    const char* mTokenStart; // where the current token begins
     Place mOrigin;
     std::vector<Item> mItems;
-    std::string mDecoded;     // texts of the open arrays' ITEM_DECODED
-    size_t mMark;             // the innermost open mark
+    std::string mDecoded; // texts of the open arrays' ITEM_DECODED
+    size_t mMark;         // the innermost open mark
     unsigned long mOpenDicts;
     unsigned long mNestingLimit;
     ZAV_UValDict::Filler mFiller;
 };
 
 /// Cuts the dictionary called `name` out of a stream, from its "<<" to its ">>", and stores it in `text` with
-/// its place; the stream then stands behind it. Returns false, with the stream at its end, when there is none.
-/// A dictionary that the stream ends in is cut there.
+/// its place; the stream then stands behind it. Returns false, with the stream at its end, when there is
+/// none. A dictionary that the stream ends in is cut there.
 bool FindDictionary(std::istream& is, const char* name, size_t length, std::string& text, Place& place);
 
 /// Notes that reading went well, or failed at `place`, where `found` stood.

@@ -7,8 +7,8 @@ namespace zav_text {
 
 namespace {
 
-// Cuts a stream into just as much as the search needs to know: where names, strings and marks are. It takes no
-// byte more than it has to, so that the stream can be left behind the dictionary.
+// Cuts a stream into just as much as the search needs to know: where names, strings and marks are. It takes
+// no byte more than it has to, so that the stream can be left behind the dictionary.
 class StreamLexer {
 public:
     enum Kind { END, KEY, OPEN, CLOSE, OTHER };
@@ -55,8 +55,10 @@ void StreamLexer::SkipBlanks() {
     for (int c = Peek(); !IsEnd(c); c = Peek()) {
         if (c == '%')
             while (!IsEnd(c) && c != '\n' && c != '\r') Take(), c = Peek();
-        else if (gChars.Is(Traits::to_char_type(c), CHAR_BLANK)) Take();
-        else break;
+        else if (gChars.Is(Traits::to_char_type(c), CHAR_BLANK))
+            Take();
+        else
+            break;
     }
 }
 
@@ -72,7 +74,8 @@ bool StreamLexer::TakeString() {
     for (int c = Peek(); !IsEnd(c); c = Peek()) {
         char taken = Take();
         if (taken == '\\') {
-            // Three bytes are the most that an escape can have; an octal one ends before the first other byte.
+            // Three bytes are the most that an escape can have; an octal one ends before the first other
+            // byte.
             char escape[4] = {};
             int size = 0;
             do {

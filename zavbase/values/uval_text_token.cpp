@@ -6,8 +6,9 @@
 
 namespace zav_text {
 
-const char* const gKeywords[KEYWORD_COUNT] = {"zavchar",  "zavuchar",  "zavshort",  "zavushort",    "zavlong", "zavulong",
-                                              "zavfloat", "zavdouble", "zavstring", "zavutfstring", "zavptr"};
+const char* const gKeywords[KEYWORD_COUNT] = {"zavchar",   "zavuchar",     "zavshort", "zavushort",
+                                              "zavlong",   "zavulong",     "zavfloat", "zavdouble",
+                                              "zavstring", "zavutfstring", "zavptr"};
 
 namespace {
 
@@ -37,11 +38,16 @@ char Unescape(const char*& p) {
         return static_cast<char>(value & 0xFF);
     }
     switch (c) {
-    case 't': return '\t';
-    case 'n': return '\n';
-    case 'f': return '\f';
-    case 'r': return '\r';
-    default: return c;
+    case 't':
+        return '\t';
+    case 'n':
+        return '\n';
+    case 'f':
+        return '\f';
+    case 'r':
+        return '\r';
+    default:
+        return c;
     }
 }
 
@@ -68,14 +74,29 @@ const Token& Tokeniser::Next() {
     SkipBlanks();
     mToken.mStart = mCursor;
     switch (*mCursor) {
-    case '/': ReadName(); break;
-    case '(': ReadString(); break;
-    case '<': ReadMark(TOKEN_DICT); break;
-    case '>': ReadMark(TOKEN_DICT_END); break;
-    case '[': mToken.mKind = TOKEN_ARRAY, ++mCursor; break;
-    case ']': mToken.mKind = TOKEN_ARRAY_END, ++mCursor; break;
-    case '\0': mToken.mKind = mCursor < mEnd ? TOKEN_INVALID : TOKEN_END; break;
-    default: ReadWord();
+    case '/':
+        ReadName();
+        break;
+    case '(':
+        ReadString();
+        break;
+    case '<':
+        ReadMark(TOKEN_DICT);
+        break;
+    case '>':
+        ReadMark(TOKEN_DICT_END);
+        break;
+    case '[':
+        mToken.mKind = TOKEN_ARRAY, ++mCursor;
+        break;
+    case ']':
+        mToken.mKind = TOKEN_ARRAY_END, ++mCursor;
+        break;
+    case '\0':
+        mToken.mKind = mCursor < mEnd ? TOKEN_INVALID : TOKEN_END;
+        break;
+    default:
+        ReadWord();
     }
     return mToken;
 }
@@ -119,9 +140,12 @@ void Tokeniser::ReadEscapedString(const char* from) {
         mDecoded.append(plain, p);
         if (p >= mEnd || (*p == '\\' && p + 1 >= mEnd)) break;
         char c = *p++;
-        if (c == '\\') c = Unescape(p);
-        else if (c == '(') ++depth;
-        else if (c == ')' && --depth == 0) break;
+        if (c == '\\')
+            c = Unescape(p);
+        else if (c == '(')
+            ++depth;
+        else if (c == ')' && --depth == 0)
+            break;
         mDecoded.push_back(c);
     }
     mToken.mKind = depth == 0 ? TOKEN_STRING : TOKEN_INVALID;

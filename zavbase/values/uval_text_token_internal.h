@@ -9,9 +9,9 @@ namespace zav_text {
 
 /// What a byte means where a token begins and where a word goes on.
 enum CharClass : unsigned char {
-    CHAR_BLANK = 1,      ///< separates tokens
-    CHAR_DELIMITER = 2,  ///< one of ( ) < > [ ] { }
-    CHAR_STOP = 4,       ///< NUL: the end of the text, or a byte that no word may hold
+    CHAR_BLANK = 1,     ///< separates tokens
+    CHAR_DELIMITER = 2, ///< one of ( ) < > [ ] { }
+    CHAR_STOP = 4,      ///< NUL: the end of the text, or a byte that no word may hold
     CHAR_DIGIT = 8,
     CHAR_IN_STRING = 16, ///< one of ( ) \ NUL: what a string must look at
     CHAR_QUOTED = 32,    ///< not allowed in a key that is written as a name
@@ -30,7 +30,8 @@ struct CharTable {
 constexpr CharTable::CharTable() : mClass{} {
     for (int c = 0; c < 256; ++c)
         if (c < 0x20 || c > 0x7E) mClass[c] = CHAR_QUOTED | CHAR_ESCAPED;
-    for (char c : {' ', '\t', '\n', '\v', '\f', '\r'}) mClass[static_cast<unsigned char>(c)] |= CHAR_BLANK | CHAR_QUOTED;
+    for (char c : {' ', '\t', '\n', '\v', '\f', '\r'})
+        mClass[static_cast<unsigned char>(c)] |= CHAR_BLANK | CHAR_QUOTED;
     for (char c : {'(', ')', '<', '>', '[', ']', '{', '}'})
         mClass[static_cast<unsigned char>(c)] |= CHAR_DELIMITER | CHAR_QUOTED;
     for (char c = '0'; c <= '9'; ++c) mClass[static_cast<unsigned char>(c)] |= CHAR_DIGIT;
@@ -47,7 +48,7 @@ extern const char* const gKeywords[KEYWORD_COUNT];
 constexpr int NO_KEYWORD = -1;
 
 enum TokenKind : unsigned char {
-    TOKEN_END,         ///< the text is at its end
+    TOKEN_END, ///< the text is at its end
     TOKEN_INTEGER,
     TOKEN_REAL,
     TOKEN_STRING,
@@ -56,14 +57,15 @@ enum TokenKind : unsigned char {
     TOKEN_DICT_END,
     TOKEN_ARRAY,
     TOKEN_ARRAY_END,
-    TOKEN_INVALID      ///< no token: a stray keyword, an unknown word, a brace, a string without end
+    TOKEN_INVALID ///< no token: a stray keyword, an unknown word, a brace, a string without end
 };
 
 struct Token {
     TokenKind mKind = TOKEN_END;
     int32_t mInteger = 0;
     double mReal = 0;
-    const char* mText = nullptr;  ///< of a name or string, without "/" and parentheses; valid until the next token
+    const char* mText =
+        nullptr; ///< of a name or string, without "/" and parentheses; valid until the next token
     size_t mLength = 0;
     const char* mStart = nullptr; ///< where it begins in the text
     bool mDecoded = false;        ///< mText is not part of the text, because the string had escapes

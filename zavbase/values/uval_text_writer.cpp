@@ -50,7 +50,10 @@ public:
     }
     void Char(char c) { mText.push_back(c); }
     void Text(const char* text, size_t length) { mText.append(text, length); }
-    template <size_t N> void Literal(const char (&text)[N]) { mText.append(text, N - 1); }
+    template <size_t N>
+    void Literal(const char (&text)[N]) {
+        mText.append(text, N - 1);
+    }
     void Indent(int n);
     void Integer(int32_t value);
     void Real(double value, int decimals);
@@ -79,7 +82,8 @@ void Output::Integer(int32_t value) {
     char digits[12];
     char* end = digits + sizeof digits;
     bool negative = value < 0;
-    char* start = PutDigits(end, negative ? 0u - static_cast<uint32_t>(value) : static_cast<uint32_t>(value), 1);
+    char* start =
+        PutDigits(end, negative ? 0u - static_cast<uint32_t>(value) : static_cast<uint32_t>(value), 1);
     if (negative) *--start = '-';
     mText.append(start, end);
 }
@@ -98,7 +102,8 @@ void Output::Real(double value, int decimals) {
     char* end = digits + sizeof digits;
     char* start = PutDigits(end, millionths, 6);
     *--start = '.';
-    start = whole <= 0xFFFFFFFF ? PutDigits(start, static_cast<uint32_t>(whole), 1) : PutDigits(start, whole, 1);
+    start =
+        whole <= 0xFFFFFFFF ? PutDigits(start, static_cast<uint32_t>(whole), 1) : PutDigits(start, whole, 1);
     if (std::signbit(value)) *--start = '-';
     mText.append(start, end);
 }
@@ -106,13 +111,23 @@ void Output::Real(double value, int decimals) {
 void Output::Escaped(unsigned char c) {
     mText.push_back('\\');
     switch (c) {
-    case '\t': mText.push_back('t'); break;
-    case '\n': mText.push_back('n'); break;
-    case '\f': mText.push_back('f'); break;
-    case '\r': mText.push_back('r'); break;
+    case '\t':
+        mText.push_back('t');
+        break;
+    case '\n':
+        mText.push_back('n');
+        break;
+    case '\f':
+        mText.push_back('f');
+        break;
+    case '\r':
+        mText.push_back('r');
+        break;
     case '(':
     case ')':
-    case '\\': mText.push_back(static_cast<char>(c)); break;
+    case '\\':
+        mText.push_back(static_cast<char>(c));
+        break;
     default:
         mText.push_back(static_cast<char>('0' + (c >> 6)));
         mText.push_back(static_cast<char>('0' + ((c >> 3) & 7)));
@@ -154,24 +169,28 @@ private:
     void Open(ZAV_UValDict& dict);
     void WriteNext();
     void WriteValue(ZAV_UVal& value);
-    template <class PutElement> void WriteNumbers(ZAV_UVal& value, PutElement put);
+    template <class PutElement>
+    void WriteNumbers(ZAV_UVal& value, PutElement put);
     void WriteIntegers(ZAV_UVal& value);
     void WriteReals(ZAV_UVal& value);
     void WriteStrings(ZAV_UVal& value);
-    template <class Typed> void WriteTexts(Typed& value);
+    template <class Typed>
+    void WriteTexts(Typed& value);
     void WritePointers(ZAV_UVal& value);
     void WriteKeyword(ZAV_UValType type);
 
     std::ostream& mStream;
     Output mOut;
-    int mIndent;                         // of the innermost open dictionary
+    int mIndent; // of the innermost open dictionary
     int mDecimals;
-    std::vector<ZAV_AssocUVal*> mNext;   // of each open dictionary: the entry to be written next
+    std::vector<ZAV_AssocUVal*> mNext; // of each open dictionary: the entry to be written next
 };
 
 void Writer::Write(ZAV_UVal& value) {
-    if (value.GetType() == UVAL_DICT) Open(static_cast<ZAV_UValDict&>(value));
-    else WriteValue(value);
+    if (value.GetType() == UVAL_DICT)
+        Open(static_cast<ZAV_UValDict&>(value));
+    else
+        WriteValue(value);
     while (!mNext.empty()) WriteNext();
     mOut.Flush();
 }
@@ -218,13 +237,22 @@ void Writer::WriteValue(ZAV_UVal& value) {
     case UVAL_SHORT:
     case UVAL_USHORT:
     case UVAL_LONG:
-    case UVAL_ULONG: WriteIntegers(value); break;
+    case UVAL_ULONG:
+        WriteIntegers(value);
+        break;
     case UVAL_FLOAT:
-    case UVAL_DOUBLE: WriteReals(value); break;
+    case UVAL_DOUBLE:
+        WriteReals(value);
+        break;
     case UVAL_STRING:
-    case UVAL_UTFSTRING: WriteStrings(value); break;
-    case UVAL_PTR: WritePointers(value); break;
-    default: break;
+    case UVAL_UTFSTRING:
+        WriteStrings(value);
+        break;
+    case UVAL_PTR:
+        WritePointers(value);
+        break;
+    default:
+        break;
     }
 }
 

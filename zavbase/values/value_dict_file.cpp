@@ -13,7 +13,13 @@
 
 namespace {
 
-enum FileCode : unsigned short { INVALID_FILE = 2, OPEN_READ_ERROR = 3, OPEN_WRITE_ERROR = 4, READ_ERROR = 6, WRITE_ERROR = 7 };
+enum FileCode : unsigned short {
+    INVALID_FILE = 2,
+    OPEN_READ_ERROR = 3,
+    OPEN_WRITE_ERROR = 4,
+    READ_ERROR = 6,
+    WRITE_ERROR = 7
+};
 
 // The first byte of a binary file, the header of its first atom. No text begins with it.
 constexpr char BINARY_MARK = BINPACK_16;
@@ -94,9 +100,10 @@ void ReadBinary(const WholeFile& file, ZAV_UValDict& dict) {
         ZAV_BinPackAtom sizeAtom(BINPACK_16, 1, &magicSize);
         ZAV_BinPackAtom magicAtom(BINPACK_BLOCK, sizeof magic, magic);
         ZAV_BinPackUValDict packer(dict);
-        isValid = !sizeAtom.Get(&cursor, limit) && magicSize == gMagicSize && !magicAtom.Get(&cursor, limit) &&
-                  std::char_traits<char>::compare(magic, gMagic, sizeof magic) == 0 && !packer.Get(&cursor, limit) &&
-                  cursor == limit;
+        isValid = !sizeAtom.Get(&cursor, limit) && magicSize == gMagicSize &&
+                  !magicAtom.Get(&cursor, limit) &&
+                  std::char_traits<char>::compare(magic, gMagic, sizeof magic) == 0 &&
+                  !packer.Get(&cursor, limit) && cursor == limit;
     } catch (ZAV_BinPackException* e) {
         e->Delete();
     }
@@ -118,7 +125,8 @@ void ReadText(const WholeFile& file, const ZAV_String& name, std::unique_ptr<ZAV
 // The top of a file must be a dictionary.
 ZAV_UValDict& DictIn(const WholeFile& file, ZAV_UVal& value) {
     if (value.GetType() != UVAL_DICT) {
-        zav_text::SetTextError(zav_text::HIERARCHY_ERROR, zav_text::Place(), file.Data(), file.Data() + file.Size());
+        zav_text::SetTextError(zav_text::HIERARCHY_ERROR, zav_text::Place(), file.Data(),
+                               file.Data() + file.Size());
         ZAV_ThrowFileException(INVALID_FILE, 0);
     }
     return static_cast<ZAV_UValDict&>(value);
@@ -170,7 +178,7 @@ void ZAV_UValDict::WriteBinFile(const ZAV_SystemString& file) {
     uint16_t magicSize = gMagicSize;
     ZAV_BinPackAtom sizeAtom(BINPACK_16, 1, &magicSize);
     ZAV_BinPackAtom magicAtom(BINPACK_BLOCK, sizeof gMagic, const_cast<char*>(gMagic));
-    ZAV_BinPackUValDict packer(*this, B_FALSE);  // a file that is not finished does not appear
+    ZAV_BinPackUValDict packer(*this, B_FALSE); // a file that is not finished does not appear
     std::unique_ptr<unsigned char[]> buffer(new unsigned char[PIECE]);
     unsigned char* cursor = buffer.get();
     const unsigned char* limit = cursor + PIECE;

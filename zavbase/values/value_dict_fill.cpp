@@ -61,8 +61,10 @@ std::unique_ptr<ZAV_UValDict> ZAV_UValDict::Filler::Make(Chain& chain, bool* all
     TakeHashes(chain);
     *allNew = Play(NEW_BITS);
     std::unique_ptr<ZAV_UValDict> dict(new ZAV_UValDict(*allNew ? 1u << (mNbits - 1) : 16));
-    if (*allNew) Store(*dict, chain);
-    else *allNew = FillOneByOne(*dict, chain.Release());
+    if (*allNew)
+        Store(*dict, chain);
+    else
+        *allNew = FillOneByOne(*dict, chain.Release());
     return dict;
 }
 
@@ -92,7 +94,8 @@ bool ZAV_UValDict::Filler::FillOneByOne(ZAV_UValDict& dict, ZAV_AssocUVal* first
     return allNew;
 }
 
-// False for a key that comes twice, and for hashes that collide so much that a side index is wanted on the way.
+// False for a key that comes twice, and for hashes that collide so much that a side index is wanted on the
+// way.
 bool ZAV_UValDict::Filler::Play(uint32_t nbits) {
     if (nbits < 2) return false;
     mNbits = nbits;
@@ -113,7 +116,8 @@ bool ZAV_UValDict::Filler::Place(uint32_t entry, bool isNew) {
 
 bool ZAV_UValDict::Filler::IsTwice(uint32_t a, uint32_t b) const {
     const ZAV_AssocUVal &x = *mEntries[a], &y = *mEntries[b];
-    return mHashes[a] == mHashes[b] && x.mKeyLength == y.mKeyLength && std::memcmp(x.mKey, y.mKey, x.mKeyLength) == 0;
+    return mHashes[a] == mHashes[b] && x.mKeyLength == y.mKeyLength &&
+           std::memcmp(x.mKey, y.mKey, x.mKeyLength) == 0;
 }
 
 bool ZAV_UValDict::Filler::Grow() {

@@ -46,11 +46,11 @@ struct ZAV_LOCAL ZAV_UValDict::Fields {
 };
 
 /// Puts many entries at once into a dictionary. The result is what SetEntry would make of them one after
-/// the other, slot for slot; but the table's growth is played through on numbers, and only the last table is made.
-/// Keep one for many dictionaries: it keeps its memory.
+/// the other, slot for slot; but the table's growth is played through on numbers, and only the last table is
+/// made. Keep one for many dictionaries: it keeps its memory.
 struct ZAV_LOCAL ZAV_UValDict::Filler {
-    /// Empties the chain. False if a key was there already or came twice; the later value is then the one that
-    /// stays.
+    /// Empties the chain. False if a key was there already or came twice; the later value is then the one
+    /// that stays.
     bool Fill(ZAV_UValDict& dict, Chain& chain);
     /// The same into a new dictionary, at first of capacity 16, which is the caller's.
     std::unique_ptr<ZAV_UValDict> Make(Chain& chain, bool* allNew);
@@ -59,7 +59,7 @@ private:
     static constexpr uint32_t NONE = 0xFFFFFFFF;
     static constexpr uint32_t LONGEST_PROBE = 48;
 
-    static constexpr uint32_t NEW_BITS = 5;  // of the table of a new dictionary
+    static constexpr uint32_t NEW_BITS = 5; // of the table of a new dictionary
 
     void TakeHashes(const Chain& chain);
     void Store(ZAV_UValDict& dict, Chain& chain);
@@ -70,8 +70,8 @@ private:
     static bool FillOneByOne(ZAV_UValDict& dict, ZAV_AssocUVal* first);
 
     std::vector<ZAV_AssocUVal*> mEntries;
-    std::vector<uint32_t> mHashes;  // of the entries
-    std::vector<uint32_t> mSlots;   // the table: numbers of entries, or NONE
+    std::vector<uint32_t> mHashes; // of the entries
+    std::vector<uint32_t> mSlots;  // the table: numbers of entries, or NONE
     std::vector<uint32_t> mOld;
     uint32_t mNbits = 0;
 };
