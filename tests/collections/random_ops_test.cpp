@@ -1,16 +1,10 @@
 // Random operations on every collection beside a plain model. After each the whole of what can be seen is
 // compared: elements and their order, sizes, counts, ends, results.
-#include <zavbase/collections/bag.h>
-#include <zavbase/collections/iterator.h>
-#include <zavbase/collections/linked_list.h>
-#include <zavbase/collections/nil.h>
-#include <zavbase/collections/stack.h>
+#include <zavbase/zavbase.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
-#include <memory>
 #include <random>
 
 #include "tests/support/probe.h"

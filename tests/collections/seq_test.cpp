@@ -1,15 +1,9 @@
 // Arrays, ordered collections, stacks and lists: what random operations do not reach.
-#include <zavbase/collections/assoc.h>
-#include <zavbase/collections/clt_string.h>
-#include <zavbase/collections/iterator.h>
-#include <zavbase/collections/linked_list.h>
-#include <zavbase/collections/nil.h>
-#include <zavbase/collections/stack.h>
+#include <zavbase/zavbase.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 #include <random>
 
 #include "tests/support/printed.h"

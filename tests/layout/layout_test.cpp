@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <cstddef>
-#include <vector>
 
 namespace {
 

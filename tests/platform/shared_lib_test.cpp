@@ -1,6 +1,4 @@
-#include <zavbase/platform/shared_lib.h>
-
-#include <zavbase/values/value_dict.h>
+#include <zavbase/zavbase.h>
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "tests/support/child_process.h"
 #include "tests/support/file_support.h"
 

@@ -5,8 +5,7 @@
 
 #include "tests/support/file_support.h"
 
-#include <zavbase/i18n/i18n_msg.h>
-#include <zavbase/i18n/i18n_resource.h>
+#include <zavbase/zavbase.h>
 
 namespace {
 

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <sstream>
-#include <string>
 
 #include <zavbase/strings/byte_string.h>
 

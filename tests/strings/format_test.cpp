@@ -2,8 +2,6 @@
 
 #include <clocale>
 #include <cmath>
-#include <cstdint>
-#include <limits>
 
 #include <zavbase/strings/utf_string.h>
 

@@ -2,11 +2,7 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <limits>
 #include <random>
-#include <string>
 
 #include <zavbase/strings/byte_string.h>
 #include <zavbase/strings/number_text_internal.h>

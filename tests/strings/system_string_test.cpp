@@ -1,15 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <string>
 
 #include <tests/support/printed.h>
 #include <tests/support/trace_capture.h>
-#include <zavbase/strings/system_string.h>
-#include <zavbase/strings/text_encoding.h>
-#include <zavbase/values/config.h>
-#include <zavbase/values/uval_types.h>
-#include <zavbase/values/value_dict.h>
+#include <zavbase/zavbase.h>
 
 namespace {
 

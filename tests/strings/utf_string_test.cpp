@@ -1,10 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <memory>
 #include <random>
-#include <sstream>
-#include <string>
 
 #include <zavbase/strings/utf_string.h>
 

@@ -1,7 +1,5 @@
 #include "../../tools/zavconf/json.h"
 
-#include <sstream>
-
 #include <gtest/gtest.h>
 
 #include "../support/printed.h"

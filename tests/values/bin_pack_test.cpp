@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <zavbase/collections/iterator.h>
-#include <zavbase/values/bin_pack.h>
-
 #include "../support/file_support.h"
 
 namespace {

@@ -3,8 +3,6 @@
 #include <tests/support/file_support.h>
 #include <tests/support/trace_capture.h>
 #include <tests/values/text_support.h>
-#include <zavbase/strings/system_string.h>
-#include <zavbase/values/config.h>
 
 namespace {
 

@@ -1,9 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <tuple>
-#include <vector>
-
 #include <tests/support/printed.h>
 #include <zavbase/values/dict_path.h>
 

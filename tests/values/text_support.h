@@ -1,15 +1,9 @@
 #ifndef ZAVBASE_TESTS_VALUES_TEXT_SUPPORT_H
 #define ZAVBASE_TESTS_VALUES_TEXT_SUPPORT_H
 
-#include <memory>
-#include <sstream>
-#include <string>
-
 #include <tests/support/printed.h>
 #include <tests/support/thrown.h>
-#include <zavbase/values/uval_text.h>
-#include <zavbase/values/uval_types.h>
-#include <zavbase/values/value_dict.h>
+#include <zavbase/zavbase.h>
 
 typedef std::unique_ptr<ZAV_UVal> UValOwner;
 

@@ -1,6 +1,5 @@
 #include "text_support.h"
 
-#include <iomanip>
 #include <locale>
 
 #include <gtest/gtest.h>

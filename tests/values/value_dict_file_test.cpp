@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <zavbase/strings/system_string.h>
-#include <zavbase/values/bin_pack.h>
-
 #include "../support/file_support.h"
 
 namespace {

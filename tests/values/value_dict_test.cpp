@@ -1,16 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <random>
-#include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include <tests/support/trace_capture.h>
 #include <tests/values/text_support.h>
-#include <zavbase/foundation/error.h>
-#include <zavbase/values/check_param.h>
 
 namespace {
 
