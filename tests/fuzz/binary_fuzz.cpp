@@ -2,13 +2,9 @@
 // is packed to bytes that read to the same.
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
 #include <cstdlib>
-#include <string>
 
-#include <zavbase/values/bin_pack.h>
-#include <zavbase/values/value_dict.h>
+#include <zavbase/zavbase.h>
 
 namespace {
 

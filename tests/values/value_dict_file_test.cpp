@@ -42,15 +42,6 @@ TEST(ValueDictFile, ReadingMergesEitherForm) {
     }
 }
 
-TEST(ValueDictFile, ReadsANamedDictionaryOutOfATextFile) {
-    TestFolder folder;
-    PutFile(folder.Path("f"), "<< /one << /a 1 >> /two << /b 2 >> this is never read");
-    ZAV_UValDict dict(16);
-    dict.ReadTextFile(folder.Path("f").c_str(), "two");
-    dict.ReadTextFile(folder.Path("f").c_str(), "three");
-    EXPECT_EQ(Printed(dict), "    |- b => (Long)2\n");
-}
-
 TEST(ValueDictFile, ABadFileIsToldByItsCodeAndAddsNothing) {
     TestFolder folder;
     const std::string path = folder.Path("bad");
