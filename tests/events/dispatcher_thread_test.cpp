@@ -1,13 +1,4 @@
-#include <atomic>
-#include <memory>
 #include <random>
-#include <thread>
-#include <vector>
-
-#include <zavbase/events/timer_mgr.h>
-#include <zavbase/foundation/exception.h>
-#include <zavbase/foundation/new_handler.h>
-#include <zavbase/threads/semaphore.h>
 
 #include "scripted.h"
 #include "tests/support/on_threads.h"

@@ -1,14 +1,9 @@
 #ifndef ZAVBASE_TESTS_EVENTS_SCRIPTED_H
 #define ZAVBASE_TESTS_EVENTS_SCRIPTED_H
 
-#include <functional>
-#include <utility>
-
 #include <gtest/gtest.h>
 
-#include <zavbase/events/ev_dispatcher.h>
-#include <zavbase/events/event.h>
-#include <zavbase/events/listener.h>
+#include <zavbase/zavbase.h>
 
 /// Wants everything gone at the end of the test that was made since its beginning.
 class EventsTest : public testing::Test {

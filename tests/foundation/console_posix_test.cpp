@@ -1,5 +1,4 @@
-#include <zavbase/foundation/new_handler.h>
-#include <zavbase/foundation/trace_stream.h>
+#include <zavbase/zavbase.h>
 
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -8,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 
 #include "tests/support/file_support.h"
@@ -75,11 +73,4 @@ TEST_F(Viewer, InAFolderOpenToOthersIsNotTrusted) {
     EXPECT_EQ("", Receive());
     char small[5];
     EXPECT_FALSE(ZAV_GetTraceChannel(small, sizeof small));
-}
-
-// Without SetNewHandler a failed allocation says so and ends the process with status 0. (Where that is a
-// message box, this test would wait for somebody to close it.)
-TEST(FatalDeathTest, TheDefaultPolicyEndsTheProcess) {
-    EXPECT_EXIT(std::get_new_handler()(), ::testing::ExitedWithCode(0),
-                "^Fatal Error: Memory Allocation Error, program will abort!\n$");
 }

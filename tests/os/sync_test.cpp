@@ -1,21 +1,9 @@
 #include <zavbase/os/clock.h>
-#include <zavbase/os/error.h>
 #include <zavbase/os/sync.h>
-#include <zavbase/os/thread.h>
 
 #include <gtest/gtest.h>
 
 using namespace zav_os;
-
-TEST(OsThread, NoHandleIsAnErrorOfTheSystem) {
-    int priority = 0;
-    EXPECT_EQ(Wait::Failed, ThreadWait(0, 0));
-    EXPECT_NE(0u, LastError());
-    EXPECT_NE(0u, SetThreadPriority(0, 1));
-    EXPECT_NE(0u, GetThreadPriority(0, priority));
-    EXPECT_EQ(-1, WaitForAny(nullptr, 0));
-    EXPECT_NE(0u, LastError());
-}
 
 TEST(OsSemaphore, KeepsItsUnitsWithinThirtyOneBits) {
     Word semaphore;

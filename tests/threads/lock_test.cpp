@@ -1,19 +1,11 @@
 #include <tests/support/on_threads.h>
 #include <tests/threads/platform.h>
 
-#include <zavbase/threads/monitor.h>
-#include <zavbase/threads/read_write_lock.h>
-#include <zavbase/threads/semaphore.h>
-#include <zavbase/threads/signaller.h>
+#include <zavbase/zavbase.h>
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <functional>
-#include <memory>
 #include <random>
-#include <thread>
-#include <vector>
 
 namespace {
 
@@ -112,11 +104,9 @@ void CompareRandomly(unsigned seed, const std::vector<GuardKind>& kinds) {
 TEST(Locks, LetOneThreadInAtATime) {
     const auto mutex = [](auto& lock) { return ZAV_Mutex::Lock(lock, B_FALSE); };
     const auto reentrant = [](auto& lock) { return ZAV_ReentrantMutex::Lock(lock, B_FALSE); };
-    const auto signaller = [](auto& lock) { return ZAV_MutexSignaller::Lock(lock); };
     const auto monitor = [](auto& lock) { return typename std::decay_t<decltype(lock)>::Lock(&lock); };
     LetsOneThreadInAtATime<ZAV_Mutex>(mutex, mutex);
     LetsOneThreadInAtATime<ZAV_ReentrantMutex>(reentrant, reentrant);
-    LetsOneThreadInAtATime<ZAV_MutexSignaller>(signaller, signaller);
     LetsOneThreadInAtATime<ZAV_Monitor>(monitor, monitor);
     LetsOneThreadInAtATime<ZAV_ReentrantMonitor>(monitor, monitor);
     LetsOneThreadInAtATime<RW>([](auto& lock) { return RW::WriteLock(lock, B_FALSE); },

@@ -1,7 +1,6 @@
 // Threads and times with replaced system calls: no thread is ever started.
 
-#include <zavbase/threads/thread.h>
-#include <zavbase/threads/time.h>
+#include <zavbase/zavbase.h>
 
 #include <zavbase/os/clock.h>
 #include <zavbase/os/error.h>
@@ -10,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <vector>
 
 namespace {
 

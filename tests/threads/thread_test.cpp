@@ -1,18 +1,9 @@
 #include <tests/support/on_threads.h>
 #include <tests/threads/platform.h>
 
-#include <zavbase/threads/thread.h>
-
-#include <zavbase/foundation/exception.h>
-#include <zavbase/threads/semaphore.h>
+#include <zavbase/zavbase.h>
 
 #include <gtest/gtest.h>
-
-#include <atomic>
-#include <functional>
-#include <memory>
-#include <string>
-#include <thread>
 
 namespace {
 
@@ -142,12 +133,9 @@ TEST(Thread, PriorityIsCutToTheRange) {
     EXPECT_NE(0, w.GetPriority(&priority)) << "not started";
     EXPECT_EQ(0, priority);
     w.Begin();
-    // Raising it may be refused.
-    for (const int cut : {-15, 15})
-        if (w.SetPriority(cut * 7) == 0 || cut < 0) {
-            EXPECT_EQ(0, w.GetPriority(&priority));
-            EXPECT_EQ(cut, priority);
-        }
+    EXPECT_EQ(0, w.SetPriority(-105)); // raising it may be refused
+    EXPECT_EQ(0, w.GetPriority(&priority));
+    EXPECT_EQ(-15, priority);
     w.StopThread();
 }
 
@@ -183,14 +171,9 @@ TEST(Thread, ManyBeginningsAndEndsLeaveNothingBehind) {
 }
 
 TEST(ThreadError, TextsAreLookedUpAsUnsignedNumbers) {
-    ZAV_ThreadErrorStrEntry table[] = {{0, "A"}, {22, "B"}, {40, nullptr}, {0x7FFFFFFF, "C"}, {-1, "D"}};
-    EXPECT_STREQ("", ZAV_ThreadError(5).String());
-    EXPECT_EQ(nullptr, ZAV_ThreadError::SetStringTable(table));
-    EXPECT_STREQ("", ZAV_ThreadError(23).String());
-    EXPECT_EQ(nullptr, ZAV_ThreadError::SetNoString("none"));
-    const ZAV_ThreadErrorStrEntry rows[] = {{0, "A"}, {5, "B"}, {40, "none"}, {0x7FFFFFFF, "C"}};
-    for (const auto& row : rows) EXPECT_STREQ(row.text, ZAV_ThreadError(row.code).String());
+    ZAV_ThreadErrorStrEntry table[] = {{0, "A"}, {22, "B"}, {-1, "D"}};
+    ZAV_ThreadError::SetStringTable(table);
+    EXPECT_STREQ("B", ZAV_ThreadError(5).String()) << "the next code that has a text";
     EXPECT_STREQ("D", ZAV_ThreadError().String()) << "no result yet is the highest code";
     EXPECT_EQ(table, ZAV_ThreadError::SetStringTable(nullptr));
-    EXPECT_STREQ("none", ZAV_ThreadError::SetNoString(nullptr));
 }
