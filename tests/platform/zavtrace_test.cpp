@@ -13,14 +13,6 @@ TEST(TraceLines, PiecesOfSeveralProgramsBecomeLines) {
     EXPECT_EQ(65537u, all.Take(1, std::string(65536, 'x')).size());
 }
 
-TEST(TraceLines, OnlyMatchingLinesAreKept) {
-    TraceLines some("rror");
-    EXPECT_EQ("", some.Take(1, "Er"));
-    EXPECT_EQ("Error 5\n", some.Take(1, "ror 5\nfine\n"));
-    some.Take(1, "rest");
-    EXPECT_EQ("", some.Rest());
-}
-
 TEST(Harmless, WhatCouldSteerATerminalIsWrittenOut) {
     EXPECT_EQ("\\033[2J\\007\\177", Harmless("\x1B[2J\a\x7F"));
     EXPECT_EQ("a\\011\\012", Harmless("a\t\n"));

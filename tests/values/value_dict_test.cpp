@@ -136,6 +136,9 @@ TEST(ValueDict, CaseIsIgnoredWhereTheDictionarySaysSo) {
     EXPECT_EQ("width=4 sub{Inner=2}", Show(dict));
     both.CopyTo(&dict);
     EXPECT_EQ("width=3 sub{Inner=2} a=2", Show(dict));
+    dict.Clear();
+    both.CopyTo(&dict);
+    EXPECT_EQ("a=2 WIDTH=3", Show(dict)) << "into an empty one, too";
 }
 
 /// Against a plain list: keys that collide in the table, with all the ways to change and to look. Now and
@@ -259,6 +262,7 @@ TEST(ValueDict, ElementsByPath) {
     EXPECT_EQ(4294967295ull, dict.GetValue("n", 0ull, 1)) << "which a text constant does not reach";
     EXPECT_EQ(nullptr, dict.GetValue("n", nullptr));
     EXPECT_STREQ("-1", dict.GetValue("n", ZAV_String("?"), 1).Ptr());
+    EXPECT_STREQ("", dict.GetValue("s", "?"));
     dict.SetValue("s", ZAV_UTFString("\xE2\x82\xAC"));
     EXPECT_EQ(1u, dict.GetValue("s", ZAV_UTFString()).Length());
     dict.SetValue("p", static_cast<void*>(&dict));
