@@ -12,17 +12,18 @@
 // back 64 at a time. Free blocks themselves are not written to: most have left the processor's cache.
 namespace {
 
-// Sizes are powers of two, so that no block lies across more cache lines than it must.
-const std::size_t kSmallest = 32, kLargest = 128;
-const std::size_t kClasses = 3;
+// The sizes of values, entries and events with a number or two, and what lies between.
+const std::size_t kSizes[] = {32, 48, 64, 112, 128};
+const std::size_t kClasses = sizeof kSizes / sizeof *kSizes;
+const std::size_t kLargest = kSizes[kClasses - 1];
+const std::size_t kStep = 16;
+const unsigned char kClassOfSteps[kLargest / kStep + 1] = {0, 0, 0, 1, 2, 3, 3, 3, 4};
 const std::size_t kCacheLine = 64;
 const unsigned kMagazineSize = 64;
 const std::size_t kFirstSlab = kLargest * kMagazineSize, kLargestSlab = 2 << 20;
 const unsigned kAhead = 3; // blocks that the processor is told of before they are needed
 
-std::size_t ClassOf(std::size_t size) {
-    return static_cast<std::size_t>(std::bit_width((size - 1) / kSmallest));
-}
+std::size_t ClassOf(std::size_t size) { return kClassOfSteps[(size + kStep - 1) / kStep]; }
 
 struct Magazine {
     Magazine* next;
@@ -115,14 +116,13 @@ void NewSlab(Slab& slab) {
     zav_os::AdviseRandomUse(slab.next, size);
 }
 
-// A slab holds a whole number of magazines of any class.
 void Fill(std::size_t c, Magazine* magazine) {
-    const std::size_t size = kSmallest << c;
+    const std::size_t size = kSizes[c];
     char* first;
     {
         Depot& depot = theDepots[c];
         std::lock_guard<std::mutex> guard(depot.lock);
-        if (depot.slab.left == 0) NewSlab(depot.slab);
+        if (depot.slab.left < size * kMagazineSize) NewSlab(depot.slab);
         first = depot.slab.next;
         depot.slab.next += size * kMagazineSize;
         depot.slab.left -= size * kMagazineSize;
