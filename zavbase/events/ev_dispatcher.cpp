@@ -35,6 +35,24 @@ private:
     ZAV_EvPort& mPort;
 };
 
+// The time from when posts see the dispatcher sleep; under its signaller.
+class Sleeping {
+public:
+    Sleeping(ZAV_EvPort& port, std::atomic<std::int32_t>& waiting) : mPort(port), mWaiting(waiting) {
+        mWaiting = 1;
+    }
+    ~Sleeping() {
+        mWaiting = 0;
+        mPort.EndSleep();
+    }
+    Sleeping(const Sleeping&) = delete;
+    Sleeping& operator=(const Sleeping&) = delete;
+
+private:
+    ZAV_EvPort& mPort;
+    std::atomic<std::int32_t>& mWaiting;
+};
+
 } // namespace
 
 int ZAV_EvDispatcher::instance_counter = 0;
@@ -182,10 +200,16 @@ void ZAV_EvDispatcher::DispatchBatch() {
         PollListeners();
         if (port.AtHand() < rest) rest = (std::min)(rest, port.Collect());
         if (rest == 0) return;
-        std::unique_ptr<ZAV_Event> event(port.Take()); // the host's print of it may throw
+        ZAV_Event* const event = port.Take();
+        if (event == nullptr) return;
         if (event->mPriority < 1) --rest;
-        ZAV_BASE_TRACE(0x0200, "DispatchEvent : event" << *event);
-        DispatchEvent(event.release());
+        try {
+            ZAV_BASE_TRACE(0x0200, "DispatchEvent : event" << *event);
+        } catch (...) { // the host's print of it
+            port.DiscardTaken(event);
+            throw;
+        }
+        DispatchEvent(event);
     } while (rest != 0);
 }
 
@@ -293,14 +317,12 @@ void ZAV_EvDispatcher::Sleep(unsigned seenChanges) {
     ZAV_EvPort& port = Port();
     ZAV_MutexSignaller::Lock lock(mSignaller);
     if (port.mChanges != seenChanges || !port.BeginSleep()) return;
-    mWaiting = 1;
+    const Sleeping sleeping(port, mWaiting);
     const std::uint32_t interval = port.mWakeUpInterval;
     if (interval != 0)
         lock.TimedWait(static_cast<int>(interval * 1000));
     else
         lock.Wait();
-    mWaiting = 0;
-    port.EndSleep();
 }
 
 void ZAV_EvDispatcher::Finish() {
@@ -313,7 +335,8 @@ void ZAV_EvDispatcher::Finish() {
 void ZAV_EvDispatcher::Cleanup() {
     ZAV_EvPort& port = Port();
     const ZAV_EvPort::Dispatching here(port);
-    while (ZAV_Event* event = port.TakeToDiscard()) ZAV_EvPort::Discard(event);
+    while (port.DiscardNext()) {
+    }
 }
 
 void ZAV_EvDispatcher::SetEventTracer(EventTracerFn fn) {

@@ -6,6 +6,7 @@
 #include <zavbase/events/ev_dispatcher.h>
 #include <zavbase/events/ev_registration_internal.h>
 #include <zavbase/events/event.h>
+#include <zavbase/foundation/exception.h>
 
 namespace {
 
@@ -15,18 +16,17 @@ thread_local constinit ZAV_EvPort::Dispatching* tDispatching = nullptr; // the i
 
 ZAV_EvPort::Dispatching::Dispatching(ZAV_EvPort& port)
     : mPort(port), mOuter(tDispatching), mAgain(IsDispatchedBy(mOuter)) {
-    if (!mAgain) {
-        mPort.mDispatched.store(true, std::memory_order_relaxed);
-        mPort.mQueueLock.lock();
-    }
     tDispatching = this;
+    if (mAgain) return;
+    mPort.mDispatched.exchange(true);
+    // Waits for who is just posting. The lock is not kept: a handler may end its thread without returning.
+    mPort.mQueueLock.lock();
+    mPort.mQueueLock.unlock();
 }
 
 ZAV_EvPort::Dispatching::~Dispatching() {
     tDispatching = mOuter;
-    if (mAgain) return;
-    mPort.mQueueLock.unlock();
-    mPort.mDispatched.store(false, std::memory_order_relaxed);
+    if (!mAgain) mPort.mDispatched.store(false);
 }
 
 bool ZAV_EvPort::Dispatching::IsDispatchedBy(const Dispatching* scope) const {
@@ -54,9 +54,7 @@ void ZAV_EvPort::Send(ZAV_EvRegistration* tie, ZAV_EvHandlerBody* handler, ZAV_E
     event->mDestination = handler;
     event->mPriority = static_cast<zav_long32>(priority);
     if (old != nullptr) old->LetGo();
-    if (Post(event, event->mPriority)) return;
-    HoldByEvent(event);
-    Discard(event);
+    if (!Post(event, event->mPriority)) DiscardTaken(event);
 }
 
 void ZAV_EvPort::Discard(ZAV_Event* event) {
@@ -90,14 +88,14 @@ void ZAV_EvPort::WakeOwner() {
     if (mOwner != nullptr) mOwner->Wake();
 }
 
-// Those taken first: whoever sees an event taken sees it posted.
+// What was taken is read last, so that the result is never more than there were.
 std::uint32_t ZAV_EvPort::Length() const {
     std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
-    std::uint32_t length = 0 - mTaken.load(std::memory_order_acquire);
-    length += mPostedApart.load(std::memory_order_relaxed);
+    std::uint32_t length = mPostedApart.load(std::memory_order_acquire);
     for (const ZAV_EvRegistration* tie = mTies; tie != nullptr; tie = tie->NextOfPort())
         length += tie->Posted();
-    return length % kCountsEnd;
+    length = (length - mTaken.load(std::memory_order_relaxed)) % kCountsEnd;
+    return length < kCountsEnd / 2 ? length : 0;
 }
 
 std::uint32_t ZAV_EvPort::HighWater() {
@@ -115,16 +113,33 @@ bool ZAV_EvPort::PushAtOnce(ZAV_Event* event) {
     if (tDispatching != nullptr && &tDispatching->mPort == this) return PushHere(event);
     if (mDispatched.load(std::memory_order_relaxed) || !mQueueLock.try_lock()) return false;
     std::lock_guard<ZAV_SpinLock> lock(mQueueLock, std::adopt_lock);
-    return PushHere(event);
+    return !mDispatched.load() && PushHere(event);
 }
+
+// Says that the queue is being changed: a new-handler may be called then, and may post.
+class ZAV_EvPort::Sorting {
+public:
+    explicit Sorting(bool& flag) : mFlag(flag), mBefore(flag) { mFlag = true; }
+    ~Sorting() { mFlag = mBefore; }
+    Sorting(const Sorting&) = delete;
+    Sorting& operator=(const Sorting&) = delete;
+
+private:
+    bool& mFlag;
+    const bool mBefore;
+};
 
 // Behind what others posted before. False when closed, and without memory.
 bool ZAV_EvPort::PushHere(ZAV_Event* event) {
-    if (IsClosed()) return false;
+    if (IsClosed() || mSorting) return false;
+    const Sorting sorting(mSorting);
     const std::int32_t priority = event->mPriority;
     try {
         Collect();
         mQueue.Push(event);
+    } catch (ZAV_Exception* e) {
+        if (e != nullptr) e->Delete();
+        return false;
     } catch (...) {
         return false;
     }
@@ -134,8 +149,9 @@ bool ZAV_EvPort::PushHere(ZAV_Event* event) {
 }
 
 std::uint32_t ZAV_EvPort::Collect() {
+    const Sorting sorting(mSorting);
     const bool posted = mNewest.load(std::memory_order_relaxed) > kClosed;
-    if (mUnsorted != nullptr) SortIn(mUnsorted);
+    SortIn(mUnsorted);
     if (posted) SortIn(reinterpret_cast<ZAV_Event*>(mNewest.exchange(kNone)));
     return AtHand();
 }
@@ -160,6 +176,7 @@ ZAV_Event* ZAV_EvPort::Take() {
 
 // Until no post of a higher priority can have escaped: see Post.
 void ZAV_EvPort::Refill() {
+    const Sorting sorting(mSorting);
     do {
         Collect();
         mQueue.PutBack(mCurrent);
@@ -175,15 +192,27 @@ ZAV_Event* ZAV_EvPort::CountTaken(ZAV_Event* event) {
     return event;
 }
 
-ZAV_Event* ZAV_EvPort::TakeToDiscard() noexcept {
+bool ZAV_EvPort::DiscardNext() {
     ZAV_Event* event;
     try {
         event = Take();
+    } catch (ZAV_Exception* e) {
+        if (e != nullptr) e->Delete();
+        event = TakeUnordered();
     } catch (...) {
-        event = CountTaken(mUnsorted != nullptr ? TakeUnsorted() : mCurrent.TakeFirst());
+        event = TakeUnordered();
     }
-    if (event != nullptr) HoldByEvent(event);
-    return event;
+    if (event != nullptr) DiscardTaken(event);
+    return event != nullptr;
+}
+
+ZAV_Event* ZAV_EvPort::TakeUnordered() {
+    return CountTaken(mUnsorted != nullptr ? TakeUnsorted() : mCurrent.TakeFirst());
+}
+
+void ZAV_EvPort::DiscardTaken(ZAV_Event* event) {
+    HoldByEvent(event);
+    Discard(event);
 }
 
 ZAV_Event* ZAV_EvPort::TakeUnsorted() {

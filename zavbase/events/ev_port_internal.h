@@ -69,8 +69,10 @@ public:
     /// The number of events without those posted since Collect.
     std::uint32_t AtHand() const { return mCurrent.count + mQueue.Length(); }
     ZAV_Event* Take(); ///< the first event, or null
-    /// The same for events that need no order: it does not throw, and releases the event's handler.
-    ZAV_Event* TakeToDiscard() noexcept;
+    /// Destroys a taken event, after its EmergencyCleanup.
+    void DiscardTaken(ZAV_Event* event);
+    /// The same with the first event, or without memory with any; false when there is none.
+    bool DiscardNext();
     /// False, and nothing happens, when events are there. In the other case the next post wakes the owner.
     bool BeginSleep();
     void EndSleep();
@@ -97,6 +99,8 @@ private:
     static const std::uint32_t kLook = 32;
     static const std::uint32_t kCountsEnd = 1u << 31;
 
+    class Sorting;
+
     ~ZAV_EvPort() override;
     bool Post(ZAV_Event* event, std::int32_t priority);
     void NoteLength(std::uint32_t length);
@@ -107,6 +111,7 @@ private:
     void RaiseUrgent(std::int32_t priority);
     void SortIn(ZAV_Event* newest);
     ZAV_Event* TakeUnsorted();
+    ZAV_Event* TakeUnordered();
     void Refill();
     ZAV_Event* CountTaken(ZAV_Event* event);
 
@@ -117,19 +122,20 @@ private:
     // For whoever has the queue.
     alignas(64) ZAV_EventQueue::Chain mCurrent; // taken out of the queue and not yet handled
     ZAV_EventQueue mQueue;
+    bool mSorting = false;
     ZAV_Event* mUnsorted = nullptr; // taken from the producers, newest first; null unless memory ran out
     std::atomic<std::uint32_t> mTaken{0}; // modulo 2^32
 
     // Changed by those who post.
     alignas(64) std::atomic<std::uintptr_t> mNewest{kNone};
-    ZAV_SpinLock mQueueLock;
+    ZAV_SpinLock mQueueLock; // of who posts while nobody dispatches
 
     // What is read with every event and seldom changes.
     alignas(64) std::atomic<std::int32_t> mUrgent{INT32_MIN}; // no less than any priority posted since Refill
     std::atomic<std::uint32_t> mPostedApart{0};               // modulo 2^32; without what ties count
     std::atomic<std::uint32_t> mHighWater{0};
     std::atomic<bool> mClosed{false};
-    std::atomic<bool> mDispatched{false}; // or about to be: nobody else may ask for the lock
+    std::atomic<bool> mDispatched{false}; // or about to be: the queue is the dispatching thread's
 };
 
 #endif

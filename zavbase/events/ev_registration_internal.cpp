@@ -49,7 +49,7 @@ void ZAV_EvRegistration::Settle() {
     const std::uint32_t posted = mPosted.exchange(kSettled, std::memory_order_relaxed);
     port->CountPosted(posted / kOne);
     mHandler->mRefCount.fetch_add(Difference(posted, takenBefore), std::memory_order_relaxed);
-    const std::uint32_t taken = mTaken.exchange(kSettled, std::memory_order_acquire);
+    const std::uint32_t taken = mTaken.exchange(kSettled, std::memory_order_acq_rel);
     mHandler->mRefCount.fetch_sub(Difference(taken, takenBefore), std::memory_order_relaxed);
 }
 

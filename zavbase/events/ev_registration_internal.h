@@ -39,7 +39,7 @@ public:
     /// On any thread, for an event that is about to be posted or that was taken and is done with: counts it,
     /// and gives false when the handler's own count is to be changed.
     bool CountPosted() { return (mPosted.fetch_add(kOne, std::memory_order_acquire) & kSettled) == 0; }
-    bool CountTaken() { return (mTaken.fetch_add(kOne, std::memory_order_release) & kSettled) == 0; }
+    bool CountTaken() { return (mTaken.fetch_add(kOne, std::memory_order_acq_rel) & kSettled) == 0; }
 
     ZAV_EvPort* const port;
     ZAV_EvRegistration* older = nullptr;

@@ -50,7 +50,7 @@ protected:
     friend class ZAV_EventQueue;
     friend class ZAV_TimerMgr;
 
-    ZAV_EvHandlerBody* mDestination; ///< counted like by a reference; null when not queued
+    ZAV_EvHandlerBody* mDestination; ///< held, by the queue or by the event; null when not queued
     zav_long32 mType;
     zav_long32 mPriority;
 
