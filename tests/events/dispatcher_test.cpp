@@ -138,6 +138,21 @@ TEST_F(Dispatcher, AbsorbsTheLibrarysExceptionsOnly) {
                                     "DispatchEvent caught exception :"}));
 }
 
+// Only the dispatcher holds the handler.
+TEST_F(Dispatcher, AnEventThatCannotBePrintedIsCleanedUp) {
+    struct Unprintable : Numbered {
+        using Numbered::Numbered;
+        void PrintOn(std::ostream&) override { throw 1; }
+    };
+    TraceCapture trace(0x0200);
+    mRef.reset();
+    mHandler->QueueEvent(new Unprintable(1, mCleanups), 0);
+    Post(2);
+    EXPECT_THROW(Once(), int);
+    EXPECT_EQ(mCleanups, 1);
+    EXPECT_EQ(Once(), Numbers{2});
+}
+
 TEST_F(Dispatcher, AHandlerMayDispatchTakeItselfOutAndGo) {
     mThen = [this](Numbered* event) {
         if (event->mNumber == 1) mDispatcher->Dispatch(DISPATCH_ONCE);

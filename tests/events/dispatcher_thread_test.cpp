@@ -183,6 +183,26 @@ TEST_F(DispatcherThread, WakesAtItsIntervalToPoll) {
     EXPECT_EQ(dispatcher.WakeUpInterval(), 2147483u);
 }
 
+// The frames of its thread are not left by returning; the dispatcher is free for others all the same.
+TEST_F(DispatcherThread, AListenerMayEndItsThread) {
+    struct Host : ZAV_Thread {
+        explicit Host(ZAV_EvDispatcher& dispatcher)
+            : ZAV_Thread(ZAV_THREAD_JOINED), mDispatcher(dispatcher) {}
+        ~Host() override { FinishThread(); }
+        void run() override { mDispatcher.Dispatch(DISPATCH_UNTIL_STOPPED); }
+        ZAV_EvDispatcher& mDispatcher;
+    };
+    ZAV_EvDispatcher dispatcher;
+    Host host(dispatcher);
+    ScriptListener listener([&] { host.StopThread(); });
+    dispatcher.AddListener(&listener);
+    host.BeginThread(ZAV_THREAD_CLEANUP_NONE, 0);
+    host.WaitForThread();
+    EXPECT_EQ(listener.mCalls, 1);
+    dispatcher.RemoveListener(&listener);
+    dispatcher.Dispatch(DISPATCH_ONCE);
+}
+
 TEST_F(DispatcherThread, EndsWhenMemoryRunsOut) {
     TraceCapture trace(0x0081);
     {

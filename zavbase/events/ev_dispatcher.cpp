@@ -19,22 +19,6 @@ namespace {
 
 const unsigned long kLongestInterval = 2147483; // milliseconds; the signaller counts microseconds in an int
 
-// The walk's place among those that RemoveListener must know.
-class ScopedWalk : public ZAV_EvPort::Walk {
-public:
-    ScopedWalk(ZAV_EvPort& port, ZAV_Link* first) : mPort(port) {
-        next = first;
-        outer = port.mWalks;
-        port.mWalks = this;
-    }
-    ~ScopedWalk() { mPort.mWalks = outer; }
-    ScopedWalk(const ScopedWalk&) = delete;
-    ScopedWalk& operator=(const ScopedWalk&) = delete;
-
-private:
-    ZAV_EvPort& mPort;
-};
-
 // The time from when posts see the dispatcher sleep; under its signaller.
 class Sleeping {
 public:
@@ -85,8 +69,8 @@ void ZAV_EvDispatcher::AddListener(ZAV_Listener* listener) {
 // The address is only compared until it is found in the list: the listener may be gone.
 void ZAV_EvDispatcher::RemoveListener(ZAV_Listener* listener) {
     if (listener == nullptr) return;
-    for (ZAV_EvPort::Walk* walk = Port().mWalks; walk != nullptr; walk = walk->outer)
-        if (walk->next == listener) walk->next = listener->NextLink();
+    for (auto* scope = ZAV_EvPort::Dispatching::Innermost(); scope != nullptr; scope = scope->Outer())
+        if (scope->mNextListener == listener) scope->mNextListener = listener->NextLink();
     if (mListeners.Remove(static_cast<const ZAV_Link*>(listener)) != nullptr)
         zav_listeners::Release(listener);
 }
@@ -215,13 +199,13 @@ void ZAV_EvDispatcher::DispatchBatch() {
 
 void ZAV_EvDispatcher::PollListeners() {
     if (mListeners.IsEmpty()) return;
-    ScopedWalk walk(Port(), static_cast<ZAV_Link*>(mListeners.First()));
+    ZAV_Link*& next = ZAV_EvPort::Dispatching::Innermost()->mNextListener;
     ZAV_Listener* current = nullptr;
     ZAV_EXCEPTION_LINK link;
     try {
-        while (!walk.next->IsListEnd()) {
-            current = static_cast<ZAV_Listener*>(walk.next);
-            walk.next = current->NextLink();
+        for (next = static_cast<ZAV_Link*>(mListeners.First()); !next->IsListEnd();) {
+            current = static_cast<ZAV_Listener*>(next);
+            next = current->NextLink();
             current->Listen(LISTEN_POLL);
         }
     } catch (ZAV_Exception* e) {

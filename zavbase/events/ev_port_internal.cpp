@@ -19,7 +19,8 @@ ZAV_EvPort::Dispatching::Dispatching(ZAV_EvPort& port)
     tDispatching = this;
     if (mAgain) return;
     mPort.mDispatched.exchange(true);
-    // Waits for who is just posting. The lock is not kept: a handler may end its thread without returning.
+    // Waits for who is just posting. The lock is not kept, and what an earlier walk left is forgotten: a
+    // handler or listener may end its thread without returning.
     mPort.mQueueLock.lock();
     mPort.mQueueLock.unlock();
 }
@@ -28,6 +29,8 @@ ZAV_EvPort::Dispatching::~Dispatching() {
     tDispatching = mOuter;
     if (!mAgain) mPort.mDispatched.store(false);
 }
+
+ZAV_EvPort::Dispatching* ZAV_EvPort::Dispatching::Innermost() { return tDispatching; }
 
 bool ZAV_EvPort::Dispatching::IsDispatchedBy(const Dispatching* scope) const {
     while (scope != nullptr && &scope->mPort != &mPort) scope = scope->mOuter;

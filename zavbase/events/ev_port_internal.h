@@ -52,6 +52,13 @@ public:
         Dispatching(const Dispatching&) = delete;
         Dispatching& operator=(const Dispatching&) = delete;
 
+        /// Of those of this thread, on whatever port; null when there is none.
+        static Dispatching* Innermost();
+        Dispatching* Outer() const { return mOuter; }
+
+        /// Where its walk through the listeners stands.
+        ZAV_Link* mNextListener = nullptr;
+
     private:
         friend class ZAV_EvPort;
 
@@ -85,13 +92,6 @@ public:
     /// Counts what a sleeping dispatcher would have to look at; under the owner's signaller.
     unsigned mChanges = 0;
     std::atomic<std::uint32_t> mWakeUpInterval{0};
-
-    /// Where the walks through the listeners stand that are under way, the innermost first.
-    struct Walk {
-        ZAV_Link* next;
-        Walk* outer;
-    };
-    Walk* mWalks = nullptr;
 
 private:
     // What the newest event is when there is none; any other number is its address.
