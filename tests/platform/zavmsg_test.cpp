@@ -5,6 +5,8 @@
 
 #include <zavbase/zavbase.h>
 
+#include "tests/support/file_support.h"
+
 namespace {
 
 const char* const sample = R"(# A comment
@@ -127,4 +129,35 @@ TEST(Definitions, DifferencesAreNamed) {
                                                "tags differ: twice: wanted <<a>> <<a>>, found <<a>>",
                                                "not a text: number", "unknown: new"};
     EXPECT_EQ(expected, Compare(Flatten(wanted), Flatten(language)));
+}
+
+/// Country names in every language that the package iso-codes brings, where it is installed.
+TEST(Gettext, RealTranslationsFormatInEveryLanguage) {
+    const TestFolder folder;
+    std::error_code none;
+    int languages = 0;
+    for (const auto& locale : std::filesystem::directory_iterator("/usr/share/locale", none)) {
+        const std::string language = locale.path().filename().string();
+        std::vector<GettextEntry> entries;
+        const std::string bytes = FileText((locale.path() / "LC_MESSAGES/iso_3166-1.mo").string());
+        if (bytes.empty()) continue;
+        ASSERT_EQ("", ReadGettext(bytes, entries)) << language;
+        std::map<std::string, std::string> countries;
+        for (const GettextEntry& e : entries)
+            countries[IdentifierOf(e.mContext, e.mSource)] = e.mTranslations[0];
+        EXPECT_EQ(entries.size(), countries.size()) << language;
+        ZAV_UValDict texts(16);
+        for (const auto& [id, name] : countries) ZAV_I18nDef2Dict(&texts, id.c_str(), name.c_str());
+        texts.WriteTextFile(folder.Path("texts." + language).c_str());
+        ZAV_I18nResource resource(folder.Path("texts").c_str());
+        for (const auto& [id, name] : countries) {
+            ZAV_I18nMsg message("(<<country>>)");
+            message.AddArg("<<country>>", ZAV_I18nMsg(id.c_str()), ZAV_I18N_TAG);
+            EXPECT_EQ("(" + name + ")", message.Format(language.c_str(), &resource, nullptr).Ptr())
+                << language;
+        }
+        ++languages;
+    }
+    if (languages == 0) GTEST_SKIP() << "iso-codes is not installed";
+    EXPECT_GE(languages, 20);
 }
