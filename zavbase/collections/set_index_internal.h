@@ -11,13 +11,11 @@
 /// elements one after the other, and hashes that collide by the thousand (decimal numbers do) make that slow.
 /// The index keeps
 ///   - a hash table from a strong hash of each element's key to the element and its slot, with a copy of a
-///   short
-///     key beside it: most keys are found without looking at any element,
+///     short key beside it: most keys are found without looking at any element,
 ///   - a bit for each occupied slot, and one for each 64 of them that are all occupied: the free slot below a
 ///     home slot is found by words, and iteration skips what is empty,
 ///   - for each occupied slot the strong hash and the element's own hash: a larger table is filled, and a gap
-///   is
-///     closed after a removal, without touching the elements. Closing a gap still moves as many elements as
+///     is closed after a removal, without touching the elements. Closing a gap still moves as many elements as
 ///     the table's rule moves, which may be the rest of the cluster.
 /// It serves elements of the classes that zav_strong::View sees through, and is given up for a table that
 /// gets another one. Its memory is optional: where there is none, the table does without.

@@ -9,8 +9,8 @@
 /// - The thread that holds a write guard may take read guards and further write guards. A thread that holds a
 ///   read guard and asks for a write guard waits for ever.
 /// - Write guards belong to their thread. When it ends without destroying them, the lock becomes free. A
-/// write
-///   guard destroyed on another thread has no effect. The lock must outlive the thread or its write guards.
+///   write guard destroyed on another thread has no effect. The lock must outlive the thread or its write
+///   guards.
 /// - DESTROYING A GUARD RELEASES, WHETHER IT ACQUIRED OR NOT. A failed try for reading, destroyed, takes one
 ///   reader off the count: with no reader left the next reader is not seen by writers. A failed try for
 ///   writing does no harm on a thread that holds no write guard; on one that does, its destruction gives that
