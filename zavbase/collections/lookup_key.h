@@ -2,19 +2,20 @@
 #define ZAVBASE_COLLECTIONS_LOOKUP_KEY_H
 
 #include <zavbase/collections/clt_object.h>
+#include <zavbase/foundation/pooled.h>
 
 /// Holds a key; the associations derive from it and add a value. Neither key nor value is owned.
 ///
 /// IsEqual and Compare pass the question on to the other object, with this object's key as argument. So two
 /// holders compare by their keys, and a holder can be searched for with a bare key. With a bare `o` the sign
 /// of Compare is the one seen from `o`.
-class ZAV_API ZAV_LookupKey : public ZAV_CltObject {
+class ZAV_API ZAV_LookupKey : public ZAV_CltObject, public ZAV_Pooled {
     ZAV_DECLARE_CLASS(ZAV_LookupKey)
 public:
     ZAV_DECLARE_CASTDOWN(ZAV_LookupKey)
 
     ZAV_LookupKey(ZAV_CltObject* key) : mKey(key) {}
-    ZAV_LookupKey(const ZAV_LookupKey& o) : ZAV_CltObject(o), mKey(o.mKey) {}
+    ZAV_LookupKey(const ZAV_LookupKey& o) : ZAV_CltObject(o), ZAV_Pooled(), mKey(o.mKey) {}
     ZAV_LookupKey& operator=(const ZAV_LookupKey& o);
     ~ZAV_LookupKey() override;
 
