@@ -2,6 +2,8 @@
 
 #include <zavbase/foundation/trace_stream.h>
 
+#include <list>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/child_process.h"
@@ -15,9 +17,8 @@ protected:
     TraceView() {
         std::filesystem::permissions(mFolder.Path(), std::filesystem::perms::owner_all);
         // The environment keeps the text itself, so it stays for the life of the process.
-        static std::string variable;
-        variable = "XDG_RUNTIME_DIR=" + mFolder.Path();
-        putenv(variable.data());
+        static std::list<std::string> variables;
+        putenv(variables.emplace_back("XDG_RUNTIME_DIR=" + mFolder.Path()).data());
     }
 
     const TestFolder mFolder;

@@ -19,8 +19,7 @@ ZAV_EvPort::Dispatching::Dispatching(ZAV_EvPort& port)
     tDispatching = this;
     if (mAgain) return;
     mPort.mDispatched.exchange(true);
-    // Waits for who is just posting. The lock is not kept, and what an earlier walk left is forgotten: a
-    // handler or listener may end its thread without returning.
+    // Waits for who is just posting. The lock is not kept: a handler may end its thread without returning.
     mPort.mQueueLock.lock();
     mPort.mQueueLock.unlock();
 }

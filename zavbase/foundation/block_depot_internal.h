@@ -14,8 +14,7 @@
 class ZAV_BlockDepot {
 public:
     /// `size` is a multiple of 16, from 32 on, well below the size of a page.
-    constexpr explicit ZAV_BlockDepot(std::uint32_t size)
-        : mSize(size), mInverse((1u << kInverseBits) / size + 1) {}
+    explicit ZAV_BlockDepot(std::uint32_t size) : mSize(size), mInverse((1u << kInverseBits) / size + 1) {}
     ZAV_BlockDepot(const ZAV_BlockDepot&) = delete;
     ZAV_BlockDepot& operator=(const ZAV_BlockDepot&) = delete;
 

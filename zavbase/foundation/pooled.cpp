@@ -36,20 +36,25 @@ struct ThreadCache {
 };
 static_assert(sizeof(ThreadCache) <= zav_os::kThreadBlockSize);
 
-constinit ZAV_BlockDepot theDepots[kClasses] = {ZAV_BlockDepot(kSizes[0]), ZAV_BlockDepot(kSizes[1]),
-                                                ZAV_BlockDepot(kSizes[2]), ZAV_BlockDepot(kSizes[3]),
-                                                ZAV_BlockDepot(kSizes[4])};
 constinit ThreadCache theNoCache = {}; // has no magazines; a new thread's until it needs one
 thread_local constinit ThreadCache* tCache = &theNoCache;
 
+// Never destroyed: objects may outlive static ones.
+ZAV_BlockDepot& Depot(std::size_t c) {
+    static ZAV_BlockDepot* const depots[kClasses] = {
+        new ZAV_BlockDepot(kSizes[0]), new ZAV_BlockDepot(kSizes[1]), new ZAV_BlockDepot(kSizes[2]),
+        new ZAV_BlockDepot(kSizes[3]), new ZAV_BlockDepot(kSizes[4])};
+    return *depots[c];
+}
+
 void Empty(std::size_t c, Magazine& magazine) {
-    theDepots[c].Put(magazine.blocks, magazine.count);
+    Depot(c).Put(magazine.blocks, magazine.count);
     magazine.count = 0;
 }
 
 // The blocks are taken from the end; so the lowest address goes there.
 void Fill(std::size_t c, Magazine& magazine) {
-    magazine.count = theDepots[c].Take(magazine.blocks, kMagazineSize);
+    magazine.count = Depot(c).Take(magazine.blocks, kMagazineSize);
     std::reverse(magazine.blocks, magazine.blocks + magazine.count);
 }
 
@@ -105,7 +110,7 @@ void ReleaseSlow(std::size_t c, void* block) noexcept {
         current->blocks[current->count++] = block;
         if (cache.ended) GiveBack(c, current);
     } catch (...) { // no memory for a magazine
-        theDepots[c].Put(&block, 1);
+        Depot(c).Put(&block, 1);
     }
 }
 
