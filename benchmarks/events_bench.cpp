@@ -3,6 +3,7 @@
 // public interface and is handled by a virtual or stored call on the thread that runs the loop.
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <queue>
@@ -188,6 +189,13 @@ std::vector<std::size_t> Cancelled() {
     return which;
 }
 
+// The allocator puts off work on what was freed until a large block is wanted. Done here, it is not charged
+// to whoever comes next.
+void SettleAllocator() {
+    void* volatile block = std::malloc(std::size_t{1} << 20);
+    std::free(block);
+}
+
 struct ZavTimers {
     ZavTimers() : handler(new SumHandler(dispatcher, 0)), ref(handler) {
         dispatcher.AddEvHandler(ref);
@@ -237,11 +245,13 @@ template <class Timers>
 void AddAndCancel(benchmark::State& state) {
     const std::vector<unsigned> due = DueTimes();
     const std::vector<std::size_t> cancelled = Cancelled();
+    SettleAllocator();
     for (auto _ : state) {
         auto timers = std::make_unique<Timers>();
         timers->AddAndCancel(due, cancelled);
         state.PauseTiming();
         timers.reset();
+        SettleAllocator();
         state.ResumeTiming();
     }
 }

@@ -7,6 +7,7 @@
 #include <zavbase/events/ev_registration_internal.h>
 #include <zavbase/events/event.h>
 #include <zavbase/foundation/exception.h>
+#include <zavbase/threads/thread.h>
 
 namespace {
 
@@ -56,7 +57,10 @@ void ZAV_EvPort::Send(ZAV_EvRegistration* tie, ZAV_EvHandlerBody* handler, ZAV_E
     event->mDestination = handler;
     event->mPriority = static_cast<zav_long32>(priority);
     if (old != nullptr) old->LetGo();
-    if (!Post(event, event->mPriority)) DiscardTaken(event);
+    if (!Post(event, event->mPriority))
+        DiscardTaken(event);
+    else if (tie != nullptr && tie->IsFarBehind() && tDispatching == nullptr)
+        ZAV_Thread::yield(nullptr); // the dispatching thread above all
 }
 
 void ZAV_EvPort::Discard(ZAV_Event* event) {

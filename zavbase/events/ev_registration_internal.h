@@ -22,7 +22,7 @@ public:
     /// Guards what ties handlers and ports together. Registering is rare; one lock serves all.
     static std::mutex& Lock();
 
-    // Under the lock, all of these.
+    // Under the lock, all up to Unsettle; the counts may be looked at without it.
     ZAV_EvRegistration(ZAV_EvPort* port, ZAV_EvHandlerBody* handler); ///< settled; holds the port
     ~ZAV_EvRegistration();
     ZAV_EvRegistration(const ZAV_EvRegistration&) = delete;
@@ -40,6 +40,9 @@ public:
     /// and gives false when the handler's own count is to be changed.
     bool CountPosted() { return (mPosted.fetch_add(kOne, std::memory_order_acquire) & kSettled) == 0; }
     bool CountTaken() { return (mTaken.fetch_add(kOne, std::memory_order_acq_rel) & kSettled) == 0; }
+
+    /// Now and then, when thousands of events are queued: who posts then had better let others run.
+    bool IsFarBehind() const { return Posted() % 1024 == 0 && Queued() > 4096; }
 
     ZAV_EvPort* const port;
     ZAV_EvRegistration* older = nullptr;
