@@ -23,7 +23,10 @@ ZAV_Event* ZAV_EventQueue::Chain::TakeFirst() {
     if (event == nullptr) return nullptr;
     first = static_cast<ZAV_Event*>(event->mNext);
     event->mNext = nullptr;
-    __builtin_prefetch(reinterpret_cast<const char*>(event) + std::ptrdiff_t{event->mPriority} * kHintUnit);
+    const char* const later =
+        reinterpret_cast<const char*>(event) + std::ptrdiff_t{event->mPriority} * kHintUnit;
+    __builtin_prefetch(later); // it may lie across two cache lines
+    __builtin_prefetch(later + sizeof(ZAV_Event) - 1);
     if (first != nullptr) __builtin_prefetch(first->mDestination);
     event->mPriority = priority;
     --count;

@@ -2,10 +2,13 @@
 
 #include <utility>
 
+#include <zavbase/events/timer_mgr.h>
+
 namespace {
 
 const std::size_t kFirstSlots = 16;
 const std::size_t kManySlots = 4096;
+const std::size_t kTimerEnd = sizeof(ZAV_EventTimer) - 1;
 
 } // namespace
 
@@ -53,7 +56,11 @@ ZAV_EventTimer* const* ZAV_TimerTable::Entry(std::int32_t id) const {
 void ZAV_TimerTable::PrefetchEntry(std::int32_t id) const { __builtin_prefetch(Entry(id), 1); }
 
 void ZAV_TimerTable::PrefetchTimer(std::int32_t id) const {
-    if (ZAV_EventTimer* const* entry = Entry(id)) __builtin_prefetch(*entry, 1);
+    ZAV_EventTimer* const* entry = Entry(id);
+    if (entry == nullptr) return;
+    // It may lie across two cache lines.
+    __builtin_prefetch(*entry, 1);
+    __builtin_prefetch(reinterpret_cast<const char*>(*entry) + kTimerEnd, 1);
 }
 
 ZAV_TimerTable::Page* ZAV_TimerTable::PageFor(std::uint32_t number) {
