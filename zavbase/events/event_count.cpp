@@ -1,27 +1,39 @@
 #include <zavbase/events/event_count.h>
 
 #include <atomic>
+#include <cstdint>
 
 #include <zavbase/events/event.h>
 
 namespace {
 
-// A thread keeps to one place, which it has to itself as long as there are not more threads than places.
-const unsigned kPlaces = 32;
+// A thread keeps to one place. The first threads, which are those that stay, have theirs to themselves and
+// need no atomic addition; the others share what is left.
+const unsigned kOwnPlaces = 32, kSharedPlaces = 32;
+const unsigned kPlaces = kOwnPlaces + kSharedPlaces;
 struct alignas(64) Place {
     std::atomic<int> changes;
 };
 
 constinit Place thePlaces[kPlaces] = {};
-constinit std::atomic<unsigned> theThreads{0};
+constinit std::atomic<std::uint64_t> theThreads{0};
 thread_local constinit Place* tPlace = nullptr;
+
+Place& PlaceOfThread() {
+    const std::uint64_t number = theThreads.fetch_add(1, std::memory_order_relaxed);
+    return thePlaces[number < kOwnPlaces ? number : kOwnPlaces + number % kSharedPlaces];
+}
 
 } // namespace
 
 void ZAV_EventCount::Add(int change) {
     Place*& place = tPlace;
-    if (place == nullptr) place = &thePlaces[theThreads.fetch_add(1, std::memory_order_relaxed) % kPlaces];
-    place->changes.fetch_add(change, std::memory_order_relaxed);
+    if (place == nullptr) place = &PlaceOfThread();
+    std::atomic<int>& changes = place->changes;
+    if (place < thePlaces + kOwnPlaces)
+        changes.store(changes.load(std::memory_order_relaxed) + change, std::memory_order_relaxed);
+    else
+        changes.fetch_add(change, std::memory_order_relaxed);
 }
 
 ZAV_EventCount::operator int() const {
