@@ -10,8 +10,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include "settle_allocator.h"
+
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <random>
 #include <string>
@@ -112,13 +113,6 @@ struct MapSide {
         return sum;
     }
 };
-
-// The allocator puts off work on what was freed until a large block is wanted. Done here, it is not charged
-// to whoever comes next.
-void SettleAllocator() {
-    void* volatile block = std::malloc(std::size_t{1} << 20);
-    std::free(block);
-}
 
 template <class Side>
 void Insert(benchmark::State& state, Keys kind) {

@@ -3,7 +3,6 @@
 // public interface and is handled by a virtual or stored call on the thread that runs the loop.
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <queue>
@@ -12,6 +11,8 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
+
+#include "settle_allocator.h"
 
 #include <zavbase/events/ev_dispatcher.h>
 #include <zavbase/events/event.h>
@@ -187,13 +188,6 @@ std::vector<std::size_t> Cancelled() {
     for (std::size_t i = 0; i < kTimers; i += 2) which.push_back(i);
     std::shuffle(which.begin(), which.end(), std::mt19937(3));
     return which;
-}
-
-// The allocator puts off work on what was freed until a large block is wanted. Done here, it is not charged
-// to whoever comes next.
-void SettleAllocator() {
-    void* volatile block = std::malloc(std::size_t{1} << 20);
-    std::free(block);
 }
 
 struct ZavTimers {

@@ -45,8 +45,6 @@ public:
     void PutBack(Chain& chain); ///< before all others of its priority; leaves an empty chain
 
     std::uint32_t Length() const { return mLength; }
-    bool IsEmpty() const { return mHeap.empty(); }
-    std::int32_t HighestPriority() const { return mHeap.front().priority; } ///< not when empty
 
 private:
     struct HeapEntry {
