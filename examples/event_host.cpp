@@ -202,6 +202,7 @@ int RunHost(std::istream& input, bool follow) {
 } // namespace
 
 int main(int argc, char** argv) {
+    SetNewHandler(); // out of memory is an exception, not the end of the process
     // Errors, thread ends and the dispatcher's end, as the library tells them.
     ZAV_Tracer::SetStreamP(tr_base_name, &std::cout);
     ZAV_Tracer::SetMask(tr_base_name, 0x0181);

@@ -7,6 +7,7 @@
 #include <string>
 
 #include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/new_handler.h>
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/platform/file.h>
 #include <zavbase/strings/system_string.h>
@@ -135,6 +136,7 @@ bool StoreAndCompare() {
 } // namespace
 
 int main() {
+    SetNewHandler(); // out of memory is an exception, not the end of the process
     bool done = false;
     ZAV_TRY {
         StartTracing();

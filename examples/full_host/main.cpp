@@ -207,6 +207,7 @@ int Run(const std::string& program) {
 } // namespace
 
 int main(int argc, char** argv) {
+    SetNewHandler(); // out of memory is an exception, not the end of the process
     int result = 1;
     ZAV_TRY { result = argc == 3 && std::string(argv[1]) == "--look" ? LookAtLock(argv[2]) : Run(argv[0]); }
     ZAV_CATCH(ZAV_Exception, e) { std::cerr << "full_host: " << *e << std::endl; }

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <optional>
 
+#include "tests/support/main.h"
 #include "tests/support/trace_capture.h"
 
 namespace {
@@ -84,6 +85,6 @@ TEST(TraceStream, SendsPiecesThatTheViewerCanTake) {
 }
 
 TEST(FatalDeathTest, TheDefaultPolicyTellsTheUserAndEndsTheProcess) {
-    EXPECT_EXIT(std::get_new_handler()(), ::testing::ExitedWithCode(0),
+    EXPECT_EXIT(theDefaultNewHandler(), ::testing::ExitedWithCode(0),
                 "\\[Fatal Error\\] Memory Allocation Error, program will abort!");
 }

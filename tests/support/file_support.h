@@ -13,10 +13,11 @@ class TestFolder {
 public:
     TestFolder() {
         const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-        mPath = std::filesystem::temp_directory_path() /
-                (std::string("zavbase-") + test.test_suite_name() + "-" + test.name());
-        std::filesystem::remove_all(mPath);
-        std::filesystem::create_directories(mPath);
+        const std::filesystem::path name = std::filesystem::temp_directory_path() /
+                                           (std::string("zavbase-") + test.test_suite_name() + "-" + test.name());
+        // The same test may run in two programs or two lanes at once.
+        for (int i = 0; mPath.empty() || !std::filesystem::create_directory(mPath); ++i)
+            (mPath = name) += "-" + std::to_string(i);
     }
     ~TestFolder() {
         std::error_code ignored;

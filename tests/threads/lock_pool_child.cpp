@@ -1,5 +1,6 @@
 // The other process of the lock pool's tests: lock_pool_child ROLE FILE NAME COUNT.
 
+#include <zavbase/foundation/new_handler.h>
 #include <zavbase/threads/lock_pool.h>
 
 #include <cstdio>
@@ -39,6 +40,7 @@ int Write(Pool& pool, const std::string& name) {
 // An exception that leaves it ends the program with another result than 0, and that is what the tests ask
 // for.
 int main(int argc, char** argv) {
+    SetNewHandler();
     if (argc != 5) return 1;
     const std::string role = argv[1], file = argv[2];
     Pool pool(file.c_str());
