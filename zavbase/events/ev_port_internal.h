@@ -6,7 +6,7 @@
 
 #include <zavbase/collections/link.h>
 #include <zavbase/events/event_queue_internal.h>
-#include <zavbase/events/spin_lock_internal.h>
+#include <zavbase/foundation/spin_lock_internal.h>
 #include <zavbase/threads/mutex.h>
 
 class ZAV_Event;

@@ -1,11 +1,11 @@
-#ifndef ZAVBASE_EVENTS_SPIN_LOCK_INTERNAL_H
-#define ZAVBASE_EVENTS_SPIN_LOCK_INTERNAL_H
+#ifndef ZAVBASE_FOUNDATION_SPIN_LOCK_INTERNAL_H
+#define ZAVBASE_FOUNDATION_SPIN_LOCK_INTERNAL_H
 
 #include <atomic>
 
 /// A lock for sections of a few instructions, taken a million times a second: free, it costs one atomic
 /// exchange and no call on any system. Who finds it held looks again, then lets other threads run, then
-/// sleeps.
+/// sleeps. A static one is built by the compiler and never destroyed.
 class ZAV_SpinLock {
 public:
     void lock() {

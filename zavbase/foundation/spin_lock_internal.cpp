@@ -1,7 +1,6 @@
-#include <zavbase/events/spin_lock_internal.h>
+#include <zavbase/foundation/spin_lock_internal.h>
 
-#include <zavbase/threads/thread.h>
-#include <zavbase/threads/time.h>
+#include <zavbase/os/clock.h>
 
 namespace {
 
@@ -16,8 +15,8 @@ void ZAV_SpinLock::LockHeld() {
     for (int tries = 0;; ++tries) {
         if (try_lock()) return;
         if (tries > kLooks + kYields)
-            ZAV_MilliSleep(1);
+            zav_os::Sleep(1);
         else if (tries > kLooks)
-            ZAV_Thread::yield(nullptr);
+            zav_os::Sleep(0);
     }
 }
