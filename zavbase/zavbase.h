@@ -31,6 +31,7 @@
 #include <zavbase/foundation/alloc_mem.h>
 #include <zavbase/foundation/error.h>
 #include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/exception_context.h>
 #include <zavbase/foundation/export.h>
 #include <zavbase/foundation/new_handler.h>
 #include <zavbase/foundation/object.h>

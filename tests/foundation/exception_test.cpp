@@ -83,6 +83,57 @@ TEST(Exception, OnlyAPositiveFlagLetsItBeDeleted) {
     EXPECT_EQ(first, Thrown<ZAV_MemoryException>(ZAV_ThrowMemoryException).get());
 }
 
+TEST(ExceptionContext, EndsWithItsObjectWhereverThatIs) {
+    alignas(ZAV_Exception) unsigned char place[sizeof(ZAV_Exception)];
+    for (const bool destroyed : {true, false}) { // the second leaves its memory without a word
+        auto* e = new (place) ZAV_Exception;
+        EXPECT_STREQ("", ZAV_GetExceptionContext(e).mPath);
+        ZAV_AddExceptionContext(e, {"path"});
+        EXPECT_STREQ("path", ZAV_GetExceptionContext(e).mPath);
+        if (destroyed) e->~ZAV_Exception();
+    }
+    EXPECT_STREQ("", ZAV_GetExceptionContext(new (place) ZAV_Exception).mPath);
+
+    // As many as a host may keep, made by one thread and deleted by another; copies outlive them.
+    std::vector<ZAV_FileException> copies;
+    std::vector<ZAV_Exception*> kept;
+    for (int i = 0; i < 1000; ++i) {
+        kept.push_back(new ZAV_FileException(2, 0));
+        ZAV_AddExceptionContext(kept.back(), {std::to_string(i).c_str()});
+        copies.push_back(static_cast<ZAV_FileException&>(*kept.back()));
+    }
+    std::thread([&] {
+        for (ZAV_Exception* e : kept) e->Delete();
+    }).join();
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(std::to_string(i), ZAV_GetExceptionContext(&copies[static_cast<size_t>(i)]).mPath);
+    copies[0] = copies[1];
+    copies[1] = ZAV_FileException();
+    EXPECT_STREQ("1", ZAV_GetExceptionContext(&copies[0]).mPath);
+    EXPECT_STREQ("", ZAV_GetExceptionContext(&copies[1]).mPath);
+}
+
+TEST(ExceptionContext, IsTheLineForAUser) {
+    ZAV_ExceptionContext inner, outer;
+    inner.mLine = 12, inner.mColumn = 5, inner.mReason = "wrong", inner.mFound = "]", outer.mLine = 99;
+    outer.mPath = "a\nb.zav", outer.mReason = "worse", outer.mOffset = 7;
+    const auto e = Thrown<ZAV_FileException>([&] { ZAV_ThrowFileException(2, 0, inner); });
+    const std::string rest = "File exception: InvalidFile: wrong (found \"]\")";
+    EXPECT_EQ("line 12, column 5: " + rest, Printed(ZAV_ExceptionLine(e.get())));
+    ZAV_AddExceptionContext(e.get(), outer);
+    EXPECT_EQ("a b.zav:12:5: " + rest, Printed(ZAV_ExceptionLine(e.get())));
+    const std::string system = ZAV_ExceptionLine(std::make_unique<ZAV_FileException>(1, 2).get()).Ptr();
+    EXPECT_TRUE(system.starts_with("File exception: FileNotFound: ") && system.size() > 30) << system;
+    EXPECT_STREQ("Out of memory", ZAV_ExceptionLine(nullptr).Ptr());
+    const auto spec = Thrown<ZAV_ErrorException>([] { ZAV_ThrowParamSpecError("a:b", nullptr); });
+    EXPECT_STREQ("Error exception: Internal error: Invalid parameter spec for a:b",
+                 ZAV_ExceptionLine(spec.get()).Ptr());
+    ZAV_Error own("HOST_ERROR");
+    own.AddArg("<<x>>", "y", ZAV_I18N_STRING);
+    EXPECT_STREQ("Error exception: HOST_ERROR[<<x>> = y]",
+                 ZAV_ExceptionLine(std::make_unique<ZAV_ErrorException>(own).get()).Ptr());
+}
+
 TEST(Error, ParameterErrorIsTheDetailOfAnInternalOne) {
     ZAV_UValDict defs;
     ZAV_Base_GetI18nDefs(&defs, B_TRUE, static_cast<boolean_t>(-1));

@@ -13,9 +13,25 @@ ZAV_DEFINE_CLASS(ZAV_FileException, ZAV_Exception)
 ZAV_DEFINE_CLASS(ZAV_ExitException, ZAV_Exception)
 
 ZAV_Exception::ZAV_Exception() : ZAV_Exception(B_TRUE) {}
-ZAV_Exception::ZAV_Exception(boolean_t deletable) : mDeletable(deletable), mDeleted(B_FALSE) {}
-ZAV_Exception::ZAV_Exception(const ZAV_Exception& other) = default;
-ZAV_Exception::~ZAV_Exception() {}
+
+// An exception whose memory was taken back without its destructor may have left something at this address.
+ZAV_Exception::ZAV_Exception(boolean_t deletable) : mDeletable(deletable), mDeleted(B_FALSE) {
+    ZAV_DropExceptionContext(this);
+}
+
+ZAV_Exception::ZAV_Exception(const ZAV_Exception& other)
+    : ZAV_Object(other), mDeletable(other.mDeletable), mDeleted(other.mDeleted) {
+    ZAV_CopyExceptionContext(this, &other);
+}
+
+ZAV_Exception& ZAV_Exception::operator=(const ZAV_Exception& other) {
+    mDeletable = other.mDeletable;
+    mDeleted = other.mDeleted;
+    ZAV_CopyExceptionContext(this, &other);
+    return *this;
+}
+
+ZAV_Exception::~ZAV_Exception() { ZAV_DropExceptionContext(this); }
 
 void ZAV_Exception::PrintOn(std::ostream& os) {
     ZAV_String text;
@@ -85,6 +101,10 @@ void ZAV_ThrowMemoryException() { throw StaticMemoryException(); }
 
 void ZAV_ThrowFileException(unsigned short code, unsigned long osError) {
     throw new (std::nothrow) ZAV_FileException(code, osError);
+}
+
+void ZAV_ThrowFileException(unsigned short code, unsigned long osError, const ZAV_ExceptionContext& known) {
+    ZAV_ThrowKnown<ZAV_FileException>(known, code, osError);
 }
 
 void ZAV_ThrowExitException() { throw new (std::nothrow) ZAV_ExitException(); }

@@ -6,7 +6,8 @@
 class ZAV_String;
 
 /// Exceptions are objects made with new and thrown by pointer; whoever ends their way calls Delete. A handler
-/// for ZAV_Exception* catches them all. ZAV_ErrorException, which carries a message, is in error.h.
+/// for ZAV_Exception* catches them all. ZAV_ErrorException, which carries a message, is in error.h; what an
+/// exception is about (path, place, reason), and the line to print for a user, in exception_context.h.
 ///
 /// In host code the handler scope below does the deleting:
 ///
@@ -17,7 +18,7 @@ class ZAV_String;
 ///         if (e->mCode != 1) ZAV_RETHROW; // goes on to the scope outside, undeleted
 ///         UseDefaults();
 ///     }
-///     ZAV_CATCH(ZAV_Exception, e) { std::cerr << e << std::endl; }
+///     ZAV_CATCH(ZAV_Exception, e) { std::cerr << ZAV_ExceptionLine(e) << std::endl; }
 ///     ZAV_CATCH_END // deletes what was caught
 class ZAV_API ZAV_Exception : public ZAV_Object {
     ZAV_DECLARE_CLASS(ZAV_Exception)
@@ -25,7 +26,7 @@ public:
     ZAV_Exception();
     explicit ZAV_Exception(boolean_t deletable);
     ZAV_Exception(const ZAV_Exception& other);
-    ZAV_Exception& operator=(const ZAV_Exception&) = default;
+    ZAV_Exception& operator=(const ZAV_Exception& other);
     ~ZAV_Exception() override;
 
     void PrintOn(std::ostream& os) override; ///< writes what ToString appends
