@@ -8,6 +8,12 @@
 #include "tests/support/printed.h"
 #include "tests/support/thrown.h"
 
+#if __has_include(<sys/fsuid.h>)
+#include <sys/fsuid.h>
+#else
+static void setfsuid(unsigned) {}
+#endif
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -142,6 +148,39 @@ TEST_F(SharedLib, CopiesShareTheModuleUntilTheLastLetsGo) {
     assigned.FreeObjectInstance(object);
     assigned = ZAV_SharedLib();
     EXPECT_FALSE(IsInProcess("plugin_whole") || assigned.IsLoaded());
+}
+
+TEST_F(SharedLib, IsHeldAlsoWithoutAName) {
+    // A folder that no code page of Windows can name, and elsewhere a file that is gone.
+    const fs::path folder = fs::path(mFolder.Path()) / u8"\u0416\u6587";
+    const fs::path file = folder / "plugin_whole" PLUGIN_EXTENSION;
+    fs::create_directory(folder);
+    fs::copy_file(mPlugins + "/plugin_whole" PLUGIN_EXTENSION, file);
+    fs::current_path(folder);
+    ZAV_SharedLib lib("plugin_whole", "");
+    ASSERT_EQ("loaded", Outcome(lib));
+    std::error_code inUse;
+    fs::remove(file, inUse);
+    ZAV_SharedLib copy(lib);
+    lib.Release();
+    EXPECT_TRUE(copy.IsLoaded() && IsInProcess("plugin_whole"));
+    fs::current_path(mHome);
+}
+
+TEST_F(SharedLib, StaysWhereTheWayBackIsClosed) {
+    // Closed by its name on Windows, by its mode elsewhere, once the process is not the administrator's.
+    const fs::path home = fs::path(mFolder.Path()) / u8"\u0416\u6587";
+    fs::create_directory(home);
+    fs::current_path(home);
+    fs::permissions(home, fs::perms::none);
+    const fs::path here = fs::current_path();
+    setfsuid(65534);
+    ZAV_SharedLib lib("plugin_whole", mPlugins.c_str());
+    Outcome(lib);
+    EXPECT_EQ(here, fs::current_path());
+    setfsuid(0);
+    fs::permissions(home, fs::perms::owner_all);
+    fs::current_path(mHome);
 }
 
 TEST(StaticDll, TheRegistryComesAndGoesWithItsModules) {

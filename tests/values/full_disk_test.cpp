@@ -19,8 +19,6 @@ std::string gTarget, gContents; // of the one replacement that is open
 
 namespace zav_os {
 
-uint32_t CurrentFolder(char*, size_t) { return FAILURE; }
-uint32_t ChangeFolder(const char*) { return FAILURE; }
 uint32_t DeleteOneFile(const char*) { return FAILURE; }
 bool FileExists(const char* path) { return gFiles.count(path) != 0; }
 

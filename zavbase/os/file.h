@@ -8,10 +8,6 @@ namespace zav_os {
 
 // Names are in the system's own encoding. Results are 0 or the system's error number.
 
-/// Stores the working directory, at most `size` bytes with its NUL.
-uint32_t CurrentFolder(char* path, size_t size);
-uint32_t ChangeFolder(const char* path);
-
 uint32_t DeleteOneFile(const char* path);
 
 /// The bytes of a file, with a NUL behind them that mSize does not count.

@@ -19,7 +19,13 @@ void* OpenModule(const char* path, uint32_t& error);
 /// extension is added unless the last part of the name has a ".".
 void* FindModule(const char* name, uint32_t& error);
 
-/// One more reference to a loaded module, to be closed like the first; null when the loader refuses.
+/// The same with `folder` as the current one meanwhile. Null without an error, and without leaving the
+/// present folder, when its path has 512 characters or more, when there is no way back to it, or when
+/// `folder` cannot be entered.
+void* FindModuleIn(const char* folder, const char* name, uint32_t& error);
+
+/// One more reference to a loaded module, to be closed like the first, whatever became of its file or of the
+/// name of its folder; null when the loader refuses.
 void* RetainModule(void* module);
 void CloseModule(void* module);
 

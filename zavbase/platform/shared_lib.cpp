@@ -4,7 +4,6 @@
 #include <string>
 
 #include <zavbase/foundation/exception.h>
-#include <zavbase/os/file.h>
 #include <zavbase/os/module.h>
 
 // The record's base link is the root, although the class is a collectable object.
@@ -14,24 +13,6 @@ namespace {
 
 const unsigned short fileNotFound = 1, invalidFile = 2;
 const uint32_t absent = 2;
-
-/// Goes to a directory for the life of the object, if the way back is known.
-class Visit {
-public:
-    explicit Visit(const char* directory)
-        : mThere(zav_os::CurrentFolder(mHome, sizeof mHome) == 0 && zav_os::ChangeFolder(directory) == 0) {}
-    ~Visit() {
-        if (mThere) zav_os::ChangeFolder(mHome);
-    }
-    Visit(const Visit&) = delete;
-    Visit& operator=(const Visit&) = delete;
-
-    bool IsThere() const { return mThere; }
-
-private:
-    char mHome[512];
-    bool mThere;
-};
 
 const char* Text(ZAV_SystemString& s) { return s.GetSystemString(); }
 
@@ -140,11 +121,7 @@ boolean_t ZAV_SharedLib::LoadStatic() {
 
 void* ZAV_SharedLib::SearchModule(uint32_t& error) {
     const char* name = Text(mName);
-    void* module = nullptr;
-    {
-        const Visit visit(Text(mDirectory));
-        if (visit.IsThere()) module = zav_os::FindModule(name, error);
-    }
+    void* module = zav_os::FindModuleIn(Text(mDirectory), name, error);
     if (!module) module = zav_os::OpenModule(Text(mFullPath), error);
     if (!module) module = zav_os::FindModule(name, error);
     return module;

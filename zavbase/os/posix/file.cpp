@@ -95,10 +95,6 @@ int OpenDirectly(const char* path) {
 
 } // namespace
 
-uint32_t CurrentFolder(char* path, size_t size) { return getcwd(path, size) ? 0 : Failure(); }
-
-uint32_t ChangeFolder(const char* path) { return Result(chdir(path)); }
-
 bool FileExists(const char* path) {
     struct stat info;
     return stat(path, &info) == 0;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <link.h>
 #include <string>
 #include <sys/stat.h>
@@ -57,6 +58,21 @@ void* FindModule(const char* name, uint32_t& error) {
     // With a separator in it the loader would take the name for a path, and that was tried.
     if (file.find('/') != std::string::npos) return nullptr;
     return dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
+// The way back is an open folder, since its path may change meanwhile or lead through others that are closed
+// to this user. Opening it as "." asks for the same right as entering it again.
+void* FindModuleIn(const char* folder, const char* name, uint32_t& error) {
+    char path[512];
+    const int home = getcwd(path, sizeof path) ? open(".", O_PATH | O_DIRECTORY | O_CLOEXEC) : -1;
+    if (home < 0) return nullptr;
+    void* module = nullptr;
+    if (chdir(folder) == 0) {
+        module = FindModule(name, error);
+        [[maybe_unused]] const int ruledOut = fchdir(home);
+    }
+    close(home);
+    return module;
 }
 
 void* RetainModule(void* module) {

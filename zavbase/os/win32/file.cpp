@@ -80,14 +80,6 @@ uint32_t CheckWritable(const char* path, bool* isDevice) {
 
 } // namespace
 
-uint32_t CurrentFolder(char* path, size_t size) {
-    DWORD length = GetCurrentDirectoryA(static_cast<DWORD>(size), path);
-    if (length == 0) return Failure();
-    return length < size ? 0 : static_cast<uint32_t>(ERROR_INSUFFICIENT_BUFFER);
-}
-
-uint32_t ChangeFolder(const char* path) { return Result(SetCurrentDirectoryA(path)); }
-
 bool FileExists(const char* path) { return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES; }
 
 uint32_t DeleteOneFile(const char* path) { return Result(DeleteFileA(path)); }

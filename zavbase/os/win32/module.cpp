@@ -15,10 +15,23 @@ void* OpenModule(const char* path, uint32_t& error) {
 
 void* FindModule(const char* name, uint32_t& error) { return OpenModule(name, error); }
 
+// The way back is in 16-bit characters: one that the code page lacks would lead to another folder or nowhere.
+void* FindModuleIn(const char* folder, const char* name, uint32_t& error) {
+    wchar_t home[512];
+    const DWORD length = GetCurrentDirectoryW(sizeof home / sizeof *home, home);
+    if (length == 0 || length >= sizeof home / sizeof *home || !SetCurrentDirectoryW(home) ||
+        !SetCurrentDirectoryA(folder))
+        return nullptr;
+    void* module = FindModule(name, error);
+    SetCurrentDirectoryW(home);
+    return module;
+}
+
 void* RetainModule(void* module) {
-    char path[MAX_PATH + 1];
-    const DWORD length = GetModuleFileNameA(static_cast<HMODULE>(module), path, sizeof path);
-    return length > 0 && length < sizeof path ? LoadLibraryA(path) : nullptr;
+    HMODULE same = nullptr;
+    const BOOL held = GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                                         static_cast<const char*>(module), &same);
+    return held ? same : nullptr;
 }
 
 void CloseModule(void* module) { FreeLibrary(static_cast<HMODULE>(module)); }
