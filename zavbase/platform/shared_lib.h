@@ -37,7 +37,8 @@ public:
 
     /// Loads the module; does nothing when it is loaded. A module of the file system is sought in three
     /// steps, the first success ending the search:
-    ///  1. by its bare name with the module's directory as the current one (the former is restored);
+    ///  1. by its bare name with the module's directory as the current one (the former is restored; left
+    ///     out when there is no way back to that, e.g. a private folder of another user);
     ///  2. by its full path;
     ///  3. by its bare name with the process's current directory.
     /// "By bare name" is the system loader's own search, which adds the extension unless the name has a ".";
