@@ -74,6 +74,7 @@
 #include <zavbase/values/dict_path.h>
 #include <zavbase/values/uval.h>
 #include <zavbase/values/uval_text.h>
+#include <zavbase/values/uval_text_check.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict.h>
 

@@ -68,12 +68,15 @@ TEST(UValTextReader, TakesWhatThePeopleWrite) {
         {"(\\101\\60\\7778)", "(String)A0\3778"},
         {"[ 1 zavchar 2.5 ] zavdouble", "(Double#2) {1,2.5,}"},
         {"[(a)(\\142)()5]", "(String#4) {a,b,,,}"},
+        {"[ 0 1.5 ] zavptr", "(Ptr#2) {0,0,}"},
         {"<<>>", ""},
         {"<< /a:b 1 /a:c 2 /a/b 3 /a 4 >>", "    |- a => (Long)4\n    |- a/b => (Long)3\n"},
         {"<< /a << /x 1 >> /a << /y 2 >> >>", "    |- a\n    |    |- y => (Long)2\n"},
         {"<< /a 5 /a:b 6 / 7 >>", "    |- a => (Long)5\n"},
         {"<< (my key) 5 [ (k) (l) ] 6 (u) zavutfstring 7 /%x 8 >>",
          "    |- my key => (Long)5\n    |- k => (Long)6\n    |- u => (Long)7\n    |- %x => (Long)8\n"},
+        {"\xef\xbb\xbf<< /\xef\xbb\xbf (\xef\xbb\xbf) % \xef\xbb\xbf\n>>",
+         "    |- \xef\xbb\xbf => (String)\xef\xbb\xbf\n"},
         {"<< /zavlong 5 zavlong % >>\n>>", "    |- zavlong => (Long)5\n"},
         {"<< /" + std::string(70, 'k') + " 1 >>", "    |- " + std::string(64, 'k') + " => (Long)1\n"}};
     for (const auto& [text, printed] : rows) {
@@ -106,7 +109,10 @@ TEST(UValTextReader, TellsWhatIsWrongAndWhere) {
           {"<< /a (b\n(c) >>", 1, 7, "(b"},
           {"(a\\", 1, 1, "(a\\"},
           {"5)", 1, 2, ")"},
-          {"\xef\xbb\xbf<< >>", 1, 1, "???"},
+          {"\xef\xbb\xbf\xef\xbb\xbf<< >>", 1, 1, "???"},
+          {"<< /a 5\xef\xbb\xbf >>", 1, 7, "5???"},
+          {"5 \xef\xbb\xbf", 1, 3, "???"},
+          {"\xef\xbb<< >>", 1, 1, "??"},
           {"<< /a 5\0 >>"s, 1, 7, "5?"},
           {"<< /a\0b 5 >>"s, 1, 4, "/a?b"}}},
         {"<< >> pairs do not match", {{">>", 1, 1, ">>"}}},
@@ -162,7 +168,9 @@ TEST(UValTextReader, FindsANamedDictionaryAndLeavesTheStreamBehindIt) {
         EXPECT_EQ(trace.Text(), std::string("ZAV_FindDictionaryInText: found dictionary ") + name + "\n");
         EXPECT_EQ(0u, std::string(std::istreambuf_iterator<char>(is), {}).find(rest));
     }
-    std::istringstream quoted("<< (my\\040lamp) << /a 1 >> >>"), plain("7");
+    std::istringstream quoted("<< (my\\040lamp) << /a 1 >> >>"), plain("7"), marked("\xef\xbb\xbf/lamp <<>>"),
+        other("\xef\xbb/lamp <<>>");
+    EXPECT_TRUE(Named(marked, "lamp") && !Named(other, "lamp"));
     EXPECT_TRUE(Named(quoted, "my lamp"));
     EXPECT_EQ(Named(plain, "")->GetLongValue(0), 7);
 }

@@ -9,6 +9,7 @@
 
 #include <zavbase/foundation/exception.h>
 #include <zavbase/foundation/tracer.h>
+#include <zavbase/values/uval_text_check_internal.h>
 #include <zavbase/values/uval_text_reader_internal.h>
 
 namespace zav_text {
@@ -18,10 +19,10 @@ namespace {
 constinit std::atomic<unsigned long> gNestingLimit{10000};
 constinit thread_local ZAV_UValTextError gLastError = {0, 0, "", ""};
 
-// Positions and lengths of a text have 32 bits.
-constexpr size_t MOST_BYTES = 0x7FFFFFFF;
+const char TOO_LONG_ERROR[] = "Text is longer than 2147483647 bytes";
 
-// The word at `found`, at most as long as the record has room; other bytes than printable ones as "?".
+} // namespace
+
 void CopyFound(char (&to)[48], const char* found, const char* end) {
     size_t n = 0;
     for (; found < end && n < sizeof to - 1; ++n, ++found) {
@@ -31,6 +32,8 @@ void CopyFound(char (&to)[48], const char* found, const char* end) {
     if (n == 0) n = static_cast<size_t>(std::snprintf(to, sizeof to, "end of input"));
     to[n] = '\0';
 }
+
+namespace {
 
 // What is left of a stream, in one piece and with a NUL behind it.
 class StreamText {
@@ -68,11 +71,18 @@ void StreamText::Take(std::istream& is) {
 }
 
 void StreamText::Reserve(size_t room) {
-    if (room > MOST_BYTES) ZAV_ThrowFileException(2, 0);
+    if (room > MOST_BYTES) FailReading(TOO_LONG_ERROR, Place(), mData, mData + mSize);
     char* data = static_cast<char*>(std::realloc(mData, room));
     if (!data) throw std::bad_alloc();
     mData = data;
     mRoom = room;
+}
+
+void ReadAll(std::istream& is, StreamText& text, ZAV_UVal*& result) {
+    result = nullptr;
+    ClearTextError();
+    text.Take(is);
+    result = Reader(text.Data(), text.Size()).Read();
 }
 
 } // namespace
@@ -103,13 +113,23 @@ void SetTextError(const char* message, Place place, const char* found, const cha
     CopyFound(gLastError.mFound, found, foundEnd);
 }
 
+void FailReading(const char* message, Place place, const char* found, const char* foundEnd) {
+    SetTextError(message, place, found, foundEnd);
+    ZAV_BASE_TRACE(0x1, message);
+    ZAV_ThrowFileException(2, 0);
+}
+
 } // namespace zav_text
 
 void ZAV_ReadUValTxt(std::istream& is, ZAV_UVal*& result) {
-    result = nullptr;
     zav_text::StreamText text;
-    text.Take(is);
-    result = zav_text::Reader(text.Data(), text.Size()).Read();
+    zav_text::ReadAll(is, text, result);
+}
+
+void ZAV_CheckUValTxt(std::istream& is, ZAV_UVal*& result, ZAV_UValTextRemarkFunc tell, void* context) {
+    zav_text::StreamText text;
+    zav_text::ReadAll(is, text, result);
+    zav_text::Inspector(text.Data(), text.Size(), tell, context).Inspect();
 }
 
 void ZAV_ReadUValTxt(std::istream& is, ZAV_UVal*& result, ZAV_String name) {
@@ -123,7 +143,8 @@ void ZAV_ReadUValTxt(std::istream& is, ZAV_UVal*& result, ZAV_String name) {
         return;
     }
     ZAV_BASE_TRACE(0x10, "ZAV_FindDictionaryInText: found dictionary " << name);
-    if (text.size() > zav_text::MOST_BYTES) ZAV_ThrowFileException(2, 0);
+    if (text.size() > zav_text::MOST_BYTES)
+        zav_text::FailReading(zav_text::TOO_LONG_ERROR, place, text.data(), text.data() + text.size());
     result = zav_text::Reader(text.data(), text.size(), place).Read();
 }
 

@@ -22,7 +22,9 @@
 /// that match need no backslash. "%" where a token would start begins a comment up to the end of the line.
 /// The keywords that fix a type are zavchar zavuchar zavshort zavushort zavlong zavulong zavfloat zavdouble
 /// zavstring zavutfstring zavptr. A word made of digits and "-" is an integer, modulo 2^32; another word that
-/// begins with a digit, "-" or "." is a real.
+/// begins with a digit, "-" or "." is a real. A text may begin with a byte-order mark (UTF-8), which is
+/// passed over; elsewhere one is an error, but in a string, name or comment. ZAV_CheckUValTxt
+/// (uval_text_check.h) tells what was read although hardly anybody means it.
 ///
 /// What the form does not keep: reals have six decimals (or the stream's precision), pointers become null, an
 /// entry under an empty key is dropped on reading, entries without value are not written. An infinity is
@@ -51,15 +53,15 @@ ZAV_API void ZAV_ReadUValTxt(std::istream& is, ZAV_UVal*& result);
 /// line is traced, and `result` is null. With an empty name the same as the reading above.
 ZAV_API void ZAV_ReadUValTxt(std::istream& is, ZAV_UVal*& result, ZAV_String name);
 
-/// Where and why the calling thread's last reading of a text failed.
+/// Where and why the calling thread's last reading of a text or a value file failed.
 struct ZAV_UValTextError {
-    long mLine;           ///< from 1, counted from where reading began; 0 when the last reading succeeded
-    long mColumn;         ///< in bytes from 1
+    long mLine;   ///< from 1, counted from where reading began; 0 when it succeeded or failed without a place
+    long mColumn; ///< in bytes from 1
     const char* mMessage; ///< the traced text, a literal; never null
     char mFound[48];      ///< what stood there, cut and made printable; "end of input" at the end
 };
 
-/// Valid until the thread reads another text.
+/// Valid until the thread reads another text or value file.
 ZAV_API const ZAV_UValTextError& ZAV_GetUValTextError();
 
 /// How deep dictionaries in a text or binary file may nest; a path key counts each of its levels. Deeper

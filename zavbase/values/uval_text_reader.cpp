@@ -24,9 +24,6 @@ const char ARRAY_TYPE_ERROR[] = "Illegal type in array";
 const char EMPTY_ARRAY_ERROR[] = "Empty arrays are not supported";
 const char ARRAY_MARK_ERROR[] = "[ ] pairs do not match";
 
-// Keywords stand in the order of the types, from UVAL_CHAR on.
-ZAV_UValType TypeOfKeyword(int keyword) { return static_cast<ZAV_UValType>(UVAL_CHAR + keyword); }
-
 // A pointer written as a number: the text form writes only zeros, a hand-written file may hold an address.
 void* PointerFrom(int32_t number) {
     return reinterpret_cast<void*>(static_cast<uintptr_t>(static_cast<uint32_t>(number)));
@@ -65,8 +62,9 @@ bool IsOneKey(const char* key, size_t length) {
 } // namespace
 
 Reader::Reader(const char* text, size_t size, Place origin)
-    : mTokens(text, size), mText(text), mTextEnd(text + size), mTokenStart(text), mOrigin(origin),
-      mMark(NO_MARK), mOpenDicts(0), mNestingLimit(ZAV_GetUValNestingLimit()) {}
+    : mTokens(text + MarkSize(text, size), size - MarkSize(text, size)), mText(text + MarkSize(text, size)),
+      mTextEnd(text + size), mTokenStart(mText), mOrigin(origin), mDictMark(NO_MARK), mArrayMark(NO_MARK),
+      mOpenDicts(0), mNestingLimit(ZAV_GetUValNestingLimit()) {}
 
 Reader::~Reader() {
     for (const Item& item : mItems)
@@ -84,9 +82,7 @@ ZAV_UVal* Reader::Read() {
 }
 
 void Reader::Fail(const char* message) {
-    SetTextError(message, mOrigin.After(mText, mTokenStart), mTokenStart, mTextEnd);
-    ZAV_BASE_TRACE(0x1, message);
-    ZAV_ThrowFileException(2, 0);
+    FailReading(message, mOrigin.After(mText, mTokenStart), mTokenStart, mTextEnd);
 }
 
 bool Reader::Take(const Token& token) {
@@ -139,8 +135,9 @@ void Reader::PushValue(ZAV_UVal* value, uint32_t depth) {
 
 void Reader::PushMark(ItemKind kind) {
     if (kind == ITEM_DICT && ++mOpenDicts > mNestingLimit && mNestingLimit) Fail(HIERARCHY_ERROR);
-    size_t outer = mMark;
-    mMark = mItems.size();
+    size_t& mark = kind == ITEM_DICT ? mDictMark : mArrayMark;
+    size_t outer = mark;
+    mark = mItems.size();
     Push(kind).mOuterMark = outer;
 }
 
@@ -165,8 +162,7 @@ void Reader::PushRaw(const Token& token) {
 void Reader::TakeScalar(const Token& token) {
     TokenKind kind = token.mKind;
     int keyword = mTokens.TakeKeyword();
-    ZAV_UValType type = kind == TOKEN_INTEGER ? UVAL_LONG : kind == TOKEN_REAL ? UVAL_DOUBLE : UVAL_STRING;
-    if (keyword != NO_KEYWORD) type = TypeOfKeyword(keyword);
+    ZAV_UValType type = keyword == NO_KEYWORD ? DefaultType(kind) : TypeOfKeyword(keyword);
     std::unique_ptr<ZAV_UVal> value(ZAV_NewUVal(type));
     if (kind == TOKEN_INTEGER)
         StoreInteger(*value, type, token.mInteger, 0);
@@ -178,21 +174,17 @@ void Reader::TakeScalar(const Token& token) {
     value.release();
 }
 
-size_t Reader::FindMark(ItemKind kind) const {
-    size_t mark = mMark;
-    while (mark != NO_MARK && mItems[mark].mKind != kind) mark = mItems[mark].mOuterMark;
-    return mark;
-}
-
-// Takes a mark and what stands on it from the stack; the values there have found their owner.
-void Reader::CloseMark(size_t mark) {
-    mMark = mItems[mark].mOuterMark;
-    mItems.resize(mark);
+// Takes the innermost mark of its kind and what stands on it from the stack; the values there have found
+// their owner, and no mark of the other kind is among them.
+void Reader::CloseMark(size_t& mark) {
+    size_t closed = mark;
+    mark = mItems[closed].mOuterMark;
+    mItems.resize(closed);
 }
 
 void Reader::CloseArray() {
     int keyword = mTokens.TakeKeyword();
-    size_t mark = FindMark(ITEM_ARRAY);
+    size_t mark = mArrayMark;
     if (mark == NO_MARK) Fail(ARRAY_MARK_ERROR);
     if (mark + 1 == mItems.size()) Fail(EMPTY_ARRAY_ERROR);
     ZAV_UValType type = ArrayType(mark, keyword);
@@ -202,8 +194,8 @@ void Reader::CloseArray() {
                   (type == UVAL_DOUBLE && FillNumbers<ZAV_UValDouble, ITEM_REAL>(*value, mark + 1));
     for (size_t i = 0; !filled && i < count; ++i)
         StoreElement(*value, type, mItems[mark + 1 + i], static_cast<long>(i));
-    CloseMark(mark);
-    if (FindMark(ITEM_ARRAY) == NO_MARK) mDecoded.clear();
+    CloseMark(mArrayMark);
+    if (mArrayMark == NO_MARK) mDecoded.clear();
     PushValue(value.get(), 0);
     value.release();
 }
@@ -234,9 +226,11 @@ bool Reader::FillNumbers(ZAV_UVal& value, size_t first) const {
 }
 
 void Reader::StoreElement(ZAV_UVal& value, ZAV_UValType type, const Item& item, long index) {
-    if (item.mKind == ITEM_INTEGER)
-        StoreInteger(value, type, item.mInteger, index);
-    else if (item.mKind == ITEM_REAL)
+    // An array of pointers is not defined at first, and ignores reals.
+    if (item.mKind == ITEM_INTEGER || type == UVAL_PTR)
+        StoreInteger(value, type, item.mKind == ITEM_INTEGER ? item.mInteger : 0, index);
+    if (item.mKind == ITEM_INTEGER) return;
+    if (item.mKind == ITEM_REAL)
         value.SetDoubleValue(item.mReal, index);
     else
         StoreString(value, type, TextOf(item), item.mLength, index);
@@ -247,7 +241,7 @@ const char* Reader::TextOf(const Item& item) const {
 }
 
 void Reader::CloseDict() {
-    size_t mark = FindMark(ITEM_DICT);
+    size_t mark = mDictMark;
     if (mark == NO_MARK) Fail(DICT_MARK_ERROR);
     if ((mItems.size() - mark) % 2 == 0) Fail(PAIR_COUNT_ERROR);
     std::unique_ptr<ZAV_UValDict> dict;
@@ -263,7 +257,7 @@ void Reader::CloseDict() {
         for (size_t i = mark + 1; i < mItems.size(); i += 2)
             if (mItems[i].mKind == ITEM_VALUE) delete mItems[i].mValue;
     }
-    CloseMark(mark);
+    CloseMark(mDictMark);
     --mOpenDicts;
     PushValue(dict.get(), depth + 1);
     dict.release();

@@ -12,6 +12,9 @@
 
 namespace zav_text {
 
+/// Positions and lengths of a text have 32 bits.
+constexpr size_t MOST_BYTES = 0x7FFFFFFF;
+
 /// A place in a text, for the error record.
 struct Place {
     long mLine = 1;
@@ -58,7 +61,7 @@ private:
             const char* mText;
             size_t mDecodedAt;
             ZAV_UVal* mValue;
-            size_t mOuterMark; // of a mark: the index of the mark around it
+            size_t mOuterMark; // of a mark: the index of the one of its kind around it
         };
     };
     typedef std::vector<Item>::iterator ItemRef;
@@ -70,8 +73,7 @@ private:
     void PushMark(ItemKind kind);
     void PushValue(ZAV_UVal* value, uint32_t depth);
     Item& Push(ItemKind kind);
-    size_t FindMark(ItemKind kind) const;
-    void CloseMark(size_t mark);
+    void CloseMark(size_t& mark);
 
     void CloseArray();
     ZAV_UValType ArrayType(size_t mark, int keyword);
@@ -85,7 +87,7 @@ private:
     uint32_t CheckedDepth(const Item& value, uint32_t levels);
     uint32_t StorePair(ZAV_UValDict& dict, const Item& key, Item& value);
 
-    bool InArray() const { return mMark != NO_MARK && mItems[mMark].mKind == ITEM_ARRAY; }
+    bool InArray() const { return mArrayMark != NO_MARK && (mDictMark == NO_MARK || mDictMark < mArrayMark); }
     const char* TextOf(const Item& item) const;
     [[noreturn]] void Fail(const char* message);
 
@@ -96,7 +98,9 @@ private:
     Place mOrigin;
     std::vector<Item> mItems;
     std::string mDecoded; // texts of the open arrays' ITEM_DECODED
-    size_t mMark;         // the innermost open mark
+    // The innermost open marks: each kind has its own, so that an end finds the one it closes at once.
+    size_t mDictMark;
+    size_t mArrayMark;
     unsigned long mOpenDicts;
     unsigned long mNestingLimit;
     ZAV_UValDict::Filler mFiller;
@@ -110,6 +114,12 @@ bool FindDictionary(std::istream& is, const char* name, size_t length, std::stri
 /// Notes that reading went well, or failed at `place`, where `found` stood.
 void ClearTextError();
 void SetTextError(const char* message, Place place, const char* found, const char* foundEnd);
+
+/// Copies the word at `found`, at most as long as there is room; other bytes than printable ones as "?".
+void CopyFound(char (&to)[48], const char* found, const char* end);
+
+/// Traces and notes that reading failed for `message`, and throws.
+[[noreturn]] void FailReading(const char* message, Place place, const char* found, const char* foundEnd);
 
 extern const char* const HIERARCHY_ERROR;
 

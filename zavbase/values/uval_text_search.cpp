@@ -15,11 +15,14 @@ public:
 
     explicit StreamLexer(std::streambuf& source) : mSource(source) {}
 
+    /// At the start of the text: passes over a byte-order mark.
+    void SkipMark();
     Kind Next();
     /// Of a KEY: the name or the decoded string.
     const std::string& Key() const { return mKey; }
     /// From now on all bytes taken are appended to `text`.
     void CopyTo(std::string* text) { mCopy = text; }
+    size_t Copied() const { return mCopy ? mCopy->size() : 0; }
     Place TokenPlace() const { return mTokenPlace; }
 
 private:
@@ -44,6 +47,14 @@ char StreamLexer::Take() {
     mPlace.Pass(c);
     if (mCopy) mCopy->push_back(c);
     return c;
+}
+
+// A word that begins like the mark is no key.
+void StreamLexer::SkipMark() {
+    const char* mark = BYTE_ORDER_MARK;
+    while (*mark && Peek() == Traits::to_int_type(*mark)) Take(), ++mark;
+    if (*mark && mark != BYTE_ORDER_MARK) return TakeWord();
+    mPlace = Place();
 }
 
 bool StreamLexer::AtWordEnd() {
@@ -120,7 +131,7 @@ StreamLexer::Kind StreamLexer::Next() {
 
 // The "<<" is taken and copied; copies the rest of the dictionary.
 void TakeDictionary(StreamLexer& lexer) {
-    for (unsigned long open = 1; open > 0;) {
+    for (unsigned long open = 1; open > 0 && lexer.Copied() <= MOST_BYTES;) {
         StreamLexer::Kind kind = lexer.Next();
         if (kind == StreamLexer::OPEN) ++open;
         if (kind == StreamLexer::CLOSE) --open;
@@ -133,6 +144,7 @@ void TakeDictionary(StreamLexer& lexer) {
 bool FindDictionary(std::istream& is, const char* name, size_t length, std::string& text, Place& place) {
     if (!is.good() || !is.rdbuf()) return false;
     StreamLexer lexer(*is.rdbuf());
+    lexer.SkipMark();
     bool named = false;
     for (StreamLexer::Kind kind = lexer.Next(); kind != StreamLexer::END; kind = lexer.Next()) {
         if (named && kind == StreamLexer::OPEN) {

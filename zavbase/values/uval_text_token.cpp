@@ -1,6 +1,7 @@
 #include <zavbase/values/uval_text_token_internal.h>
 
 #include <cstring>
+#include <string_view>
 
 #include <zavbase/strings/byte_string.h>
 
@@ -17,9 +18,19 @@ const char* WordEnd(const char* p) {
     return p;
 }
 
+bool HoldsMark(const char* word, const char* end) {
+    return std::string_view(word, static_cast<size_t>(end - word)).find(BYTE_ORDER_MARK) !=
+           std::string_view::npos;
+}
+
 bool IsLineEnd(char c) { return c == '\n' || c == '\r'; }
 
 } // namespace
+
+size_t MarkSize(const char* text, size_t size) {
+    const size_t mark = sizeof BYTE_ORDER_MARK - 1;
+    return size >= mark && std::memcmp(text, BYTE_ORDER_MARK, mark) == 0 ? mark : 0;
+}
 
 int FindKeyword(const char* word, const char* end) {
     size_t length = static_cast<size_t>(end - word);
@@ -176,7 +187,7 @@ void Tokeniser::ReadWord() {
     if (isNumber && ReadInteger()) return;
     const char* end = WordEnd(mCursor);
     bool holdsNul = *end == '\0' && end < mEnd;
-    mToken.mKind = isNumber && !holdsNul ? TOKEN_REAL : TOKEN_INVALID;
+    mToken.mKind = isNumber && !holdsNul && !HoldsMark(mCursor, end) ? TOKEN_REAL : TOKEN_INVALID;
     if (mToken.mKind == TOKEN_REAL) mToken.mReal = ZAV_atof(mCursor, '.');
     mCursor = end;
 }

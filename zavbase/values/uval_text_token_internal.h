@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include <zavbase/values/uval.h>
+
 namespace zav_text {
 
 /// What a byte means where a token begins and where a word goes on.
@@ -42,7 +44,7 @@ constexpr CharTable::CharTable() : mClass{} {
 
 inline constexpr CharTable gChars;
 
-/// The value types' keywords, in the order of their indices, and the type of an index.
+/// The value types' keywords, in the order of the types, from UVAL_CHAR on.
 constexpr int KEYWORD_COUNT = 11;
 extern const char* const gKeywords[KEYWORD_COUNT];
 constexpr int NO_KEYWORD = -1;
@@ -82,6 +84,9 @@ public:
     /// Consumes the next token if it is a type keyword and returns the keyword's index, else NO_KEYWORD.
     int TakeKeyword();
 
+    /// Behind what was taken last.
+    const char* Cursor() const { return mCursor; }
+
 private:
     void SkipBlanks();
     void ReadName();
@@ -100,8 +105,19 @@ private:
 /// The byte that an escape stands for; `p` points behind the backslash and is moved behind the escape.
 char Unescape(const char*& p);
 
+inline constexpr char BYTE_ORDER_MARK[] = "\xEF\xBB\xBF";
+
+/// The size of the byte-order mark that a text in UTF-8 may begin with; 0 without one.
+size_t MarkSize(const char* text, size_t size);
+
 /// The index of the keyword that the word [word, end) is, else NO_KEYWORD.
 int FindKeyword(const char* word, const char* end);
+
+/// The type that a keyword stands for, and the one of a number or string without a keyword.
+inline ZAV_UValType TypeOfKeyword(int keyword) { return static_cast<ZAV_UValType>(UVAL_CHAR + keyword); }
+inline ZAV_UValType DefaultType(TokenKind kind) {
+    return kind == TOKEN_INTEGER ? UVAL_LONG : kind == TOKEN_REAL ? UVAL_DOUBLE : UVAL_STRING;
+}
 
 } // namespace zav_text
 

@@ -4,6 +4,7 @@
 #include <streambuf>
 
 #include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/tracer.h>
 #include <zavbase/os/file.h>
 #include <zavbase/strings/system_string.h>
 #include <zavbase/values/bin_pack.h>
@@ -33,6 +34,7 @@ const char* NameOf(const ZAV_SystemString& file) { return file.GetSystemString()
 class WholeFile {
 public:
     explicit WholeFile(const ZAV_SystemString& file) {
+        zav_text::ClearTextError(); // what is told is about this file
         zav_os::ReadStatus status = zav_os::ReadWholeFile(NameOf(file), 0x7FFFFFFF, &mBytes);
         if (status == zav_os::READ_NOT_OPEN) ZAV_ThrowFileException(OPEN_READ_ERROR, 0);
         if (status != zav_os::READ_DONE) ZAV_ThrowFileException(READ_ERROR, 0);
@@ -107,7 +109,10 @@ void ReadBinary(const WholeFile& file, ZAV_UValDict& dict) {
     } catch (ZAV_BinPackException* e) {
         e->Delete();
     }
-    if (!isValid) ZAV_ThrowFileException(INVALID_FILE, 0);
+    if (isValid) return;
+    ZAV_BASE_TRACE(0x1, "Binary value file is malformed near byte "
+                            << cursor - reinterpret_cast<const unsigned char*>(file.Data()));
+    ZAV_ThrowFileException(INVALID_FILE, 0);
 }
 
 void ReadText(const WholeFile& file, const ZAV_String& name, std::unique_ptr<ZAV_UVal>& value) {
@@ -124,11 +129,9 @@ void ReadText(const WholeFile& file, const ZAV_String& name, std::unique_ptr<ZAV
 
 // The top of a file must be a dictionary.
 ZAV_UValDict& DictIn(const WholeFile& file, ZAV_UVal& value) {
-    if (value.GetType() != UVAL_DICT) {
-        zav_text::SetTextError(zav_text::HIERARCHY_ERROR, zav_text::Place(), file.Data(),
-                               file.Data() + file.Size());
-        ZAV_ThrowFileException(INVALID_FILE, 0);
-    }
+    if (value.GetType() != UVAL_DICT)
+        zav_text::FailReading(zav_text::HIERARCHY_ERROR, zav_text::Place(), file.Data(),
+                              file.Data() + file.Size());
     return static_cast<ZAV_UValDict&>(value);
 }
 
