@@ -19,3 +19,10 @@ file(RELATIVE_PATH up /root/${CMAKE_INSTALL_LIBDIR}/pkgconfig /root)
 string(REGEX REPLACE "/$" "" ZAVBASE_PC_PREFIX "${up}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/zavbase.pc.in ${PROJECT_BINARY_DIR}/zavbase.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zavbase.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# What debuggers show of the objects: gdb loads its printers from beside the library.
+if(NOT WIN32)
+    install(FILES ${PROJECT_SOURCE_DIR}/tools/debug/zavbase-gdb.py DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            RENAME libzavbase.so.${PROJECT_VERSION}-gdb.py)
+endif()
+install(FILES ${PROJECT_SOURCE_DIR}/tools/debug/zavbase.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/zavbase)
