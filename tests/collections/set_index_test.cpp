@@ -32,3 +32,29 @@ TEST(SetIndex, ServesTheLibrarysKeysAndNothingElse) {
     for (ZAV_CltObject* o : std::initializer_list<ZAV_CltObject*>{&nothing, &probe, &ofProbe, nullptr})
         EXPECT_FALSE(Serves({&a, o}));
 }
+
+namespace {
+
+/// Classes to register, all of whose objects are equal by the same byte, each to its own kind only.
+template <int N>
+struct Registered : ZAV_CltObject {
+    static const char* Bytes(const ZAV_CltObject*, uint32_t* length) { return *length = 1, "x"; }
+    static bool Take() { return zav_strong::RegisterKeyClass(typeid(Registered), &Bytes); }
+};
+
+} // namespace
+
+TEST(SetIndex, TakesFourClassesAndRefusesMore) {
+    // The entries of value dictionaries are the first. One that is known needs no more room.
+    EXPECT_TRUE(Registered<1>::Take() && Registered<1>::Take() && Registered<2>::Take());
+    EXPECT_TRUE(Registered<3>::Take());
+    EXPECT_FALSE(Registered<4>::Take());
+    Registered<1> one, twin;
+    Registered<2> two;
+    Registered<3> three;
+    Registered<4> four;
+    ZAV_CltString text("x");
+    ZAV_AssocUVal entry("x", nullptr);
+    EXPECT_TRUE(Serves({&one, &two, &three, &text, &entry})) << "none is taken for another";
+    EXPECT_FALSE(Serves({&one, &twin}) || Serves({&text, &four}));
+}

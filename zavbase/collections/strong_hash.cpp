@@ -75,11 +75,14 @@ uint64_t Mix(uint64_t h, uint64_t word) {
 
 } // namespace
 
-void RegisterKeyClass(const std::type_info& type, BytesOf bytes) {
+bool RegisterKeyClass(const std::type_info& type, BytesOf bytes) {
     const int n = registeredCount.load(std::memory_order_relaxed);
-    if (n == MAX_CLASSES) return;
+    for (int i = 0; i < n; ++i)
+        if (registered[i].mType == &type) return true;
+    if (n == MAX_CLASSES) return false;
     registered[n] = {&type, bytes};
     registeredCount.store(n + 1, std::memory_order_release);
+    return true;
 }
 
 bool View(const ZAV_CltObject* o, KeyView& v) {

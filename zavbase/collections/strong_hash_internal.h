@@ -27,8 +27,9 @@ typedef const char* (*BytesOf)(const ZAV_CltObject* o, uint32_t* length);
 
 /// Makes a class known whose IsEqual is true exactly for objects of the same class with equal bytes, and
 /// whose Hash() depends on these bytes only. To be called when the library is loaded, from a static
-/// initialiser; the table it fills needs none. At most 4 classes.
-void RegisterKeyClass(const std::type_info& type, BytesOf bytes);
+/// initialiser; the table it fills needs none. At most 4 classes: false for a fifth, whose objects stay
+/// strangers.
+bool RegisterKeyClass(const std::type_info& type, BytesOf bytes);
 
 /// Fills `v` and returns true when the exact class of `o` is known.
 bool View(const ZAV_CltObject* o, KeyView& v);
