@@ -34,9 +34,21 @@ TEST(CltString, EqualityIsOfBytesAndOrderOfText) {
     EXPECT_EQ(0, a.Compare(static_cast<ZAV_CltObject*>(&b)));
     EXPECT_LT(x.Compare(static_cast<ZAV_CltObject*>(&y)), 0);
     EXPECT_TRUE(ZAV_CltString("").IsEqual(std::make_unique<ZAV_CltString>(ZAV_String()).get()));
-    // The nil object stands beside texts in arrays with empty slots.
-    EXPECT_FALSE(x.IsEqual(GetNilObj()));
-    EXPECT_TRUE(x.Compare(GetNilObj()) == 0 && ZAV_Integer(-7).Compare(GetNilObj()) == 0);
+    // Objects that are no texts stand beside texts in arrays and tables.
+    ZAV_CltUTFString utf("x");
+    ZAV_Integer number(static_cast<long>(x.Hash()));
+    ZAV_LinkObj held(&x), empty(nullptr);
+    ZAV_Set mixed;
+    for (ZAV_CltObject* o : std::initializer_list<ZAV_CltObject*>{&number, &x})
+        EXPECT_EQ(o, mixed.Add(o)) << "of one hash";
+    for (ZAV_CltObject* o : std::initializer_list<ZAV_CltObject*>{GetNilObj(), &number, &held, &empty}) {
+        EXPECT_FALSE(x.IsEqual(o) || utf.IsEqual(o));
+        EXPECT_TRUE(x.Compare(o) == 0 && utf.Compare(o) == 0);
+    }
+    EXPECT_TRUE(x.IsEqual(&utf) && utf.IsEqual(&x) && mixed.Add(&utf) == &x && held.IsEqual(&utf));
+    EXPECT_EQ(0, ZAV_Integer(-7).Compare(GetNilObj()));
+    EXPECT_TRUE(empty.Hash() == 0 && empty.Size() == 0 && !empty.IsEqual(&x) && empty.Compare(&x) == 0);
+    EXPECT_EQ("", Printed(empty));
 }
 
 TEST(CltString, BothBasesSeeTheSameObject) {
@@ -98,6 +110,6 @@ TEST(Integer, Wraps) {
     ZAV_CltString text("5");
     EXPECT_FALSE(ZAV_Integer(5).IsEqual(&text));
     std::ostringstream os;
-    os << std::hex << high;
-    EXPECT_EQ("2147483647", os.str());
+    os << std::hex << high << ' ' << 255;
+    EXPECT_EQ("2147483647 ff", os.str()) << "decimal, and the stream stays as it was";
 }

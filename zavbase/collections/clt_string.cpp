@@ -2,8 +2,6 @@
 
 #include <cstring>
 
-#include <zavbase/collections/nil_internal.h>
-
 ZAV_DEFINE_CLASS(ZAV_CltString, ZAV_CltObject)
 ZAV_DEFINE_CLASS(ZAV_CltUTFString, ZAV_CltObject)
 
@@ -19,8 +17,24 @@ boolean_t SameBytes(const ZAV_Str& a, const ZAV_Str& b) {
     return ZAV_Bool(a.Size() == b.Size() && std::memcmp(a.Ptr(), b.Ptr(), a.Size()) == 0);
 }
 
-// The nil object comes up where arrays with empty slots are compared; it is no string to cast to.
-bool IsNothing(const ZAV_CltObject* o) { return !o || o == ZAV_Nil(); }
+// The text of an object of either class, or null. Objects of other classes come up beside texts in tables and
+// arrays.
+const ZAV_Str* TextOf(const ZAV_CltObject* o) {
+    if (!o) return nullptr;
+    if (o->IsKindOf(&ZAV_CltString::classZAV_CltString)) return static_cast<const ZAV_CltString*>(o);
+    if (o->IsKindOf(&ZAV_CltUTFString::classZAV_CltUTFString)) return static_cast<const ZAV_CltUTFString*>(o);
+    return nullptr;
+}
+
+boolean_t IsEqualText(const ZAV_Str& s, const ZAV_CltObject* o) {
+    const ZAV_Str* other = TextOf(o);
+    return other ? SameBytes(s, *other) : B_FALSE;
+}
+
+int CompareTexts(const ZAV_Str& s, const ZAV_CltObject* o) {
+    const ZAV_Str* other = TextOf(o);
+    return other ? s.Compare(*other) : 0;
+}
 
 } // namespace
 
@@ -42,13 +56,8 @@ ZAV_CltString& ZAV_CltString::operator=(const ZAV_CltString& s) {
 void ZAV_CltString::PrintOn(std::ostream& os) { ZAV_String::PrintOn(os); }
 unsigned int ZAV_CltString::Size() const { return ZAV_Str::Size(); }
 
-boolean_t ZAV_CltString::IsEqual(const ZAV_CltObject* o) {
-    return IsNothing(o) ? B_FALSE : SameBytes(*this, *Castdown(o));
-}
-
-int ZAV_CltString::Compare(const ZAV_CltObject* o) const {
-    return IsNothing(o) ? 0 : ZAV_Str::Compare(*Castdown(o));
-}
+boolean_t ZAV_CltString::IsEqual(const ZAV_CltObject* o) { return IsEqualText(*this, o); }
+int ZAV_CltString::Compare(const ZAV_CltObject* o) const { return CompareTexts(*this, o); }
 
 unsigned int ZAV_CltString::Hash() const { return ZAV_StringHash(Ptr(), ZAV_Str::Size()); }
 ZAV_CltObject* ZAV_CltString::ShallowCopy() const { return new ZAV_CltString(*this); }
@@ -63,13 +72,8 @@ ZAV_CltUTFString& ZAV_CltUTFString::operator=(const ZAV_CltUTFString& s) {
 void ZAV_CltUTFString::PrintOn(std::ostream& os) { ZAV_UTFString::PrintOn(os); }
 unsigned int ZAV_CltUTFString::Size() const { return ZAV_Str::Size(); }
 
-boolean_t ZAV_CltUTFString::IsEqual(const ZAV_CltObject* o) {
-    return IsNothing(o) ? B_FALSE : SameBytes(*this, *Castdown(o));
-}
-
-int ZAV_CltUTFString::Compare(const ZAV_CltObject* o) const {
-    return IsNothing(o) ? 0 : ZAV_Str::Compare(*Castdown(o));
-}
+boolean_t ZAV_CltUTFString::IsEqual(const ZAV_CltObject* o) { return IsEqualText(*this, o); }
+int ZAV_CltUTFString::Compare(const ZAV_CltObject* o) const { return CompareTexts(*this, o); }
 
 unsigned int ZAV_CltUTFString::Hash() const { return ZAV_StringHash(Ptr(), ZAV_Str::Size()); }
 ZAV_CltObject* ZAV_CltUTFString::ShallowCopy() const { return new ZAV_CltUTFString(*this); }

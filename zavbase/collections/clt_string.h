@@ -25,9 +25,9 @@ public:
 
     void PrintOn(std::ostream& os) override; ///< writes the text
     unsigned int Size() const override;      ///< the number of bytes
-    /// Whether length and all bytes are equal. `o` must be of the same class; the nil object is not equal.
+    /// Whether `o` is a text, of this class or ZAV_CltUTFString, of the same length and bytes.
     boolean_t IsEqual(const ZAV_CltObject* o) override;
-    /// As strcmp. `o` must be of the same class; the nil object compares as 0.
+    /// As strcmp; what is no text compares as 0.
     int Compare(const ZAV_CltObject* o) const override;
     using ZAV_String::Compare;
     unsigned int Hash() const override;

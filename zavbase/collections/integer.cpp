@@ -1,6 +1,7 @@
 #include <zavbase/collections/integer.h>
 
 #include <ostream>
+#include <string>
 
 #include <zavbase/collections/nil_internal.h>
 
@@ -13,7 +14,8 @@ ZAV_Integer& ZAV_Integer::operator=(const ZAV_Integer& o) {
     return *this;
 }
 
-void ZAV_Integer::PrintOn(std::ostream& os) { os << std::dec << mValue; }
+// Decimal whatever the stream's flags are, and they stay.
+void ZAV_Integer::PrintOn(std::ostream& os) { os << std::to_string(mValue); }
 
 boolean_t ZAV_Integer::IsEqual(const ZAV_CltObject* o) {
     return ZAV_Bool(o && o->IsSpecies(Species()) && Castdown(o)->mValue == mValue);

@@ -26,12 +26,15 @@ ZAV_LinkObj& ZAV_LinkObj::operator=(const ZAV_LinkObj& o) {
     return *this;
 }
 
-void ZAV_LinkObj::PrintOn(std::ostream& os) { os << mObject; }
-unsigned int ZAV_LinkObj::Size() const { return mObject->Size(); }
-
-boolean_t ZAV_LinkObj::IsEqual(const ZAV_CltObject* o) {
-    return o ? const_cast<ZAV_CltObject*>(o)->IsEqual(mObject) : B_FALSE;
+void ZAV_LinkObj::PrintOn(std::ostream& os) {
+    if (mObject) mObject->PrintOn(os);
 }
 
-int ZAV_LinkObj::Compare(const ZAV_CltObject* o) const { return o->Compare(mObject); }
-unsigned int ZAV_LinkObj::Hash() const { return mObject->Hash(); }
+unsigned int ZAV_LinkObj::Size() const { return mObject ? mObject->Size() : 0; }
+
+boolean_t ZAV_LinkObj::IsEqual(const ZAV_CltObject* o) {
+    return o && mObject ? const_cast<ZAV_CltObject*>(o)->IsEqual(mObject) : B_FALSE;
+}
+
+int ZAV_LinkObj::Compare(const ZAV_CltObject* o) const { return o && mObject ? o->Compare(mObject) : 0; }
+unsigned int ZAV_LinkObj::Hash() const { return mObject ? mObject->Hash() : 0; }

@@ -33,7 +33,7 @@ private:
 
 /// A link that carries any collectable object, not owned. Equality, order, hash, size and print are the
 /// object's; IsEqual and Compare ask the other object with the carried one as argument, as ZAV_LookupKey
-/// does.
+/// does. One that carries null is empty: it has hash and size 0, prints nothing and is equal to nothing.
 class ZAV_API ZAV_LinkObj : public ZAV_Link {
     ZAV_DECLARE_CLASS(ZAV_LinkObj)
 public:
