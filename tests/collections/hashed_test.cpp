@@ -76,6 +76,88 @@ TEST(Bag, OwnsItsCountersOnly) {
     EXPECT_EQ(before, Probe::Living());
 }
 
+TEST(Bag, CountsOnlyWhatWasAdded) {
+    Probe p(1), q(2);
+    ZAV_Bag bag;
+    bag.Add(&q);
+    bag.AddWithOccurrences(&p, 0);
+    EXPECT_TRUE(bag.Size() == 1 && bag.Remove(&p) == &p && bag.Remove(&p) == nullptr);
+    EXPECT_EQ(1u, bag.Size());
+}
+
+// Sizes below 0: what was absent was removed.
+TEST(Collection, ConvertsWhateverItsSizeSays) {
+    Probe p[] = {Probe(1), Probe(2), Probe(3)}, absent(9);
+    for (int n : {0, 3}) {
+        ZAV_Set set;
+        for (int i = 0; i < n; ++i) set.Add(&p[i]);
+        for (int i = 0; i < 5; ++i) set.Remove(&absent);
+        const unsigned size = static_cast<unsigned>(n);
+        EXPECT_EQ(size - 5, set.Size()) << "stays as told";
+        EXPECT_EQ(size, std::unique_ptr<ZAV_ArrayObj>(set.AsArrayObj())->Size());
+        EXPECT_EQ(size, std::unique_ptr<ZAV_Bag>(set.AsBag())->Size());
+        EXPECT_EQ(size, std::unique_ptr<ZAV_Set>(set.AsSet())->Size());
+        std::unique_ptr<ZAV_OrderedCltn> ordered(set.AsOrderedCltn());
+        EXPECT_TRUE(ordered->Size() == size && ordered->Capacity() == 16);
+        set.RemoveAll(&set);
+        EXPECT_EQ(nullptr, ++ZAV_Iterator(&set));
+    }
+}
+
+// What is asked for by key or value passes by the values that AddAll puts in.
+TEST(Dictionary, WalksPastWhatIsNoAssociation) {
+    const int before = Probe::Living();
+    {
+        ZAV_CltString k1("1"), k2("2"), text("1");
+        Probe v1(10), v2(20);
+        ZAV_Dictionary from;
+        ZAV_DictAutoDel d;
+        from.AddAssoc(&k1, &v1);
+        from.AddAssoc(&k2, &text);
+        d.AddAll(&from);
+        EXPECT_TRUE(d.Size() == 2 && d.AssocAt(&k1) == nullptr && d.AtKey(&text) == GetNilObj());
+        ZAV_OrderedCltn keys, values;
+        d.AddAssoc(new Probe(5), new Probe(6));
+        d.AddKeysTo(&keys);
+        d.AddValuesTo(&values);
+        EXPECT_TRUE(keys.Size() == 1 && values.Size() == 1 && d.KeyAtValue(&v2) == GetNilObj());
+        EXPECT_TRUE(d.OccurrencesOf(&v1) == 0 && d == d && d.RemoveKey(&text) == nullptr);
+        d.RemoveAndDestroy(&text);
+        EXPECT_EQ(before + 4, Probe::Living());
+        d.ClearAndDestroy();
+        EXPECT_EQ(before + 2, Probe::Living()) << "what is no association is not owned";
+        from.ClearAndDestroy();
+    }
+    EXPECT_EQ(before, Probe::Living());
+}
+
+TEST(Collection, NeverDeletesNil) {
+    const int before = Probe::Living();
+    ZAV_CltObject* const nil = GetNilObj();
+    for (ZAV_CltObject* none : {nil, static_cast<ZAV_CltObject*>(ZAV_Link::GetNilLink())}) {
+        ZAV_DictAutoDel d;
+        for (int i : {1, 2}) d.AddAssoc(new Probe(i), none);
+        d.AddAssoc(none, new Probe(3));
+        Probe sought(1);
+        d.RemoveAndDestroy(&sought);
+        ZAV_Bag bag;
+        ZAV_OrderedCltn ordered;
+        for (int times : {1, 2}) {
+            bag.Add(none);
+            ordered.Add(none);
+            if (times == 1) bag.RemoveAndDestroy(none);
+            if (times == 1) ordered.RemoveAndDestroy(none);
+        }
+        bag.ClearAndDestroy();
+        ordered.ClearAndDestroy();
+    }
+    ZAV_ArrayObj slots(3);
+    std::unique_ptr<ZAV_Bag>(slots.AsBag())->ClearAndDestroy();
+    std::unique_ptr<ZAV_Set>(slots.AsSet())->ClearAndDestroy();
+    EXPECT_EQ(before, Probe::Living());
+    EXPECT_TRUE(nil->IsEqual(nil) && ZAV_Link::GetNilLink()->IsListEnd());
+}
+
 TEST(Collection, DeletesItsElementsWhenAsked) {
     const int before = Probe::Living();
     ZAV_Set set(2);

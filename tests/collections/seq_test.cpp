@@ -143,6 +143,53 @@ TEST(ArrayObj, DestroysWhatItHoldsOnce) {
     }
 }
 
+TEST(OrderedCltn, DestroysWhatIsInUse) {
+    const int before = Probe::Living();
+    Probe behind(1);
+    ZAV_OrderedCltn c(4);
+    c.Add(new Probe(2));
+    c.Add(nullptr);
+    c[3] = &behind;
+    c.ClearAndDestroy();
+    EXPECT_EQ(before + 1, Probe::Living());
+    EXPECT_TRUE(c[0] == GetNilObj() && c[3] == &behind);
+}
+
+// Walking, searching and copying ask a host's class where its elements are.
+TEST(OrderedCltn, AHostsPositionsAreObeyed) {
+    struct Reversed : ZAV_OrderedCltn {
+        using ZAV_OrderedCltn::At;
+        ZAV_CltObject* const& At(int i) const override {
+            return (*this)[static_cast<int>(ZAV_OrderedCltn::Size()) - 1 - i];
+        }
+        unsigned int Size() const override { return ZAV_OrderedCltn::Size() - 1; } // hides the first
+    } c;
+    Probe p[] = {Probe(0), Probe(1), Probe(2), Probe(2)};
+    for (Probe& e : p) c.Add(&e);
+    EXPECT_EQ("probe 2\nprobe 2\nprobe 1", Printed(c));
+    EXPECT_TRUE(c.IndexOf(&p[1]) == 2 && c.IndexOf(&p[0]) == -1 && c.OccurrencesOf(&p[2]) == 2);
+    EXPECT_EQ(3u ^ 1u, c.Hash());
+    EXPECT_TRUE(c.Before(&p[1]) == &p[2] && c.After(&p[3]) == &p[2] && c.After(&p[1]) == GetNilObj());
+    ZAV_OrderedCltn plain;
+    plain.AddAllLast(&c);
+    EXPECT_TRUE(plain == c && !(plain != c) && (c & plain) == plain && plain.Size() == 3);
+    for (ZAV_Collection* copy :
+         {static_cast<ZAV_Collection*>(c.AsOrderedCltn()), static_cast<ZAV_Collection*>(c.AsArrayObj())}) {
+        EXPECT_TRUE(copy->Size() == 3 && copy->At(0) == &p[3]);
+        delete copy;
+    }
+    EXPECT_TRUE(c.Remove(&p[0]) == GetNilObj() && c.Remove(&p[2]) == &p[3] && c[2] == &p[2]);
+    c.AddBefore(&p[1], &p[3]);
+    EXPECT_TRUE(c[1] == &p[3] && c[2] == &p[1]);
+
+    struct Half : ZAV_ArrayObj {
+        Half() : ZAV_ArrayObj(2) {}
+        unsigned int Size() const override { return 1; }
+    } half;
+    EXPECT_TRUE(Printed(half) == "NIL" && half.OccurrencesOf(GetNilObj()) == 1);
+    EXPECT_EQ(1u, std::unique_ptr<ZAV_Bag>(half.AsBag())->Size());
+}
+
 TEST(OrderedCltn, ComparesAndFindsRows) {
     Probe p[] = {Probe(1), Probe(2), Probe(1), Probe(2), Probe(3)};
     ZAV_OrderedCltn c(16), row(16), longer(16), empty(16);
@@ -181,6 +228,40 @@ TEST(LinkedList, IsNotRecursiveHoweverLong) {
     list.ClearAndDestroy();
     EXPECT_EQ(0u, list.Size());
     EXPECT_EQ(before + 1, Probe::Living());
+}
+
+TEST(LinkedList, EndsWhereItsChainDoes) {
+    const int before = Probe::Living();
+    struct Owner : ZAV_Link {
+        Probe mProbe{1};
+    };
+    ZAV_LinkedList a, b;
+    Owner* links[3];
+    for (Owner*& l : links) a.Add(l = new Owner);
+    b.AddAll(&a);
+    EXPECT_TRUE(b.Size() == 3 && b[2] == links[2] && b[3]->IsListEnd() && b.Last() == links[2]);
+    a.Clear();
+    EXPECT_TRUE(a.Size() == 0 && a.First() == ZAV_Link::GetNilLink());
+    for (Owner* l : links) a.Add(l); // again, from under the other list
+    a.AddAll(&a);
+    b.Clear();
+    for (ZAV_LinkedList* list : {&a, &b}) {
+        ZAV_Iterator it(list);
+        for (int steps = 0; ++it; ++steps) ASSERT_LT(steps, 3);
+    }
+    a.Clear();
+    for (ZAV_Link* none : {static_cast<ZAV_Link*>(nullptr), ZAV_Link::GetNilLink()})
+        EXPECT_TRUE(a.Add(none) == none && a.AddFirst(none) == none && a.AddAfter(a.Last(), none) == none);
+    EXPECT_EQ(0u, a.Size());
+    for (Owner* l : links) a.AddAfter(a.Last(), l);
+    ZAV_Iterator it(&a);
+    for (ZAV_CltObject *next, *o = ++it; o; o = next) {
+        next = ++it;
+        if (o != links[1]) a.RemoveAndDestroy(o);
+    }
+    EXPECT_TRUE(Probe::Living() == before + 1 && a.First() == links[1] && a.Last() == links[1]);
+    a.ClearAndDestroy();
+    EXPECT_EQ(before, Probe::Living());
 }
 
 TEST(LinkedList, FindsByEqualityAndRemovesByIdentity) {

@@ -1,6 +1,8 @@
 #include <zavbase/collections/array_obj.h>
 
 #include <algorithm>
+#include <typeinfo>
+#include <utility>
 
 #include <zavbase/collections/iterator.h>
 #include <zavbase/collections/nil_internal.h>
@@ -57,27 +59,29 @@ unsigned int ZAV_ArrayObj::Hash() const {
 
 unsigned int ZAV_ArrayObj::OccurrencesOf(const ZAV_CltObject* o) const {
     unsigned int n = 0;
-    for (uint32_t i = 0; i < mLength; ++i) n += ZAV_OrNil(mArray[i])->IsEqual(o) ? 1 : 0;
+    for (uint32_t i = 0; i < Size(); ++i) n += ZAV_OrNil(At(static_cast<int>(i)))->IsEqual(o) ? 1 : 0;
     return n;
 }
 
 ZAV_Collection* ZAV_ArrayObj::AddContentsTo(ZAV_Collection* target) const {
-    for (uint32_t i = 0; i < mLength; ++i) target->Add(mArray[i]);
+    for (uint32_t i = 0; i < Size(); ++i) target->Add(At(static_cast<int>(i)));
     return target;
 }
 
+// A class of a host may have another Size or At; it is asked every time.
 ZAV_CltObject* ZAV_ArrayObj::DoNext(ZAV_Iterator* it) const {
-    return it->mIndex < mLength ? mArray[it->mIndex++] : nullptr;
+    if (&typeid(*this) == &typeid(ZAV_ArrayObj)) return it->mIndex < mLength ? mArray[it->mIndex++] : nullptr;
+    return it->mIndex < Size() ? At(static_cast<int>(it->mIndex++)) : nullptr;
 }
 
 void ZAV_ArrayObj::Clear() { zav_slots::FillNil(mArray, mArray + mLength); }
 
-void ZAV_ArrayObj::ClearAndDestroy() {
-    for (uint32_t i = 0; i < mLength; ++i) {
-        ZAV_CltObject* o = mArray[i];
-        mArray[i] = ZAV_Nil();
-        if (o != ZAV_Nil()) delete o;
-    }
+void ZAV_ArrayObj::ClearAndDestroy() { DestroyFirst(mLength); }
+
+// Each slot is empty before its element dies, so that a destructor that looks here finds no dead object. Such
+// a one may also shorten the array: the number is read every time.
+void ZAV_ArrayObj::DestroyFirst(const uint32_t& n) {
+    for (uint32_t i = 0; i < n; ++i) ZAV_DestroyElement(std::exchange(mArray[i], ZAV_Nil()));
 }
 
 ZAV_CltObject* ZAV_ArrayObj::ShallowCopy() const { return new ZAV_ArrayObj(*this); }

@@ -50,6 +50,7 @@ private:
     friend class ZAV_OrderedCltn;
     friend class ZAV_Set;
     friend struct ZAV_SetAccess;
+    void DestroyFirst(const uint32_t& n);
     void GrowWithSlack(uint32_t n);
 
     ZAV_CltObject** mArray; // room and helps of the slots stand in a hidden header in front of the first

@@ -52,7 +52,8 @@ ZAV_CltObject* ZAV_Bag::AddWithOccurrences(ZAV_CltObject* o, unsigned int n) {
 ZAV_CltObject* ZAV_Bag::Remove(const ZAV_CltObject* o) {
     ZAV_LookupKey* a = mContents.AssocAt(o);
     if (!a) return nullptr;
-    --mCount;
+    // One that was added 0 times is kept, but not counted.
+    if (CountOf(a) != 0) --mCount;
     if (CountOf(a) > 1) {
         CounterOf(a).Value(static_cast<long>(CountOf(a) - 1));
         return nullptr;
@@ -63,7 +64,7 @@ ZAV_CltObject* ZAV_Bag::Remove(const ZAV_CltObject* o) {
     return kept;
 }
 
-void ZAV_Bag::RemoveAndDestroy(const ZAV_CltObject* o) { delete Remove(o); }
+void ZAV_Bag::RemoveAndDestroy(const ZAV_CltObject* o) { ZAV_DestroyElement(Remove(o)); }
 
 unsigned int ZAV_Bag::OccurrencesOf(const ZAV_CltObject* o) const {
     ZAV_LookupKey* a = mContents.AssocAt(o);
@@ -91,7 +92,7 @@ void ZAV_Bag::Clear() {
 
 void ZAV_Bag::ClearAndDestroy() {
     ZAV_Iterator it(&mContents);
-    while (ZAV_CltObject* a = ++it) delete ZAV_AssocInt::Castdown(a)->Key(nullptr);
+    while (ZAV_CltObject* a = ++it) ZAV_DestroyElement(ZAV_AssocInt::Castdown(a)->Key(nullptr));
     Clear();
 }
 

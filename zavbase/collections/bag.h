@@ -16,11 +16,12 @@ public:
     ZAV_Bag& operator=(const ZAV_Bag& b);
     ~ZAV_Bag() override;
 
-    /// Both return the object kept for this class of equals: `o` itself when it is the first.
+    /// Both return the object kept for this class of equals: `o` itself when it is the first. An object added
+    /// 0 times is kept all the same; walking and Size leave it out.
     ZAV_CltObject* Add(ZAV_CltObject* o) override;
     ZAV_CltObject* AddWithOccurrences(ZAV_CltObject* o, unsigned int n);
-    /// Takes one occurrence away. The kept object is returned with the last one; before that, and for an
-    /// absent object, the result is null.
+    /// Takes one occurrence away. The kept object is returned with the last one, or where there is none;
+    /// before that, and for an absent object, the result is null.
     ZAV_CltObject* Remove(const ZAV_CltObject* o) override;
     void RemoveAndDestroy(const ZAV_CltObject* o) override;
     unsigned int OccurrencesOf(const ZAV_CltObject* o) const override;

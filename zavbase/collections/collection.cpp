@@ -25,8 +25,12 @@ void ZAV_Collection::PrintOn(std::ostream& os) {
 }
 
 ZAV_Collection* ZAV_Collection::AddContentsTo(ZAV_Collection* target) const {
+    // The next element is taken first: adding a link to another list ends its chain here.
     ZAV_Iterator it(this);
-    while (ZAV_CltObject* o = ++it) target->Add(o);
+    for (ZAV_CltObject *next, *o = ++it; o; o = next) {
+        next = ++it;
+        target->Add(o);
+    }
     return target;
 }
 
@@ -61,8 +65,18 @@ void ZAV_Collection::DoReset(ZAV_Iterator* it) const {
 boolean_t ZAV_Collection::Includes(const ZAV_CltObject* o) { return ZAV_Bool(OccurrencesOf(o) != 0); }
 boolean_t ZAV_Collection::IsEmpty() { return ZAV_Bool(Size() == 0); }
 
+// How many elements to make room for. A count that removing what was absent took below 0 is replaced by the
+// number walked.
+static unsigned int CountOf(const ZAV_Collection& c) {
+    unsigned int n = c.Size();
+    if (n <= INT32_MAX) return n;
+    n = 0;
+    for (ZAV_Iterator it(&c); ++it;) ++n;
+    return n;
+}
+
 ZAV_ArrayObj* ZAV_Collection::AsArrayObj() const {
-    ZAV_ArrayObj* array = new ZAV_ArrayObj(Size());
+    ZAV_ArrayObj* array = new ZAV_ArrayObj(CountOf(*this));
     ZAV_Iterator it(this);
     for (uint32_t i = 0; i < array->Size(); ++i) {
         ZAV_CltObject* o = ++it;
@@ -72,7 +86,7 @@ ZAV_ArrayObj* ZAV_Collection::AsArrayObj() const {
     return array;
 }
 
-static unsigned int RoomFor(const ZAV_Collection& c) { return (std::max)(c.Size(), 16u); }
+static unsigned int RoomFor(const ZAV_Collection& c) { return (std::max)(CountOf(c), 16u); }
 
 ZAV_Bag* ZAV_Collection::AsBag() const {
     ZAV_Bag* bag = new ZAV_Bag(RoomFor(*this));

@@ -30,7 +30,8 @@ public:
     unsigned int Hash() const override = 0;
 
     virtual ZAV_CltObject* Add(ZAV_CltObject* o) = 0;
-    /// Adds every element to `target` in iteration order; returns `target`.
+    /// Adds every element to `target` in iteration order; returns `target`. What the elements are is the
+    /// class's own affair: a dictionary adds its values, a linked list its links.
     virtual ZAV_Collection* AddContentsTo(ZAV_Collection* target) const;
     /// The element (of a hashed collection: the raw slot) at a position, which is not checked. The reference
     /// is good until the collection changes.
@@ -52,7 +53,8 @@ public:
     virtual unsigned int OccurrencesOf(const ZAV_CltObject* o) const = 0;
 
     /// New collections for the caller, who deletes them. The array has Size() slots in iteration order; the
-    /// others start with a capacity of Size(), at least 16, and are filled by AddContentsTo.
+    /// others start with a capacity of Size(), at least 16, and are filled by AddContentsTo. A Size that went
+    /// below 0 by removing what was absent stands for the number of elements walked.
     ZAV_ArrayObj* AsArrayObj() const;
     ZAV_Bag* AsBag() const;
     ZAV_Set* AsSet() const;

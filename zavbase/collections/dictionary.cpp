@@ -1,17 +1,31 @@
 #include <zavbase/collections/dictionary.h>
 
+#include <typeinfo>
+
 #include <zavbase/collections/iterator.h>
 #include <zavbase/collections/nil_internal.h>
+#include <zavbase/collections/set_access_internal.h>
 
 ZAV_DEFINE_CLASS(ZAV_Dictionary, ZAV_Set)
 
 namespace {
 
+// An element as what it holds a key for, or null. AddAll of another dictionary puts in bare values.
+ZAV_LookupKey* AsHolder(ZAV_CltObject* o) {
+    if (!o) return nullptr;
+    if (&typeid(*o) != &typeid(ZAV_Assoc) && !o->IsKindOf(&ZAV_LookupKey::classZAV_LookupKey)) return nullptr;
+    return ZAV_LookupKey::Castdown(o);
+}
+
 /// Walks the associations of a dictionary.
 class Associations {
 public:
     explicit Associations(const ZAV_Dictionary* d) : mIterator(d) {}
-    ZAV_LookupKey* Next() { return ZAV_LookupKey::Castdown(++mIterator); }
+    ZAV_LookupKey* Next() {
+        while (ZAV_CltObject* o = ++mIterator)
+            if (ZAV_LookupKey* a = AsHolder(o)) return a;
+        return nullptr;
+    }
 
 private:
     ZAV_Iterator mIterator;
@@ -71,12 +85,10 @@ ZAV_Assoc* ZAV_Dictionary::AddAssoc(ZAV_CltObject* key, ZAV_CltObject* value) {
     ZAV_Assoc* a = new ZAV_Assoc(key, value);
     ZAV_CltObject* there = Add(a);
     if (there != a) delete a;
-    return ZAV_Assoc::Castdown(there);
+    return static_cast<ZAV_Assoc*>(AsHolder(there));
 }
 
-ZAV_LookupKey* ZAV_Dictionary::AssocAt(const ZAV_CltObject* key) const {
-    return ZAV_LookupKey::Castdown(Lookup(key));
-}
+ZAV_LookupKey* ZAV_Dictionary::AssocAt(const ZAV_CltObject* key) const { return AsHolder(Lookup(key)); }
 
 ZAV_CltObject* ZAV_Dictionary::AtKey(const ZAV_CltObject* key, ZAV_CltObject* value) {
     ZAV_LookupKey* a = AssocAt(key);
@@ -102,10 +114,7 @@ ZAV_CltObject* ZAV_Dictionary::KeyAtValue(const ZAV_CltObject* value) const {
     return ZAV_Nil();
 }
 
-ZAV_LookupKey* ZAV_Dictionary::RemoveAssoc(const ZAV_LookupKey* a) {
-    ZAV_CltObject* removed = Remove(a);
-    return removed == ZAV_Nil() ? nullptr : ZAV_LookupKey::Castdown(removed);
-}
+ZAV_LookupKey* ZAV_Dictionary::RemoveAssoc(const ZAV_LookupKey* a) { return AsHolder(Remove(a)); }
 
 ZAV_LookupKey* ZAV_Dictionary::RemoveKey(const ZAV_CltObject* key) {
     ZAV_LookupKey* a = AssocAt(key);
@@ -115,9 +124,9 @@ ZAV_LookupKey* ZAV_Dictionary::RemoveKey(const ZAV_CltObject* key) {
 // What a dictionary owns is detached first. A value that stays where it is after that is part of its
 // association and goes with it.
 static void DestroyContents(ZAV_LookupKey* a) {
-    delete a->Key(nullptr);
+    ZAV_DestroyElement(a->Key(nullptr));
     ZAV_CltObject* value = a->Value(nullptr);
-    if (value != a->Value()) delete value;
+    if (value != a->Value()) ZAV_DestroyElement(value);
 }
 
 ZAV_DictAutoDel::~ZAV_DictAutoDel() { ClearAndDestroy(); }
@@ -126,11 +135,16 @@ void ZAV_DictAutoDel::RemoveAndDestroy(const ZAV_CltObject* key) {
     ZAV_LookupKey* a = RemoveKey(key);
     if (!a) return;
     DestroyContents(a);
-    delete a;
+    ZAV_DestroyElement(a);
 }
 
 void ZAV_DictAutoDel::ClearAndDestroy() {
-    Associations walk(this);
-    while (ZAV_LookupKey* a = walk.Next()) DestroyContents(a);
+    ZAV_SetAccess::ForEachSlot(*this, [](ZAV_CltObject*& slot) {
+        if (slot == ZAV_Nil()) return;
+        if (ZAV_LookupKey* a = AsHolder(slot))
+            DestroyContents(a);
+        else
+            slot = ZAV_Nil();
+    });
     ZAV_Dictionary::ClearAndDestroy();
 }

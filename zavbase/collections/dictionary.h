@@ -7,6 +7,10 @@
 /// A set of associations found by key. Iteration gives the associations in table order. Includes,
 /// OccurrencesOf and AddContentsTo look at the values, not at the keys. Keys, values and associations are not
 /// owned; whoever adds them deletes them.
+///
+/// So AddAll of a dictionary adds its values, without their keys, which is seldom meant: to merge, walk the
+/// other one and call AddAssoc. Elements that are no ZAV_LookupKey count in Size and come up in a plain walk;
+/// what looks at keys or values passes them by.
 class ZAV_API ZAV_Dictionary : public ZAV_Set {
     ZAV_DECLARE_CLASS(ZAV_Dictionary)
 public:
@@ -47,8 +51,9 @@ public:
 };
 
 /// A dictionary that owns its keys, its values and its associations: the ...AndDestroy calls and the
-/// destructor delete all three. The plain Clear and Remove calls leave them to the caller. It cannot be
-/// copied; ShallowCopy gives a plain dictionary that owns nothing.
+/// destructor delete all three, whatever is not the nil object. An object must come up in one place only;
+/// elements that are no ZAV_LookupKey are not owned. The plain Clear and Remove calls leave all to the
+/// caller. It cannot be copied; ShallowCopy gives a plain dictionary that owns nothing.
 class ZAV_API ZAV_DictAutoDel : public ZAV_Dictionary {
 public:
     ZAV_DECLARE_CASTDOWN(ZAV_DictAutoDel)

@@ -9,7 +9,9 @@
 ///     while (ZAV_CltObject* o = ++it) ...
 ///
 /// The collection is not owned and must outlive the iterator. A hashed collection must not be changed while
-/// it is walked. The cursors are public for the collections that implement DoNext.
+/// it is walked; to empty one, use Clear or ClearAndDestroy, or walk a copy (AsOrderedCltn). Removing from an
+/// ordered collection makes the walk skip elements; a linked list says how it is done there. The element last
+/// returned must live until the next step. The cursors are public for the collections that implement DoNext.
 class ZAV_API ZAV_Iterator : public ZAV_CltObject {
     ZAV_DECLARE_CLASS(ZAV_Iterator)
 public:

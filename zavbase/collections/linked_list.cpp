@@ -10,7 +10,11 @@ ZAV_LinkedList::ZAV_LinkedList()
 
 ZAV_LinkedList::~ZAV_LinkedList() {}
 
+// Where a chain ends: at the nil link, or behind a link that another list took and gave up again.
+static bool IsEnd(const ZAV_Link* l) { return !l || l->IsListEnd(); }
+
 ZAV_Link* ZAV_LinkedList::Add(ZAV_Link* l) {
+    if (IsEnd(l)) return l;
     (mCount ? mLast->mNext : mFirst) = l;
     mLast = l;
     l->mNext = ZAV_Link::GetNilLink();
@@ -21,6 +25,7 @@ ZAV_Link* ZAV_LinkedList::Add(ZAV_Link* l) {
 ZAV_CltObject* ZAV_LinkedList::Add(ZAV_CltObject* o) { return Add(LinkCastdown(o)); }
 
 ZAV_Link* ZAV_LinkedList::AddFirst(ZAV_Link* l) {
+    if (IsEnd(l)) return l;
     l->mNext = mFirst;
     if (!mCount) mLast = l;
     mFirst = l;
@@ -31,6 +36,8 @@ ZAV_Link* ZAV_LinkedList::AddFirst(ZAV_Link* l) {
 ZAV_CltObject* ZAV_LinkedList::AddFirst(ZAV_CltObject* o) { return AddFirst(LinkCastdown(o)); }
 
 ZAV_Link* ZAV_LinkedList::AddAfter(ZAV_Link* existing, ZAV_Link* l) {
+    if (IsEnd(l)) return l;
+    if (IsEnd(existing)) return Add(l);
     l->mNext = existing->mNext;
     existing->mNext = l;
     if (mLast == existing) mLast = l;
@@ -44,15 +51,15 @@ ZAV_CltObject* ZAV_LinkedList::AddAfter(ZAV_CltObject* existing, ZAV_CltObject* 
 
 ZAV_Link* ZAV_LinkedList::Remove(const ZAV_Link* l) {
     // The nil link ends every list but is in none.
-    if (!l || l->IsListEnd() || !mCount) return nullptr;
+    if (IsEnd(l) || !mCount) return nullptr;
     ZAV_Link* before = ZAV_Link::GetNilLink();
     ZAV_Link* at = mFirst;
-    while (at != l && !at->IsListEnd()) {
+    while (at != l && !IsEnd(at)) {
         before = at;
         at = at->mNext;
     }
     if (at != l) return nullptr;
-    (at == mFirst ? mFirst : before->mNext) = at->mNext;
+    (at == mFirst ? mFirst : before->mNext) = IsEnd(at->mNext) ? ZAV_Link::GetNilLink() : at->mNext;
     if (at == mLast) mLast = before;
     at->mNext = nullptr;
     --mCount;
@@ -62,14 +69,23 @@ ZAV_Link* ZAV_LinkedList::Remove(const ZAV_Link* l) {
 ZAV_CltObject* ZAV_LinkedList::Remove(const ZAV_CltObject* o) { return Remove(LinkCastdown(o)); }
 ZAV_Link* ZAV_LinkedList::RemoveFirst() { return Remove(mFirst); }
 ZAV_Link* ZAV_LinkedList::RemoveLast() { return Remove(mLast); }
-void ZAV_LinkedList::RemoveAndDestroy(const ZAV_CltObject* o) { delete Remove(o); }
+void ZAV_LinkedList::RemoveAndDestroy(const ZAV_CltObject* o) { ZAV_DestroyElement(Remove(o)); }
 
+// Fewer links than the count says are left where some were added to another list meanwhile.
 void ZAV_LinkedList::Clear() {
-    while (mCount) RemoveFirst();
+    while (RemoveFirst()) {
+    }
+    Forget();
 }
 
 void ZAV_LinkedList::ClearAndDestroy() {
-    while (mCount) delete RemoveFirst();
+    while (ZAV_Link* l = RemoveFirst()) ZAV_DestroyElement(l);
+    Forget();
+}
+
+void ZAV_LinkedList::Forget() {
+    mFirst = mLast = ZAV_Link::GetNilLink();
+    mCount = 0;
 }
 
 ZAV_CltObject* ZAV_LinkedList::First() const { return mFirst; }
@@ -77,18 +93,18 @@ ZAV_CltObject* ZAV_LinkedList::Last() const { return mLast; }
 
 ZAV_Link* ZAV_LinkedList::operator[](int i) const {
     ZAV_Link* l = mFirst;
-    while (i-- > 0) l = l->mNext;
-    return l;
+    while (i-- > 0 && !IsEnd(l)) l = l->mNext;
+    return IsEnd(l) ? ZAV_Link::GetNilLink() : l;
 }
 
 ZAV_CltObject* ZAV_LinkedList::DoNext(ZAV_Iterator* it) const {
     if (!it->mCurrent) {
-        if (!mCount) return nullptr;
+        if (!mCount || IsEnd(mFirst)) return nullptr;
         it->mIndex = 1;
         return mFirst;
     }
     ZAV_Link* current = LinkCastdown(it->mCurrent);
-    if (current == mLast) return nullptr;
+    if (current == mLast || IsEnd(current->mNext)) return nullptr;
     ++it->mIndex;
     return current->mNext;
 }

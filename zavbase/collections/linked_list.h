@@ -7,6 +7,17 @@
 /// An intrusive singly linked list: the elements are the links themselves, so nothing is allocated and a link
 /// is in one list at a time. The links are not owned. Adding at either end and removing the first take
 /// constant time; removing another link walks the list.
+///
+/// Adding a link of another list (AddAll of a list does) moves it without telling that list, whose count is
+/// then wrong and whose walk ends where its chain does: Clear it and nothing else.
+///
+/// A walk goes on from the link it is at, so that link must live. To remove links while walking, step first:
+///
+///     ZAV_Iterator it(&list);
+///     for (ZAV_CltObject *next, *o = ++it; o; o = next) {
+///         next = ++it;
+///         if (...) list.RemoveAndDestroy(o);
+///     }
 class ZAV_API ZAV_LinkedList : public ZAV_SeqCltn {
     ZAV_DECLARE_CLASS(ZAV_LinkedList)
 public:
@@ -18,7 +29,8 @@ public:
     ~ZAV_LinkedList() override;
 
     /// Append, put at the front, put behind `existing`, which must be in the list. All return the link put
-    /// in. Where an object is given it must be a link; that is not checked.
+    /// in. Where an object is given it must be a link; that is not checked. Null and the nil link are not put
+    /// in; behind them means at the end.
     ZAV_Link* Add(ZAV_Link* l);
     ZAV_CltObject* Add(ZAV_CltObject* o) override;
     ZAV_Link* AddFirst(ZAV_Link* l);
@@ -50,6 +62,7 @@ private:
     static const ZAV_Link* LinkCastdown(const ZAV_CltObject* o) { return ZAV_Link::Castdown(o); }
     ZAV_CltObject*& At(int i) override;
     ZAV_CltObject* const& At(int i) const override;
+    void Forget();
     int IndexOfSubCollection(const ZAV_SeqCltn* c, int start) const override;
     void ReplaceFrom(int start, int stop, const ZAV_SeqCltn* source, int sourceStart) override;
 

@@ -2,11 +2,17 @@
 
 #include <ostream>
 
+#include <zavbase/collections/link.h>
+
 ZAV_DEFINE_CLASS(ZAV_CltNil, ZAV_CltObject)
 
 constinit ZAV_NilHolder zav_nil_holder;
 
 ZAV_CltNil* GetNilObj() { return &zav_nil_holder.mNil; }
+
+void ZAV_DestroyElement(ZAV_CltObject* o) {
+    if (o != ZAV_Nil() && o != ZAV_Link::GetNilLink()) delete o;
+}
 
 ZAV_CltNil::~ZAV_CltNil() {}
 void ZAV_CltNil::PrintOn(std::ostream& os) { os << "NIL"; }

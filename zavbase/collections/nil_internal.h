@@ -18,4 +18,8 @@ inline ZAV_CltObject* ZAV_Nil() { return &zav_nil_holder.mNil; }
 /// `o`, or the nil object for null.
 inline ZAV_CltObject* ZAV_OrNil(ZAV_CltObject* o) { return o ? o : ZAV_Nil(); }
 
+/// The one place that deletes an element of a collection. The nil object and the nil link come up as elements
+/// too; they and null are left alone.
+void ZAV_DestroyElement(ZAV_CltObject* o);
+
 #endif

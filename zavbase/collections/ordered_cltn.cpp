@@ -1,10 +1,12 @@
 #include <zavbase/collections/ordered_cltn.h>
 
 #include <algorithm>
+#include <typeinfo>
 
 #include <zavbase/collections/iterator.h>
 #include <zavbase/collections/nil_internal.h>
 #include <zavbase/collections/slot_block_internal.h>
+#include <zavbase/collections/stack.h>
 
 ZAV_DEFINE_CLASS(ZAV_OrderedCltn, ZAV_SeqCltn)
 
@@ -42,19 +44,31 @@ ZAV_CltObject* ZAV_OrderedCltn::RemoveAtIndex(int i) {
     return o;
 }
 
+// The slot of the first element equal to `o`, or -1. Where a host's At gives the elements at other positions,
+// the one found is sought in the table.
+int ZAV_OrderedCltn::SlotOf(const ZAV_CltObject* o) const {
+    const int i = IndexOf(o);
+    if (i < 0) return i;
+    ZAV_CltObject* const found = At(i);
+    ZAV_CltObject* const* const slots = mContents.mArray;
+    if (static_cast<uint32_t>(i) < mCount && slots[i] == found) return i;
+    const auto at = std::find(slots, slots + mCount, found);
+    return at == slots + mCount ? -1 : static_cast<int>(at - slots);
+}
+
 ZAV_CltObject* ZAV_OrderedCltn::AddAfter(const ZAV_CltObject* existing, ZAV_CltObject* o) {
-    int i = IndexOf(existing);
+    int i = SlotOf(existing);
     return i < 0 ? ZAV_Nil() : AddAtIndex(i + 1, o);
 }
 
 ZAV_CltObject* ZAV_OrderedCltn::AddBefore(const ZAV_CltObject* existing, ZAV_CltObject* o) {
-    int i = IndexOf(existing);
+    int i = SlotOf(existing);
     return i < 0 ? ZAV_Nil() : AddAtIndex(i, o);
 }
 
 const ZAV_OrderedCltn* ZAV_OrderedCltn::AddAllLast(const ZAV_OrderedCltn* c) {
     // The count is taken first: `c` may be this collection, which grows meanwhile.
-    for (uint32_t i = 0, n = c->mCount; i < n; ++i) Add(c->mContents.mArray[i]);
+    for (uint32_t i = 0, n = c->Size(); i < n; ++i) Add(c->At(static_cast<int>(i)));
     return c;
 }
 
@@ -65,22 +79,25 @@ ZAV_CltObject* ZAV_OrderedCltn::Last() const { return mCount ? mContents.mArray[
 
 ZAV_CltObject* ZAV_OrderedCltn::After(const ZAV_CltObject* o) const {
     int i = IndexOf(o);
-    return i < 0 || i + 1 == static_cast<int>(mCount) ? ZAV_Nil() : mContents.mArray[i + 1];
+    return i < 0 || i + 1 == static_cast<int>(Size()) ? ZAV_Nil() : At(i + 1);
 }
 
 ZAV_CltObject* ZAV_OrderedCltn::Before(const ZAV_CltObject* o) const {
     int i = IndexOf(o);
-    return i <= 0 ? ZAV_Nil() : mContents.mArray[i - 1];
+    return i <= 0 ? ZAV_Nil() : At(i - 1);
 }
 
+// The quick way is for the library's own classes: a host may have overridden Size or At.
 ZAV_CltObject* ZAV_OrderedCltn::DoNext(ZAV_Iterator* it) const {
+    const std::type_info* t = &typeid(*this);
+    if (t != &typeid(ZAV_OrderedCltn) && t != &typeid(ZAV_Stack)) return ZAV_SeqCltn::DoNext(it);
     return it->mIndex < mCount ? mContents.mArray[it->mIndex++] : nullptr;
 }
 
 unsigned int ZAV_OrderedCltn::Size() const { return mCount; }
 
 ZAV_CltObject* ZAV_OrderedCltn::Remove(const ZAV_CltObject* o) {
-    int i = IndexOf(o);
+    int i = SlotOf(o);
     return i < 0 ? ZAV_Nil() : RemoveAtIndex(i);
 }
 
@@ -94,10 +111,7 @@ ZAV_CltObject* ZAV_OrderedCltn::RemoveLast() {
     return mCount ? RemoveAtIndex(static_cast<int>(mCount) - 1) : ZAV_Nil();
 }
 
-void ZAV_OrderedCltn::RemoveAndDestroy(const ZAV_CltObject* o) {
-    ZAV_CltObject* removed = Remove(o);
-    if (removed != ZAV_Nil()) delete removed;
-}
+void ZAV_OrderedCltn::RemoveAndDestroy(const ZAV_CltObject* o) { ZAV_DestroyElement(Remove(o)); }
 
 void ZAV_OrderedCltn::Clear() {
     zav_slots::FillNil(mContents.mArray, mContents.mArray + mCount);
@@ -105,23 +119,23 @@ void ZAV_OrderedCltn::Clear() {
 }
 
 void ZAV_OrderedCltn::ClearAndDestroy() {
-    mContents.ClearAndDestroy();
+    mContents.DestroyFirst(mCount);
     mCount = 0;
 }
 
 void ZAV_OrderedCltn::AtAllPut(ZAV_CltObject* o) { std::fill_n(mContents.mArray, mCount, o); }
 
 boolean_t ZAV_OrderedCltn::operator==(const ZAV_OrderedCltn& c) const {
-    if (mCount != c.mCount) return B_FALSE;
-    for (uint32_t i = 0; i < mCount; ++i)
-        if (!ZAV_OrNil(mContents.mArray[i])->IsEqual(c.mContents.mArray[i])) return B_FALSE;
+    if (Size() != c.Size()) return B_FALSE;
+    for (int i = 0, n = static_cast<int>(Size()); i < n; ++i)
+        if (!ZAV_OrNil(At(i))->IsEqual(c.At(i))) return B_FALSE;
     return B_TRUE;
 }
 
 ZAV_OrderedCltn ZAV_OrderedCltn::operator&(const ZAV_OrderedCltn& c) const {
     ZAV_OrderedCltn result((std::max)(mCount, 16u));
-    for (uint32_t i = 0; i < mCount; ++i)
-        if (const_cast<ZAV_OrderedCltn&>(c).Includes(mContents.mArray[i])) result.Add(mContents.mArray[i]);
+    for (int i = 0, n = static_cast<int>(Size()); i < n; ++i)
+        if (const_cast<ZAV_OrderedCltn&>(c).Includes(At(i))) result.Add(At(i));
     return result;
 }
 

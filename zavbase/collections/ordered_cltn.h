@@ -7,6 +7,9 @@
 /// A growable array of element pointers. Elements stand at 0 to Size() - 1; the other slots of the table hold
 /// the nil object. The elements are not owned; positions are not checked.
 ///
+/// Walking, searching, comparing and copying the elements stand on Size and At, which a derived class may
+/// override; adding, removing, First, Last, operator[], AtAllPut and Sort work on the table.
+///
 /// A full table grows by 32 slots. The memory behind it grows by a factor, so appending stays cheap.
 class ZAV_API ZAV_OrderedCltn : public ZAV_SeqCltn {
     ZAV_DECLARE_CLASS(ZAV_OrderedCltn)
@@ -69,6 +72,7 @@ protected:
 
 private:
     void Grow();
+    int SlotOf(const ZAV_CltObject* o) const;
 
     uint32_t mCount;
     ZAV_ArrayObj mContents;

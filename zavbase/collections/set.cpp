@@ -220,10 +220,7 @@ void ZAV_Set::CloseGap(uint32_t hole) {
     }
 }
 
-void ZAV_Set::RemoveAndDestroy(const ZAV_CltObject* o) {
-    ZAV_CltObject* removed = Remove(o);
-    if (removed != ZAV_Nil()) delete removed;
-}
+void ZAV_Set::RemoveAndDestroy(const ZAV_CltObject* o) { ZAV_DestroyElement(Remove(o)); }
 
 unsigned int ZAV_Set::Size() const { return mCount; }
 unsigned int ZAV_Set::Capacity() const { return (mMask + 1) / 2; }

@@ -35,6 +35,12 @@ struct ZAV_SetAccess {
         return nullptr;
     }
 
+    /// Calls act(slot) for every slot of the table, which may store to it; the set is to be cleared then.
+    template <class Act>
+    static void ForEachSlot(ZAV_Set& set, Act act) {
+        for (uint32_t i = 0; i <= set.mMask; ++i) act(set.mContents.mArray[i]);
+    }
+
     // Filling an empty set at once, by who has worked out where the elements would come to stand.
 
     /// The table has 2^Bits slots; an element is sought from its home down.
