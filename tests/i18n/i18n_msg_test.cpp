@@ -123,11 +123,3 @@ TEST(I18nMsg, NumbersReadTheSameEverywhere) {
     for (const auto& [text, expected] : rows) EXPECT_EQ(expected, text);
     EXPECT_EQ(999u, Formatted(7L, "%99999999999d").size());
 }
-
-TEST(I18nMsg, ComparesWithTextOnEitherSide) {
-    const ZAV_I18nMsg msg("ID");
-    const ZAV_UTFString id("ID");
-    const char* text = "ID";
-    EXPECT_TRUE(msg == id && id == msg && msg == text && text == msg);
-    EXPECT_FALSE(msg != id || id != msg || msg != text || text != msg);
-}

@@ -43,8 +43,24 @@ public:
     boolean_t IsWarning() const { return mWarning; }
     boolean_t IsValid() const { return ZAV_Bool(!mId.IsEmpty()); } ///< has an identifier
 
+    /// Compare the identifier. Text on the left is found only where the right side is a message: as free
+    /// functions these would take part in comparisons of two texts, by conversion, and make them ambiguous.
     boolean_t operator==(const ZAV_UTFString& id) const { return mId == id; }
-    boolean_t operator!=(const ZAV_UTFString& id) const { return ZAV_Bool(!(mId == id)); }
+    boolean_t operator==(const ZAV_Str& id) const { return *this == ZAV_UTFString(id); }
+    boolean_t operator==(const ZAV_SubStr& id) const { return *this == ZAV_UTFString(id); }
+    boolean_t operator==(const char* id) const { return *this == ZAV_UTFString(id); }
+    boolean_t operator!=(const ZAV_UTFString& id) const { return ZAV_Bool(!(*this == id)); }
+    boolean_t operator!=(const ZAV_Str& id) const { return ZAV_Bool(!(*this == id)); }
+    boolean_t operator!=(const ZAV_SubStr& id) const { return ZAV_Bool(!(*this == id)); }
+    boolean_t operator!=(const char* id) const { return ZAV_Bool(!(*this == id)); }
+    friend boolean_t operator==(const ZAV_UTFString& id, const ZAV_I18nMsg& msg) { return msg == id; }
+    friend boolean_t operator==(const ZAV_Str& id, const ZAV_I18nMsg& msg) { return msg == id; }
+    friend boolean_t operator==(const ZAV_SubStr& id, const ZAV_I18nMsg& msg) { return msg == id; }
+    friend boolean_t operator==(const char* id, const ZAV_I18nMsg& msg) { return msg == id; }
+    friend boolean_t operator!=(const ZAV_UTFString& id, const ZAV_I18nMsg& msg) { return msg != id; }
+    friend boolean_t operator!=(const ZAV_Str& id, const ZAV_I18nMsg& msg) { return msg != id; }
+    friend boolean_t operator!=(const ZAV_SubStr& id, const ZAV_I18nMsg& msg) { return msg != id; }
+    friend boolean_t operator!=(const char* id, const ZAV_I18nMsg& msg) { return msg != id; }
 
     /// Adds an argument; `tag` is the placeholder as it stands in the text, brackets included. A text belongs
     /// to ZAV_I18N_STRING (with the message types it is taken for the identifier of a message without
@@ -99,13 +115,5 @@ private:
     ZAV_UTFString mId;
     ZAV_I18nMsgArgList* mArgs; ///< null while there are none
 };
-
-/// Comparisons with the identifier on the left, and with plain text.
-inline boolean_t operator==(const ZAV_UTFString& id, const ZAV_I18nMsg& msg) { return msg == id; }
-inline boolean_t operator!=(const ZAV_UTFString& id, const ZAV_I18nMsg& msg) { return msg != id; }
-inline boolean_t operator==(const ZAV_I18nMsg& msg, const char* id) { return msg == ZAV_UTFString(id); }
-inline boolean_t operator!=(const ZAV_I18nMsg& msg, const char* id) { return msg != ZAV_UTFString(id); }
-inline boolean_t operator==(const char* id, const ZAV_I18nMsg& msg) { return msg == ZAV_UTFString(id); }
-inline boolean_t operator!=(const char* id, const ZAV_I18nMsg& msg) { return msg != ZAV_UTFString(id); }
 
 #endif

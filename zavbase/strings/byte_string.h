@@ -5,6 +5,9 @@
 #include <cstddef>
 #include <cstring>
 #include <type_traits>
+#if defined(__cpp_impl_three_way_comparison)
+#include <compare>
+#endif
 
 #include <zavbase/strings/str.h>
 
@@ -119,6 +122,16 @@ public:
     boolean_t operator>(const char* p) const { return ZAV_Bool(compareText(p) > 0); }
     boolean_t operator<=(const char* p) const { return ZAV_Bool(compareText(p) <= 0); }
     boolean_t operator>=(const char* p) const { return ZAV_Bool(compareText(p) >= 0); }
+
+#if defined(__cpp_impl_three_way_comparison)
+    /// The order of the four above. Without these a pair, tuple or vector of strings would compare addresses.
+    friend std::weak_ordering operator<=>(const ZAV_String& a, const ZAV_String& b) {
+        return a.Compare(b) <=> 0;
+    }
+    friend std::weak_ordering operator<=>(const ZAV_String& a, const char* p) {
+        return a.compareText(p) <=> 0;
+    }
+#endif
 
     boolean_t operator==(const ZAV_SubString& s) const;
     boolean_t operator!=(const ZAV_SubString& s) const;

@@ -31,13 +31,21 @@ public:
     ZAV_DictPath& operator--(int);
 
     /// The same keys, counted and byte for byte. (The forms for text keep a comparison with text
-    /// unambiguous.)
+    /// unambiguous; those with text on the left are found only where the right side is a path.)
     boolean_t operator==(const ZAV_DictPath& other) const;
     boolean_t operator==(const char* text) const { return *this == ZAV_DictPath(text); }
     boolean_t operator==(const ZAV_String& text) const { return *this == ZAV_DictPath(text); }
+    boolean_t operator==(const ZAV_SubString& text) const { return *this == ZAV_String(text); }
     boolean_t operator!=(const ZAV_DictPath& other) const { return ZAV_Bool(!(*this == other)); }
     boolean_t operator!=(const char* text) const { return ZAV_Bool(!(*this == text)); }
     boolean_t operator!=(const ZAV_String& text) const { return ZAV_Bool(!(*this == text)); }
+    boolean_t operator!=(const ZAV_SubString& text) const { return ZAV_Bool(!(*this == text)); }
+    friend boolean_t operator==(const char* text, const ZAV_DictPath& path) { return path == text; }
+    friend boolean_t operator==(const ZAV_String& text, const ZAV_DictPath& path) { return path == text; }
+    friend boolean_t operator==(const ZAV_SubString& text, const ZAV_DictPath& path) { return path == text; }
+    friend boolean_t operator!=(const char* text, const ZAV_DictPath& path) { return path != text; }
+    friend boolean_t operator!=(const ZAV_String& text, const ZAV_DictPath& path) { return path != text; }
+    friend boolean_t operator!=(const ZAV_SubString& text, const ZAV_DictPath& path) { return path != text; }
 
     /// The number of keys.
     int Size() const { return mSize; }
@@ -66,11 +74,6 @@ private:
     const char* mEnd; // behind the NUL of the last counted key
     int32_t mSize;
 };
-
-inline boolean_t operator==(const char* text, const ZAV_DictPath& path) { return path == text; }
-inline boolean_t operator==(const ZAV_String& text, const ZAV_DictPath& path) { return path == text; }
-inline boolean_t operator!=(const char* text, const ZAV_DictPath& path) { return path != text; }
-inline boolean_t operator!=(const ZAV_String& text, const ZAV_DictPath& path) { return path != text; }
 
 ZAV_API std::ostream& operator<<(std::ostream& os, const ZAV_DictPath& path);
 
