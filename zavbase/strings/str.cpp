@@ -40,6 +40,15 @@ unsigned skippedSpace(const char* text) {
     return n;
 }
 
+// A read that finds nothing to consume, not even a delimiter, fails: a loop on the state of the stream ends.
+bool canRead(std::istream& is) {
+    if (!is.good())
+        is.setstate(std::ios_base::failbit);
+    else if (is.rdbuf()->sgetc() == std::istream::traits_type::eof())
+        is.setstate(std::ios_base::eofbit | std::ios_base::failbit);
+    return is.good();
+}
+
 } // namespace
 
 char* ZAV_Str::newBuffer(uint64_t room) {
@@ -232,12 +241,14 @@ void ZAV_Str::appendRead(char c) {
 }
 
 void ZAV_Str::readToDelim(std::istream& is, char delim, boolean_t skipWhite) {
+    if (!canRead(is)) return;
     const int end = static_cast<unsigned char>(delim);
     int c = skipWhite ? getCharSw(is) : getChar(is);
     for (; is.good() && c != end; c = getChar(is)) appendRead(static_cast<char>(c));
 }
 
 std::istream& ZAV_Str::ReadLine(std::istream& is, boolean_t skipWhite) {
+    if (!canRead(is)) return is;
     int c = skipWhite ? getCharSw(is) : getChar(is);
     for (; is.good() && c != '\r' && c != '\n'; c = getChar(is)) appendRead(static_cast<char>(c));
     if (is.good() && c == '\r' && is.rdbuf()->sgetc() == '\n') is.rdbuf()->sbumpc();

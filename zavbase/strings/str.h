@@ -18,6 +18,8 @@ class ZAV_SubStr;
 /// strictly above the length it was asked for.
 ///
 /// Nothing is checked and nothing fails, except that memory may run out. No locking: one thread at a time.
+/// Compare with Compare(): `==` of two ZAV_Strs compares the addresses that they convert to (it is ZAV_String
+/// that has comparisons).
 class ZAV_API ZAV_Str {
 public:
     ZAV_Str() : mData(sEmpty), mLength(0), mCapacity(0) {}
@@ -56,7 +58,8 @@ public:
     void TrimRight();
 
     /// The reads append to the text that is there; they stop when the stream is no longer good and keep what
-    /// they read. With `skipWhite` leading white space (line ends too) is dropped. A line ends at CR, LF or
+    /// they read. A read that consumes no byte at all sets the fail bit, so `while (s.ReadLine(is))` comes to
+    /// an end. With `skipWhite` leading white space (line ends too) is dropped. A line ends at CR, LF or
     /// CR LF, which is consumed and not stored.
     std::istream& ReadLine(std::istream& is, boolean_t skipWhite = B_FALSE);
     /// Up to a NUL.
