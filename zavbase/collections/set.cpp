@@ -202,6 +202,7 @@ ZAV_CltObject* ZAV_Set::Remove(const ZAV_CltObject* o) {
         else
             CloseGap(static_cast<uint32_t>(i));
     }
+    ++zav_slots::HeaderOf(mContents.mArray).mMoves;
     --mCount;
     return e;
 }
@@ -335,6 +336,10 @@ bool ZAV_Set::TakeByIndex(ZAV_Set& table) {
 }
 
 void ZAV_Set::SwapTable(ZAV_Set& s) {
+    zav_slots::Header &from = zav_slots::HeaderOf(mContents.mArray),
+                      &to = zav_slots::HeaderOf(s.mContents.mArray);
+    std::swap(from.mHelper, to.mHelper);
+    to.mMoves = from.mMoves + 1;
     std::swap(mCount, s.mCount);
     std::swap(mNbits, s.mNbits);
     std::swap(mMask, s.mMask);

@@ -1,6 +1,8 @@
 #ifndef ZAVBASE_COLLECTIONS_SET_ACCESS_INTERNAL_H
 #define ZAVBASE_COLLECTIONS_SET_ACCESS_INTERNAL_H
 
+#include <atomic>
+
 #include <zavbase/collections/nil_internal.h>
 #include <zavbase/collections/set.h>
 #include <zavbase/collections/set_index_internal.h>
@@ -40,6 +42,19 @@ struct ZAV_SetAccess {
     static void ForEachSlot(ZAV_Set& set, Act act) {
         for (uint32_t i = 0; i <= set.mMask; ++i) act(set.mContents.mArray[i]);
     }
+
+    /// For what the set's owner keeps beside the table; null at first. The owner deletes it.
+    static std::atomic_ref<void*> Helper(const ZAV_Set& set) {
+        return std::atomic_ref<void*>(zav_slots::HeaderOf(set.mContents.mArray).mHelper);
+    }
+
+    static constexpr uint32_t NO_SLOT = 0xFFFFFFFF;
+    /// The slot of an element; NO_SLOT when it is not found there by its key. Holds as long as Moves does.
+    static uint32_t SlotOf(const ZAV_Set& set, const ZAV_CltObject* o) {
+        const int slot = set.ZAV_Set::FindIndexOf(o);
+        return slot >= 0 && set.mContents.mArray[slot] == o ? static_cast<uint32_t>(slot) : NO_SLOT;
+    }
+    static uint32_t Moves(const ZAV_Set& set) { return zav_slots::HeaderOf(set.mContents.mArray).mMoves; }
 
     // Filling an empty set at once, by who has worked out where the elements would come to stand.
 

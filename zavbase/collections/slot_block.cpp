@@ -25,7 +25,7 @@ ZAV_CltObject** SlotsOf(Header* h) { return reinterpret_cast<ZAV_CltObject**>(h 
 
 ZAV_CltObject** Allocate(uint32_t n, uint32_t room) {
     Header* h = Resize(nullptr, room);
-    *h = {room, 0, nullptr};
+    *h = {room, 0, nullptr, nullptr, 0};
     FillNil(SlotsOf(h), SlotsOf(h) + n);
     return SlotsOf(h);
 }

@@ -2,6 +2,7 @@
 #define ZAVBASE_COLLECTIONS_SLOT_BLOCK_INTERNAL_H
 
 #include <algorithm>
+#include <atomic>
 
 #include <zavbase/collections/nil_internal.h>
 
@@ -16,6 +17,8 @@ struct Header {
     uint32_t mRoom;       ///< slots allocated, at least the array's length
     uint32_t mNoIndex;    ///< not 0 while a hashed table is to do without a side index
     ZAV_SetIndex* mIndex; ///< of a hashed table, or null; belongs to the set
+    void* mHelper;        ///< of the owner of a hashed table, or null; goes with the set from table to table
+    uint32_t mMoves;      ///< counts what may have moved elements from one slot of a hashed table to another
 };
 
 inline Header& HeaderOf(ZAV_CltObject** slots) { return *(reinterpret_cast<Header*>(slots) - 1); }

@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include <zavbase/collections/strong_hash_internal.h>
+#include <zavbase/values/key_fold_internal.h>
 #include <zavbase/values/uval.h>
 #include <zavbase/values/value_dict_internal.h>
 
@@ -35,7 +36,7 @@ const uint16_t ZAV_EntryKind = RegisterEntries();
 
 ZAV_AssocUVal::ZAV_AssocUVal(const char* key, ZAV_UVal* value)
     : mValue(value), mPrev(nullptr), mNext(nullptr) {
-    Key(key);
+    SetKey(key, kMaxKeyLength);
 }
 
 ZAV_AssocUVal::ZAV_AssocUVal(const char* key, unsigned int length, ZAV_UVal* value)
@@ -95,6 +96,8 @@ ZAV_UVal* ZAV_AssocUVal::Value(ZAV_UVal* value) {
 /// Takes at most `length` bytes, up to a NUL, and fills up with NUL. `key` may lie inside the entry's own
 /// key.
 void ZAV_AssocUVal::SetKey(const char* key, unsigned int length) {
+    // It stands in a dictionary, with others. (Smaller ones have no help that goes by the key.)
+    if (mPrev || mNext) ZAV_KeyFold::NoteKeyChange();
     length = key ? (std::min)(length, static_cast<unsigned int>(kMaxKeyLength)) : 0;
     mKeyLength = static_cast<uint32_t>(strnlen(key ? key : "", length));
     if (mKeyLength > 0) std::memmove(mKey, key, mKeyLength);

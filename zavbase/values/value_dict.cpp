@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -12,6 +11,7 @@
 
 #include <zavbase/collections/set_access_internal.h>
 #include <zavbase/foundation/tracer.h>
+#include <zavbase/values/key_fold_internal.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict_internal.h>
 
@@ -30,12 +30,6 @@ struct KeyCursor {
     const ZAV_AssocUVal* mEntry;
 };
 thread_local constinit KeyCursor theKeyCursor{nullptr, 0, 0, nullptr};
-
-char UpperCase(char c) { return std::islower(static_cast<unsigned char>(c)) ? static_cast<char>(c - 32) : c; }
-
-bool EqualIgnoringCase(const char* a, const char* b, unsigned int length) {
-    return std::equal(a, a + length, b, [](char x, char y) { return UpperCase(x) == UpperCase(y); });
-}
 
 unsigned int KeyLength(const char* key) {
     return key ? static_cast<unsigned int>(strnlen(key, ZAV_AssocUVal::kMaxKeyLength)) : 0;
@@ -79,7 +73,10 @@ ZAV_UValDict::ZAV_UValDict(const ZAV_UValDict& other) : ZAV_UValDict(other.mSet.
     CopyEntriesOf(other);
 }
 
-ZAV_UValDict::~ZAV_UValDict() { Clear(); }
+ZAV_UValDict::~ZAV_UValDict() {
+    ZAV_KeyFold::Drop(mSet);
+    Clear();
+}
 
 ZAV_UValDict& ZAV_UValDict::operator=(const ZAV_UValDict& other) {
     if (this == &other) return *this;
@@ -222,10 +219,8 @@ ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key, unsigned int length) const
 }
 
 ZAV_AssocUVal* ZAV_UValDict::FindIgnoringCase(const char* key, unsigned int length) const {
-    return static_cast<ZAV_AssocUVal*>(ZAV_SetAccess::First(mSet, [=](const ZAV_CltObject* o) {
-        const ZAV_AssocUVal* entry = static_cast<const ZAV_AssocUVal*>(o);
-        return entry->mKeyLength == length && EqualIgnoringCase(entry->mKey, key, length);
-    }));
+    ZAV_KeyFold* fold = GetSize() > ZAV_KeyFold::MOST_WALKED ? ZAV_KeyFold::Of(mSet) : nullptr;
+    return fold ? fold->Find(*this, mSet, key, length) : ZAV_WalkIgnoringCase(mSet, key, length);
 }
 
 ZAV_UVal* ZAV_UValDict::SetEntry(const char* key, ZAV_UVal* uval) {
@@ -257,6 +252,7 @@ void ZAV_UValDict::Adopt(ZAV_AssocUVal* entry) {
     entry->mNext = nullptr;
     (mLast ? mLast->mNext : mFirst) = entry;
     mLast = entry;
+    if (ZAV_KeyFold* fold = ZAV_KeyFold::IfAny(mSet)) fold->Add(*entry);
 }
 
 void ZAV_UValDict::AdoptAll(ZAV_AssocUVal* chain) {
@@ -271,6 +267,7 @@ void ZAV_UValDict::AdoptAll(ZAV_AssocUVal* chain) {
 void ZAV_UValDict::Unlink(ZAV_AssocUVal* entry) {
     theRemovals.fetch_add(1, std::memory_order_relaxed);
     mSet.Remove(entry);
+    if (ZAV_KeyFold* fold = ZAV_KeyFold::IfAny(mSet)) fold->Remove(*entry, GetSize());
     (entry->mPrev ? entry->mPrev->mNext : mFirst) = entry->mNext;
     (entry->mNext ? entry->mNext->mPrev : mLast) = entry->mPrev;
     entry->mPrev = entry->mNext = nullptr;
@@ -281,6 +278,7 @@ ZAV_AssocUVal* ZAV_UValDict::TakeAll() {
     ZAV_AssocUVal* chain = mFirst;
     if (chain) {
         theRemovals.fetch_add(1, std::memory_order_relaxed);
+        if (ZAV_KeyFold* fold = ZAV_KeyFold::IfAny(mSet)) fold->Clear();
         mSet.Clear();
         mFirst = mLast = nullptr;
     }
