@@ -1,6 +1,8 @@
 #ifndef ZAVBASE_PLATFORM_FILE_H
 #define ZAVBASE_PLATFORM_FILE_H
 
+#include <cstddef>
+
 #include <zavbase/foundation/object.h>
 #include <zavbase/strings/byte_string.h>
 #include <zavbase/strings/system_string.h>
@@ -28,5 +30,11 @@ private:
     /// A companion text that is copied with the object and that no operation reads.
     ZAV_String mInfo;
 };
+
+/// Replaces the contents of a file all at once, as the library writes its own files: a reader, or whoever
+/// looks after a failure, finds the old contents or the new. Permissions stay, a link keeps pointing to the
+/// file, a device or pipe is written to directly. Throws a ZAV_FileException* of code 4 (OpenWrError) when the
+/// file cannot be opened for writing, of code 7 (WriteError) when the contents cannot be stored.
+ZAV_API void ZAV_ReplaceFile(const ZAV_SystemString& name, const void* bytes, size_t size);
 
 #endif
