@@ -1,12 +1,19 @@
 #include "json.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include <zavbase/strings/rune.h>
 #include <zavbase/values/uval_text.h>
 #include <zavbase/values/uval_types.h>
+
+#include "../support/harmless.h"
+#include "../support/utf8.h"
+#include "exact.h"
 
 namespace {
 
@@ -18,20 +25,10 @@ struct Scalar {
     enum Kind { LONG, ULONG, REAL, TEXT, TRUTH, NOTHING } mKind = NOTHING;
     double mNumber = 0;
     std::string mText;
+    std::string mLoss; // what of it could not be kept
 };
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-
-void AppendUtf8(std::string& text, unsigned long code) {
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-        return;
-    }
-    int more = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-    static const unsigned char lead[] = {0, 0xC0, 0xE0, 0xF0};
-    text += static_cast<char>(lead[more] | (code >> (6 * more)));
-    while (more-- > 0) text += static_cast<char>(0x80 | ((code >> (6 * more)) & 0x3F));
-}
 
 bool FitsUtfString(const std::string& text) {
     return std::strlen(text.c_str()) == text.size() && isutfstr(text.c_str());
@@ -40,7 +37,9 @@ bool FitsUtfString(const std::string& text) {
 // The cursor over the text and what JSON's scalars look like.
 class Scanner {
 public:
-    explicit Scanner(const std::string& text) : mCursor(text.c_str()), mEnd(mCursor + text.size()) {}
+    explicit Scanner(const std::string& text) : mCursor(text.c_str()), mEnd(mCursor + text.size()) {
+        Word("\xEF\xBB\xBF"); // a byte-order mark
+    }
 
     const char* Position() const { return mCursor; }
     char Peek() {
@@ -56,13 +55,16 @@ public:
     void Need(char c, const char* error) {
         if (!Skip(c)) throw SyntaxError{error};
     }
-    std::string Text();
+    /// Whether lone halves of surrogate pairs were replaced is told in `replaced`.
+    std::string Text(bool& replaced);
     Scalar Value();
 
 private:
     bool Word(const char* word);
     unsigned long Hex4();
-    void Escape(std::string& text);
+    void Escape(std::string& text, bool& replaced);
+    void EscapedCode(std::string& text, bool& replaced);
+    size_t Digits();
     Scalar Number();
 
     const char* mCursor;
@@ -84,21 +86,32 @@ unsigned long Scanner::Hex4() {
     return code;
 }
 
-void Scanner::Escape(std::string& text) {
+void Scanner::Escape(std::string& text, bool& replaced) {
     static const char letters[] = "\"\\/bfnrt", bytes[] = "\"\\/\b\f\n\r\t";
-    char c = *mCursor++;
-    if (c == 'u') {
-        unsigned long code = Hex4();
-        if (code >= 0xD800 && code < 0xDC00 && Word("\\u"))
-            code = 0x10000 + ((code & 0x3FF) << 10) + (Hex4() & 0x3FF);
-        return AppendUtf8(text, code);
-    }
-    const char* at = c ? std::strchr(letters, c) : nullptr;
+    if (mCursor == mEnd) throw SyntaxError{"text without end"};
+    if (*mCursor == 'u') return EscapedCode(text, replaced);
+    const char* at = *mCursor ? std::strchr(letters, *mCursor) : nullptr;
     if (!at) throw SyntaxError{"unknown escape"};
     text += bytes[at - letters];
+    ++mCursor;
 }
 
-std::string Scanner::Text() {
+// Beyond U+FFFF a character is written as two halves. One half alone is no character.
+void Scanner::EscapedCode(std::string& text, bool& replaced) {
+    ++mCursor;
+    unsigned long code = Hex4();
+    if (code >= 0xD800 && code < 0xDC00 && Word("\\u")) {
+        const unsigned long second = Hex4();
+        if (second >= 0xDC00 && second < 0xE000)
+            return AppendUtf8(text, 0x10000 + ((code & 0x3FF) << 10) + (second & 0x3FF));
+        mCursor -= 6;
+    }
+    const bool isHalf = code >= 0xD800 && code < 0xE000;
+    replaced = replaced || isHalf;
+    AppendUtf8(text, isHalf ? 0xFFFD : code);
+}
+
+std::string Scanner::Text(bool& replaced) {
     Need('"', "text expected");
     std::string text;
     for (;;) {
@@ -106,30 +119,60 @@ std::string Scanner::Text() {
         while (mCursor < mEnd && *mCursor != '"' && *mCursor != '\\' &&
                static_cast<unsigned char>(*mCursor) >= 0x20)
             ++mCursor;
-        text.append(plain, mCursor);
+        const std::string piece(plain, mCursor);
+        if (!IsUtf8(piece)) throw SyntaxError{"text is not UTF-8"};
+        text += piece;
         if (mCursor == mEnd) throw SyntaxError{"text without end"};
         char c = *mCursor++;
         if (c == '"') return text;
         if (c != '\\') throw SyntaxError{"control character in a text"};
-        Escape(text);
+        Escape(text, replaced);
     }
 }
 
-Scalar Scanner::Number() {
-    Scalar scalar;
+size_t Scanner::Digits() {
     const char* start = mCursor;
-    const char* digits = *start == '-' ? start + 1 : start;
-    if (digits == mEnd || *digits < '0' || *digits > '9') throw SyntaxError{"value expected"};
-    auto result = std::from_chars(start, mEnd, scalar.mNumber);
-    if (result.ec != std::errc()) throw SyntaxError{"number out of range"};
-    mCursor = result.ptr;
-    bool isInteger = std::string(start, mCursor).find_first_of(".eE") == std::string::npos;
-    if (isInteger && scalar.mNumber >= -2147483648.0 && scalar.mNumber <= 2147483647.0)
+    while (mCursor < mEnd && *mCursor >= '0' && *mCursor <= '9') ++mCursor;
+    return static_cast<size_t>(mCursor - start);
+}
+
+// Why an integer, which is beyond 32 bits, is not what the double holds; empty when it is.
+std::string IntegerLoss(const char* start, const char* end, double number) {
+    const std::string digits(*start == '-' ? start + 1 : start, end);
+    unsigned long long exact = 0;
+    const bool fits = std::from_chars(digits.data(), digits.data() + digits.size(), exact).ec == std::errc();
+    const double limit = 18446744073709551616.0;
+    const double size = std::fabs(number);
+    if (fits && size < limit && static_cast<unsigned long long>(size) == exact) return std::string();
+    return std::string(start, end) + " is rounded to a double";
+}
+
+Scalar Scanner::Number() {
+    const char* const start = mCursor;
+    const bool isNegative = Word("-");
+    const char first = *mCursor;
+    const size_t digits = Digits();
+    if (digits == 0) throw SyntaxError{isNegative ? "digit expected" : "value expected"};
+    if (first == '0' && digits > 1) throw SyntaxError{"number with a leading zero"};
+    const bool hasFraction = Word(".");
+    if (hasFraction && Digits() == 0) throw SyntaxError{"digit expected"};
+    const bool hasExponent = Word("e") || Word("E");
+    if (hasExponent && !Word("+")) Word("-");
+    if (hasExponent && Digits() == 0) throw SyntaxError{"digit expected"};
+
+    Scalar scalar;
+    if (std::from_chars(start, mCursor, scalar.mNumber).ec != std::errc()) {
+        mCursor = start;
+        throw SyntaxError{"number out of range"};
+    }
+    scalar.mKind = Scalar::REAL;
+    if (hasFraction || hasExponent) return scalar;
+    if (scalar.mNumber >= -2147483648.0 && scalar.mNumber <= 2147483647.0)
         scalar.mKind = Scalar::LONG;
-    else if (isInteger && scalar.mNumber > 0 && scalar.mNumber <= 4294967295.0)
+    else if (scalar.mNumber > 0 && scalar.mNumber <= 4294967295.0)
         scalar.mKind = Scalar::ULONG;
     else
-        scalar.mKind = Scalar::REAL;
+        scalar.mLoss = IntegerLoss(start, mCursor, scalar.mNumber);
     return scalar;
 }
 
@@ -137,7 +180,9 @@ Scalar Scanner::Value() {
     Scalar scalar;
     if (Peek() == '"') {
         scalar.mKind = Scalar::TEXT;
-        scalar.mText = Text();
+        bool replaced = false;
+        scalar.mText = Text(replaced);
+        if (replaced) scalar.mLoss = "half a surrogate pair becomes U+FFFD";
     } else if (Word("true")) {
         scalar.mKind = Scalar::TRUTH;
         scalar.mNumber = 1;
@@ -181,7 +226,12 @@ void Store(ZAV_UVal& value, const Scalar& scalar, long index) {
 }
 
 ZAV_UVal* MakeValue(const std::vector<Scalar>& scalars, bool isArray) {
-    ZAV_UVal* value = ZAV_NewUVal(CommonType(scalars), isArray ? static_cast<long>(scalars.size()) : 0);
+    const long dimension = isArray ? static_cast<long>(scalars.size()) : 0;
+    ZAV_UVal* value = ZAV_NewUVal(CommonType(scalars), dimension);
+    if (value->GetDimension() != dimension) {
+        delete value;
+        throw std::bad_alloc();
+    }
     for (size_t i = 0; i < scalars.size(); ++i) Store(*value, scalars[i], static_cast<long>(i));
     return value;
 }
@@ -198,6 +248,7 @@ private:
         ZAV_UValDict* mDict; // where the entries go; of an array null while it holds only scalars
         bool mIsArray;
         std::string mKey;             // of this level in the one around it
+        std::string mPath;            // for people
         std::vector<Scalar> mScalars; // of an array
         unsigned long mCount;
     };
@@ -206,8 +257,9 @@ private:
     void Close();
     void TakeMember();
     void TakeValue(const std::string& key);
-    void StoreEntry(ZAV_UValDict& dict, const std::string& key, ZAV_UVal* value);
+    void StoreEntry(const Level& level, const std::string& key, ZAV_UVal* value);
     ZAV_UValDict& DictOf(size_t level);
+    void Lose(const Level& level, const std::string& key, const std::string& what);
 
     Scanner mScan;
     JsonResult& mResult;
@@ -215,7 +267,11 @@ private:
 };
 
 void Builder::Run() {
-    if (mScan.Peek() != '{' && mScan.Peek() != '[') throw SyntaxError{"object or array expected"};
+    if (mScan.Peek() != '{' && mScan.Peek() != '[') {
+        mScan.Value();
+        if (!mScan.AtEnd()) throw SyntaxError{"text behind the end"};
+        throw SyntaxError{"valid JSON, but a single value, which has no key to be stored under"};
+    }
     mResult.mDict.reset(new ZAV_UValDict(16));
     Open("");
     while (!mLevels.empty()) {
@@ -234,7 +290,9 @@ void Builder::Run() {
 
 void Builder::TakeMember() {
     mScan.Peek();
-    std::string key = mScan.Text();
+    bool replaced = false;
+    std::string key = mScan.Text(replaced);
+    if (replaced) Lose(mLevels.back(), key, "half a surrogate pair in the key becomes U+FFFD");
     mScan.Need(':', "colon expected");
     TakeValue(key);
 }
@@ -243,11 +301,12 @@ void Builder::TakeValue(const std::string& key) {
     if (mScan.Peek() == '{' || mScan.Peek() == '[') return Open(key);
     Level& level = mLevels.back();
     std::vector<Scalar> scalar(1, mScan.Value());
+    if (!scalar[0].mLoss.empty()) Lose(level, key, scalar[0].mLoss);
     if (level.mIsArray && !level.mDict) {
         level.mScalars.push_back(std::move(scalar[0]));
         return;
     }
-    StoreEntry(*level.mDict, key, MakeValue(scalar, false));
+    StoreEntry(level, key, MakeValue(scalar, false));
 }
 
 void Builder::Open(const std::string& key) {
@@ -258,7 +317,8 @@ void Builder::Open(const std::string& key) {
     bool isTop = mLevels.empty();
     // An array shows what it is when it ends, but one that holds another, or an object, is a dictionary.
     if (!isTop) DictOf(mLevels.size() - 1);
-    mLevels.push_back(Level{isTop ? mResult.mDict.get() : nullptr, isArray, key, {}, 0});
+    const std::string path = isTop ? "" : PathBelow(mLevels.back().mPath, key);
+    mLevels.push_back(Level{isTop ? mResult.mDict.get() : nullptr, isArray, key, path, {}, 0});
     if (!isArray) DictOf(mLevels.size() - 1);
 }
 
@@ -267,29 +327,34 @@ ZAV_UValDict& Builder::DictOf(size_t index) {
     Level& level = mLevels[index];
     if (level.mDict) return *level.mDict;
     level.mDict = new ZAV_UValDict(16);
-    StoreEntry(*mLevels[index - 1].mDict, level.mKey, level.mDict);
+    StoreEntry(mLevels[index - 1], level.mKey, level.mDict);
     for (size_t i = 0; i < level.mScalars.size(); ++i)
-        StoreEntry(*level.mDict, std::to_string(i),
-                   MakeValue(std::vector<Scalar>(1, level.mScalars[i]), false));
+        StoreEntry(level, std::to_string(i), MakeValue(std::vector<Scalar>(1, level.mScalars[i]), false));
     level.mScalars.clear();
     return *level.mDict;
 }
 
 void Builder::Close() {
     Level& level = mLevels.back();
+    if (level.mIsArray && level.mCount == 0) {
+        const std::string name = mLevels.size() > 1 ? Harmless(level.mPath) : "the whole text";
+        mResult.mLosses.push_back(name + ": an empty array becomes an empty dictionary");
+    }
     bool isValue = !level.mScalars.empty() && CommonType(level.mScalars) != UVAL_DICT;
-    if (isValue)
-        StoreEntry(DictOf(mLevels.size() - 2), level.mKey, MakeValue(level.mScalars, true));
-    else
-        DictOf(mLevels.size() - 1);
+    DictOf(mLevels.size() - (isValue ? 2 : 1));
+    if (isValue) StoreEntry(mLevels[mLevels.size() - 2], level.mKey, MakeValue(level.mScalars, true));
     mLevels.pop_back();
 }
 
-void Builder::StoreEntry(ZAV_UValDict& dict, const std::string& key, ZAV_UVal* value) {
-    if (key.size() > 64 || key.find('\0') != std::string::npos) ++mResult.mCutKeys;
-    unsigned int before = dict.GetSize();
-    dict.SetEntry(key.c_str(), value);
-    if (dict.GetSize() == before) ++mResult.mLostEntries;
+void Builder::StoreEntry(const Level& level, const std::string& key, ZAV_UVal* value) {
+    const std::string kept = key.substr(0, (std::min)(key.find('\0'), size_t(64)));
+    if (kept.size() < key.size()) Lose(level, key, "the key is cut to 64 bytes, or at a NUL");
+    if (level.mDict->AssocAt(kept.c_str())) Lose(level, kept, "an earlier entry is replaced by a later one");
+    level.mDict->SetEntry(kept.c_str(), value);
+}
+
+void Builder::Lose(const Level& level, const std::string& key, const std::string& what) {
+    mResult.mLosses.push_back(Harmless(PathBelow(level.mPath, key)) + ": " + what);
 }
 
 } // namespace
@@ -303,7 +368,8 @@ JsonResult ReadJson(const std::string& text) {
         result.mDict.reset();
         result.mError = error.mText;
         result.mLine = result.mColumn = 1;
-        for (const char* p = text.c_str(); p < builder.Position(); ++p) {
+        const char* p = text.c_str() + (text.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0);
+        for (; p < builder.Position(); ++p) {
             ++result.mColumn;
             if (*p == '\n') ++result.mLine, result.mColumn = 1;
         }

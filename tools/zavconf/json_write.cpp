@@ -8,52 +8,35 @@
 
 #include <zavbase/values/uval_types.h>
 
+#include "../support/harmless.h"
+#include "../support/utf8.h"
+#include "exact.h"
+
 namespace {
-
-// The size of the UTF-8 sequence at `p`, 0 when there is none.
-int SequenceSize(const char* p, const char* end) {
-    unsigned char first = static_cast<unsigned char>(*p);
-    int size = first < 0x80                    ? 1
-               : first >= 0xC2 && first < 0xE0 ? 2
-               : first >= 0xE0 && first < 0xF0 ? 3
-               : first >= 0xF0 && first < 0xF5 ? 4
-                                               : 0;
-    if (size > end - p) return 0;
-    for (int i = 1; i < size; ++i)
-        if ((static_cast<unsigned char>(p[i]) & 0xC0) != 0x80) return 0;
-    return size;
-}
-
-bool IsUtf8(const char* p, const char* end) {
-    while (p < end) {
-        int size = SequenceSize(p, end);
-        if (size == 0) return false;
-        p += size;
-    }
-    return true;
-}
 
 class Writer {
 public:
     explicit Writer(std::ostream& os) : mStream(os) {}
-    void Write(ZAV_UValDict& dict);
+    std::vector<std::string> Write(ZAV_UValDict& dict);
 
 private:
     struct Level {
+        std::string mPath; // for people
         ZAV_AssocUVal* mNext;
         bool mIsArray;
         bool mIsFirst;
     };
-    void Open(ZAV_UValDict& dict);
-    void WriteValue(ZAV_UVal& value);
-    void WriteElement(ZAV_UVal& value, long index);
+    void Open(ZAV_UValDict& dict, const std::string& path);
+    void WriteValue(ZAV_UVal& value, const std::string& path);
+    void WriteElement(ZAV_UVal& value, long index, const std::string& path);
     void WriteText(const char* text, size_t length);
     template <class Number>
-    void WriteNumber(Number number);
+    void WriteNumber(Number number, const std::string& path);
     void NewLine() { mStream << '\n' << std::string(2 * mLevels.size(), ' '); }
 
     std::ostream& mStream;
     std::vector<Level> mLevels;
+    std::vector<std::string> mLosses;
 };
 
 bool IsArray(ZAV_UValDict& dict) {
@@ -64,8 +47,8 @@ bool IsArray(ZAV_UValDict& dict) {
     return true;
 }
 
-void Writer::Write(ZAV_UValDict& dict) {
-    Open(dict);
+std::vector<std::string> Writer::Write(ZAV_UValDict& dict) {
+    Open(dict, "");
     while (!mLevels.empty()) {
         Level& level = mLevels.back();
         ZAV_AssocUVal* entry = level.mNext;
@@ -85,33 +68,35 @@ void Writer::Write(ZAV_UValDict& dict) {
             mStream << ": ";
         }
         ZAV_UVal* value = entry->Value();
+        const std::string path = PathBelow(level.mPath, entry->Key());
         if (!value)
             mStream << "null";
         else if (value->GetType() == UVAL_DICT)
-            Open(static_cast<ZAV_UValDict&>(*value));
+            Open(static_cast<ZAV_UValDict&>(*value), path);
         else
-            WriteValue(*value);
+            WriteValue(*value, path);
     }
     mStream << '\n';
+    return mLosses;
 }
 
-void Writer::Open(ZAV_UValDict& dict) {
+void Writer::Open(ZAV_UValDict& dict, const std::string& path) {
     bool isArray = IsArray(dict);
-    mLevels.push_back(Level{dict.GetNextAssoc(nullptr), isArray, true});
+    mLevels.push_back(Level{path, dict.GetNextAssoc(nullptr), isArray, true});
     mStream << (isArray ? '[' : '{');
 }
 
-void Writer::WriteValue(ZAV_UVal& value) {
+void Writer::WriteValue(ZAV_UVal& value, const std::string& path) {
     long count = value.GetDimension();
-    if (count < 1) return WriteElement(value, 0);
+    if (count < 1) return WriteElement(value, 0, path);
     for (long i = 0; i < count; ++i) {
         mStream << (i == 0 ? "[" : ", ");
-        WriteElement(value, i);
+        WriteElement(value, i, path);
     }
     mStream << ']';
 }
 
-void Writer::WriteElement(ZAV_UVal& value, long index) {
+void Writer::WriteElement(ZAV_UVal& value, long index, const std::string& path) {
     switch (value.GetType()) {
     case UVAL_STRING: {
         const ZAV_String& text = static_cast<ZAV_UValString&>(value).GetValue(index);
@@ -122,22 +107,23 @@ void Writer::WriteElement(ZAV_UVal& value, long index) {
         return WriteText(text.Ptr(), text.Size());
     }
     case UVAL_FLOAT:
-        return WriteNumber(value.GetFloatValue(index));
+        return WriteNumber(value.GetFloatValue(index), path);
     case UVAL_DOUBLE:
-        return WriteNumber(value.GetDoubleValue(index));
+        return WriteNumber(value.GetDoubleValue(index), path);
     case UVAL_ULONG:
-        return WriteNumber(value.GetULongValue(index));
+        return WriteNumber(value.GetULongValue(index), path);
     case UVAL_PTR:
         mStream << "null";
         return;
     default:
-        return WriteNumber(value.GetLongValue(index));
+        return WriteNumber(value.GetLongValue(index), path);
     }
 }
 
 template <class Number>
-void Writer::WriteNumber(Number number) {
+void Writer::WriteNumber(Number number, const std::string& path) {
     if (!std::isfinite(static_cast<double>(number))) {
+        mLosses.push_back(Harmless(path) + ": no finite number, becomes null");
         mStream << "null";
         return;
     }
@@ -149,7 +135,7 @@ void Writer::WriteNumber(Number number) {
 void Writer::WriteText(const char* text, size_t length) {
     static const char hex[] = "0123456789abcdef";
     const char* end = text + length;
-    bool isUtf8 = IsUtf8(text, end);
+    const bool isUtf8 = IsUtf8(std::string(text, length));
     std::string out = "\"";
     for (; text < end; ++text) {
         unsigned char c = static_cast<unsigned char>(*text);
@@ -169,4 +155,4 @@ void Writer::WriteText(const char* text, size_t length) {
 
 } // namespace
 
-void WriteJson(std::ostream& os, ZAV_UValDict& dict) { Writer(os).Write(dict); }
+std::vector<std::string> WriteJson(std::ostream& os, ZAV_UValDict& dict) { return Writer(os).Write(dict); }

@@ -1,36 +1,50 @@
 // zavconf: looks into value files, changes them, and carries them to and from JSON.
 
-#include "json.h"
-
-#include <cstring>
-#include <filesystem>
+#include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <vector>
 
 #include <zavbase/foundation/exception.h>
-#include <zavbase/strings/system_string.h>
+#include <zavbase/platform/file.h>
 #include <zavbase/values/uval_text.h>
+#include <zavbase/values/uval_text_check.h>
 #include <zavbase/values/uval_types.h>
+
+#include "../support/harmless.h"
+#include "../support/tool.h"
+#include "exact.h"
+#include "json.h"
+#include "text_edit.h"
+#include "typed_value.h"
 
 namespace {
 
-enum Exit { DONE = 0, NOT_SO = 1, TROUBLE = 2 };
+enum Exit { DONE = TOOL_DONE, NOT_SO = 1, TROUBLE = TOOL_TROUBLE, LOST = 3 };
 
 const char* const help =
     "usage: zavconf [--separator=C] COMMAND ...\n"
     "\n"
     "  get FILE KEY...        prints the value at the path: one element a line, a dictionary as a list\n"
     "  list FILE              prints the whole dictionary\n"
-    "  set FILE PATH VALUE    stores VALUE, given in text form (5, 5 zavshort, [ 1 2 ], << ... >>); a VALUE "
-    "that\n"
-    "                         begins like none of these is taken as a string. FILE keeps its form, text or\n"
-    "                         binary, but comments in it are lost\n"
+    "  set [--type=T] FILE PATH VALUE\n"
+    "                         stores VALUE: a number if all of it is one (5, -2.5e3, 5 zavshort), text form "
+    "if\n"
+    "                         it begins with (, [ or <<, otherwise a string. --type stores a number or "
+    "string\n"
+    "                         of type T: char uchar short ushort long ulong float double string utfstring.\n"
+    "                         A text file keeps all its other bytes, comments and order\n"
     "  convert IN OUT         writes a text file as a binary one and a binary file as text\n"
     "  import JSON OUT        writes JSON as a text file, or a binary one when OUT ends in .bin\n"
     "  export FILE [JSON]     writes FILE as JSON, to the standard output when no JSON is named\n"
-    "  check FILE...          says file, line and column of the first error in each\n"
+    "  check [--strict] FILE...\n"
+    "                         says file, line and column of the first error in each; with --strict also of "
+    "what is\n"
+    "                         read although it was hardly meant: 5, 5% 0x1F, keys that are cut, empty or "
+    "there "
+    "twice\n"
     "  --help                 this text\n"
     "\n"
     "FILE may be text or binary. A path is keys with \":\" between them, or the character C. Keys have up to "
@@ -39,75 +53,61 @@ const char* const help =
     "a\n"
     "path; choose another separator, or a binary file, where that matters.\n"
     "\n"
-    "Exit code: 0 done; 1 no such value, or check found an error; 2 a file could not be read or written, or "
-    "the\n"
-    "command line is wrong.\n";
+    "Exit code: 0 done; 1 no such value, or check or import found an error; 2 a file could not be read or "
+    "written,\n"
+    "the value cannot be stored, or the command line is wrong; 3 done, but not all could be kept: each loss "
+    "is "
+    "named\n"
+    "on standard error; 4 memory ran out.\n";
 
 typedef std::vector<std::string> Arguments;
 
-struct Failure {
-    Exit mExit;
-    std::string mText;
-};
-
-std::string Describe(const std::string& path, const ZAV_FileException& e) {
-    const ZAV_UValTextError& error = ZAV_GetUValTextError();
-    if (e.mCode == 2 && error.mLine > 0) {
-        std::ostringstream text;
-        text << path << ":" << error.mLine << ":" << error.mColumn << ": " << error.mMessage << " (found \""
-             << error.mFound << "\")";
-        return text.str();
-    }
-    switch (e.mCode) {
-    case 2:
-        return path + ": not a valid binary value file";
-    case 3:
-        return path + ": cannot be opened";
-    case 6:
-        return path + ": cannot be read";
-    default:
-        return path + ": cannot be written";
-    }
-}
-
-// Runs an operation on a file and tells its failure as text.
+// Runs an operation on a file; its failure names the file.
 template <class Operation>
 void Guard(const std::string& path, Exit exit, Operation operation) {
     std::string trouble;
     ZAV_TRY { operation(); }
-    ZAV_CATCH(ZAV_FileException, e) { trouble = Describe(path, *e); }
-    ZAV_CATCH(ZAV_Exception, e) {
-        std::ostringstream text;
-        text << path << ": " << *e << " (too many entries in a dictionary, or a text too long)";
-        trouble = text.str();
+    ZAV_CATCH(ZAV_MemoryException, e) {
+        (void)e;
+        ZAV_RETHROW;
     }
+    ZAV_CATCH(ZAV_Exception, e) { trouble = FailureLine(e, path); }
     ZAV_CATCH_END
-    if (!trouble.empty()) throw Failure{exit, trouble};
+    if (!trouble.empty()) throw ToolFailure{exit, trouble};
 }
 
 void Load(const std::string& path, ZAV_UValDict& dict, Exit exit = TROUBLE) {
     Guard(path, exit, [&] { dict.ReadFile(path.c_str()); });
 }
 
-bool IsBinary(const std::string& path) { return std::ifstream(path, std::ios::binary).get() == 3; }
+std::unique_ptr<ZAV_UVal> Parse(const std::string& name, const std::string& text) {
+    ZAV_UVal* value = nullptr;
+    std::istringstream is(text);
+    Guard(name, TROUBLE, [&] { ZAV_ReadUValTxt(is, value); });
+    return std::unique_ptr<ZAV_UVal>(value);
+}
 
-void Save(const std::string& path, ZAV_UValDict& dict, bool binary) {
+bool IsBinary(const std::string& path) { return std::ifstream(PathOf(path), std::ios::binary).get() == 3; }
+
+void WriteBytes(const std::string& path, const std::string& bytes) {
+    Guard(path, TROUBLE, [&] { ZAV_ReplaceFile(path.c_str(), bytes.data(), bytes.size()); });
+}
+
+Exit Report(const std::string& path, const std::vector<std::string>& losses) {
+    for (const std::string& loss : losses) std::cerr << "zavconf: " << path << ": lost: " << loss << "\n";
+    return losses.empty() ? DONE : LOST;
+}
+
+Exit Save(const std::string& path, ZAV_UValDict& dict, bool binary) {
+    std::vector<std::string> losses;
     Guard(path, TROUBLE, [&] {
         if (binary)
             dict.WriteBinFile(path.c_str());
         else
             dict.WriteTextFile(path.c_str());
+        if (!binary) losses = TextLosses(dict);
     });
-}
-
-std::string ReadAll(const std::string& path) {
-    std::error_code ignored;
-    std::ifstream file;
-    // Opening a pipe would wait for its writer.
-    if (std::filesystem::is_regular_file(path, ignored)) file.open(path, std::ios::binary);
-    std::ostringstream text;
-    if (!file.is_open() || !(text << file.rdbuf())) throw Failure{TROUBLE, path + ": cannot be read"};
-    return text.str();
+    return Report(path, losses);
 }
 
 Exit Get(const Arguments& arguments) {
@@ -116,16 +116,12 @@ Exit Get(const Arguments& arguments) {
     ZAV_DictPath path;
     for (size_t i = 1; i < arguments.size(); ++i) path += arguments[i].c_str();
     ZAV_UVal* value = dict.GetUVal(path);
-    if (!value) throw Failure{NOT_SO, arguments[0] + ": no such value"};
+    if (!value) throw ToolFailure{NOT_SO, arguments[0] + ": no such value"};
     if (value->GetType() == UVAL_DICT) {
         std::cout << *value;
         return DONE;
     }
-    for (long i = 0; i < value->GetDimension() || i == 0; ++i) {
-        ZAV_String text;
-        value->GetStrValue(text, i);
-        std::cout.write(text.Ptr(), static_cast<std::streamsize>(text.Size())) << "\n";
-    }
+    for (long i = 0; i < value->GetDimension() || i == 0; ++i) std::cout << ElementText(*value, i) << "\n";
     return DONE;
 }
 
@@ -136,71 +132,122 @@ Exit List(const Arguments& arguments) {
     return DONE;
 }
 
-ZAV_UVal* MakeValue(const std::string& text) {
-    ZAV_UVal* value = nullptr;
-    if (!text.empty() && std::strchr("([<-.0123456789", text[0])) {
-        std::istringstream is(text);
-        Guard("VALUE", TROUBLE, [&] { ZAV_ReadUValTxt(is, value); });
-        return value;
+void CheckPath(const std::string& path, bool isText) {
+    const ZAV_DictPath keys(path.c_str());
+    const char* key = nullptr;
+    for (int i = 0; i < keys.Size(); ++i) {
+        key = keys.NextKey(key);
+        if (std::string(key).size() > 64) throw ToolFailure{TROUBLE, path + ": a key of more than 64 bytes"};
+        if (isText && !*key) throw ToolFailure{TROUBLE, path + ": a text file cannot hold an empty key"};
     }
-    value = new ZAV_UValString;
-    value->SetStrValue(ZAV_String(text.c_str()), 0);
-    return value;
+}
+
+void Place(ZAV_UValDict& dict, const ZAV_DictPath& path, std::unique_ptr<ZAV_UVal> value) {
+    if (!dict.SetUVal(path, value.release()))
+        throw ToolFailure{NOT_SO, std::string(ZAV_String(path).Ptr()) +
+                                      " leads through a value that is no dictionary"};
+}
+
+bool IsSame(const std::string& text, ZAV_UValDict& wanted) {
+    const std::unique_ptr<ZAV_UVal> read = Parse("changed file", text);
+    ZAV_UValDict& found = static_cast<ZAV_UValDict&>(*read);
+    return Differences(wanted, found).empty() && Differences(found, wanted).empty();
+}
+
+// Where several entries of the text make one value, changing one of them may not do: a later one at the end
+// does. What is written holds what was there before but for the one value, or nothing is written.
+void SetText(const std::string& file, const ZAV_DictPath& path, const std::string& value) {
+    const std::string text = ReadWhole(file);
+    const std::unique_ptr<ZAV_UVal> before = Parse(file, text);
+    if (before->GetType() != UVAL_DICT) throw ToolFailure{TROUBLE, file + ": holds no dictionary"};
+    ZAV_UValDict& wanted = static_cast<ZAV_UValDict&>(*before);
+    Place(wanted, path, Parse("VALUE", value));
+    for (int outer = path.Size(); outer >= 0; --outer) {
+        const std::string changed =
+            outer == path.Size() ? ReplaceInText(text, path, value) : AppendToText(text, path, outer, value);
+        if (!changed.empty() && IsSame(changed, wanted)) return WriteBytes(file, changed);
+    }
+    throw ToolFailure{TROUBLE, file + ": the entry cannot be changed without changing others"};
 }
 
 Exit Set(const Arguments& arguments) {
+    const std::string option = "--type=";
+    const bool hasType = arguments[0].compare(0, option.size(), option) == 0;
+    if (arguments.size() != (hasType ? 4 : 3)) throw ToolFailure{TROUBLE, "set [--type=T] FILE PATH VALUE"};
+    const std::string *rest = &arguments[hasType ? 1 : 0], &file = rest[0], &path = rest[1];
+    const std::string typed = TypedValue(rest[2], hasType ? arguments[0].substr(option.size()) : "");
+    const bool isText = !IsBinary(file);
+    CheckPath(path, isText);
+    if (isText) return SetText(file, path.c_str(), typed), DONE;
     ZAV_UValDict dict(16);
-    Load(arguments[0], dict);
-    bool binary = IsBinary(arguments[0]);
-    if (!dict.SetUVal(arguments[1].c_str(), MakeValue(arguments[2])))
-        throw Failure{NOT_SO, arguments[1] + ": the path leads through a value that is no dictionary"};
-    Save(arguments[0], dict, binary);
-    return DONE;
+    Load(file, dict);
+    Place(dict, path.c_str(), Parse("VALUE", typed));
+    return Save(file, dict, true);
 }
 
 Exit Convert(const Arguments& arguments) {
     ZAV_UValDict dict(16);
     Load(arguments[0], dict);
-    Save(arguments[1], dict, !IsBinary(arguments[0]));
-    return DONE;
+    return Save(arguments[1], dict, !IsBinary(arguments[0]));
 }
 
 Exit Import(const Arguments& arguments) {
-    JsonResult json = ReadJson(ReadAll(arguments[0]));
+    JsonResult json = ReadJson(ReadWhole(arguments[0]));
     if (!json.mDict) {
         std::ostringstream text;
         text << arguments[0] << ":" << json.mLine << ":" << json.mColumn << ": " << json.mError;
-        throw Failure{NOT_SO, text.str()};
+        throw ToolFailure{NOT_SO, text.str()};
     }
-    if (json.mCutKeys > 0) std::cerr << "zavconf: keys that were cut to 64 bytes: " << json.mCutKeys << "\n";
-    if (json.mLostEntries > 0)
-        std::cerr << "zavconf: entries replaced by a later one: " << json.mLostEntries << "\n";
     const std::string& out = arguments[1];
-    Save(out, *json.mDict, out.size() > 4 && out.compare(out.size() - 4, 4, ".bin") == 0);
-    return DONE;
+    const bool binary = out.size() > 4 && out.compare(out.size() - 4, 4, ".bin") == 0;
+    const Exit saved = Save(out, *json.mDict, binary);
+    return (std::max)(saved, Report(arguments[0], json.mLosses));
 }
 
 Exit Export(const Arguments& arguments) {
     ZAV_UValDict dict(16);
     Load(arguments[0], dict);
-    if (arguments.size() == 1) {
-        WriteJson(std::cout, dict);
-        return DONE;
-    }
-    std::ofstream file(arguments[1], std::ios::binary);
-    WriteJson(file, dict);
-    file.close();
-    if (!file) throw Failure{TROUBLE, arguments[1] + ": cannot be written"};
-    return DONE;
+    std::ostringstream json;
+    json.exceptions(std::ios::badbit); // a lack of memory comes through
+    const std::vector<std::string> losses = WriteJson(json, dict);
+    if (arguments.size() == 1)
+        std::cout << json.str();
+    else
+        WriteBytes(arguments[1], json.str());
+    return Report(arguments[0], losses);
+}
+
+struct StrictCheck {
+    const std::string& mPath;
+    bool mFound = false;
+};
+
+void TellRemark(void* context, const ZAV_UValTextRemark& remark) {
+    StrictCheck& check = *static_cast<StrictCheck*>(context);
+    std::cout << check.mPath << ":" << remark.mLine << ":" << remark.mColumn << ": " << remark.mMessage
+              << " (found \"" << remark.mFound << "\")\n";
+    check.mFound = true;
+}
+
+Exit CheckFile(const std::string& path, bool isStrict) {
+    ZAV_UValDict dict(16);
+    Load(path, dict, NOT_SO);
+    if (!isStrict || IsBinary(path)) return DONE;
+    std::istringstream text(ReadWhole(path));
+    StrictCheck check = {path};
+    ZAV_UVal* value = nullptr;
+    Guard(path, NOT_SO, [&] { ZAV_CheckUValTxt(text, value, TellRemark, &check); });
+    delete value;
+    return check.mFound ? NOT_SO : DONE;
 }
 
 Exit Check(const Arguments& arguments) {
+    const bool isStrict = arguments[0] == "--strict";
     Exit result = DONE;
-    for (const std::string& path : arguments) {
-        ZAV_UValDict dict(16);
+    for (size_t i = isStrict ? 1 : 0; i < arguments.size(); ++i) {
         try {
-            Load(path, dict, NOT_SO);
-        } catch (const Failure& failure) {
+            result = (std::max)(result, CheckFile(arguments[i], isStrict));
+        } catch (const ToolFailure& failure) {
             std::cout << failure.mText << "\n";
             result = NOT_SO;
         }
@@ -215,13 +262,16 @@ struct Command {
 };
 
 const Command commands[] = {
-    {"get", 2, 1000, Get},    {"list", 1, 1, List},     {"set", 3, 3, Set},        {"convert", 2, 2, Convert},
+    {"get", 2, 1000, Get},    {"list", 1, 1, List},     {"set", 3, 4, Set},        {"convert", 2, 2, Convert},
     {"import", 2, 2, Import}, {"export", 1, 2, Export}, {"check", 1, 1000, Check},
 };
 
-Exit Run(Arguments words) {
-    if (!words.empty() && words[0].rfind("--separator=", 0) == 0 && words[0].size() == 13) {
-        ZAV_DictPath::SetSeparator(words[0][12]);
+int Run(int argc, char** argv) {
+    Arguments words(argv + 1, argv + argc);
+    const std::string option = "--separator=";
+    if (!words.empty() && words[0].size() == option.size() + 1 &&
+        words[0].compare(0, option.size(), option) == 0) {
+        ZAV_DictPath::SetSeparator(words[0].back());
         words.erase(words.begin());
     }
     if (words.size() == 1 && (words[0] == "--help" || words[0] == "help")) {
@@ -242,12 +292,5 @@ Exit Run(Arguments words) {
 
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
-    try {
-        Exit result = Run(Arguments(argv + 1, argv + argc));
-        std::cout.flush();
-        return std::cout ? result : TROUBLE;
-    } catch (const Failure& failure) {
-        std::cerr << "zavconf: " << failure.mText << "\n";
-        return failure.mExit;
-    }
+    return RunTool("zavconf", argc, argv, Run);
 }

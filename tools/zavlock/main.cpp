@@ -10,12 +10,13 @@
 #include <string>
 
 #include "../support/harmless.h"
+#include "../support/tool.h"
 
 namespace {
 
 typedef ZAV_ResourceLockPool Pool;
 
-enum Exit { DONE = 0, REFUSED = 1, TROUBLE = 2 };
+enum Exit { DONE = TOOL_DONE, REFUSED = 1, TROUBLE = TOOL_TROUBLE };
 
 const char* const help =
     "usage: zavlock [--guard] FILE list\n"
@@ -29,9 +30,10 @@ const char* const help =
     "  unlock   says whether the lock is free; removes it if its owner has ended\n"
     "  --guard  makes each operation exclusive among those who use the guard too (FILE.guard)\n"
     "\n"
-    "NAME is a path: a:b is the lock b in the group a.\n"
-    "Exit code: 0 done (lock: taken; unlock: free now), 1 another process has the lock, 2 the file\n"
-    "could not be read or written or is damaged, or the command line is wrong.\n";
+    "NAME is a path: a:b is the lock b in the group a. Names without a level (a::b) cannot be locked.\n"
+    "Exit code: 0 done (lock: taken, and released at the end; unlock: free now), 1 another process has\n"
+    "the lock, or took it while it was held here, 2 the file could not be read or written or is damaged,\n"
+    "or the command line is wrong, 4 memory ran out.\n";
 
 int Wrong() {
     std::cerr << help;
@@ -75,8 +77,18 @@ int Hold(Pool& pool, const char* name) {
     std::cout << Pool::RetVal2String(result) << std::endl;
     if (result == Pool::OTHER_HAS_LOCK) return REFUSED;
     std::cin.ignore((std::numeric_limits<std::streamsize>::max)(), std::char_traits<char>::eof());
-    std::cout << Pool::RetVal2String(pool.UnLock(name)) << std::endl;
-    return DONE;
+    const Pool::RetVal released = pool.UnLock(name);
+    std::cout << Pool::RetVal2String(released) << std::endl;
+    return released == Pool::UNLOCKED ? DONE : REFUSED;
+}
+
+/// The file does not keep a name with an empty level, so that everybody would be granted its lock.
+void CheckName(const char* name) {
+    const ZAV_DictPath path(name);
+    const char* key = nullptr;
+    bool isWhole = path.Size() > 0;
+    for (int i = 0; i < path.Size(); ++i) isWhole = *(key = path.NextKey(key)) && isWhole;
+    if (!isWhole) throw ToolFailure{TROUBLE, "\"" + Harmless(name) + "\" is no name for a lock"};
 }
 
 int UnLock(Pool& pool, const char* name) {
@@ -85,11 +97,12 @@ int UnLock(Pool& pool, const char* name) {
     return result == Pool::OTHER_HAS_LOCK ? REFUSED : DONE;
 }
 
-int Run(int argc, char** argv) {
+int Work(int argc, char** argv) {
     if (argc < 2) return Wrong();
     const char* file = argv[0];
     const std::string command = argv[1];
     if (command == "list" && argc == 2) return List(file);
+    if (argc == 3) CheckName(argv[2]);
     Pool pool(file);
     if (command == "clear" && argc == 2) return pool.ClearInvalidLocks(), DONE;
     if (command == "lock" && argc == 3) return Hold(pool, argv[2]);
@@ -97,9 +110,7 @@ int Run(int argc, char** argv) {
     return Wrong();
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
     if (argc > 1 && (!std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "help"))) {
         std::cout << help;
         return DONE;
@@ -107,16 +118,9 @@ int main(int argc, char** argv) {
     const bool guard = argc > 1 && !std::strcmp(argv[1], "--guard");
     if (guard) Pool::SetGuard(B_TRUE);
     const int skip = guard ? 2 : 1;
-    int result = TROUBLE;
-    ZAV_TRY { result = Run(argc - skip, argv + skip); }
-    ZAV_CATCH(ZAV_FileException, e) {
-        std::cerr << "zavlock: " << *e << (e->mOsError ? std::string(": ") + GetErrorString(e->mOsError) : "")
-                  << "\n";
-    }
-    ZAV_CATCH(ZAV_Exception, e) {
-        std::cerr << "zavlock: the lock cannot be an entry of the file, or its entry is damaged\n";
-        (void)e;
-    }
-    ZAV_CATCH_END
-    return result;
+    return Work(argc - skip, argv + skip);
 }
+
+} // namespace
+
+int main(int argc, char** argv) { return RunTool("zavlock", argc, argv, Run); }

@@ -3,16 +3,15 @@
 #include "module_file.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <sstream>
+
+#include "../support/tool.h"
 
 namespace {
 
 const char* const entryPoints[] = {"CreateObjectInstance", "FreeObjectInstance", "GetI18nDefs"};
 
-enum Exit { COMPLETE = 0, INCOMPLETE = 1, TROUBLE = 2 };
+enum Exit { COMPLETE = TOOL_DONE, INCOMPLETE = 1, TROUBLE = TOOL_TROUBLE };
 
 const char* const help =
     "usage: zavmod info FILE...\n"
@@ -22,23 +21,12 @@ const char* const help =
     "platform.\n"
     "\n"
     "Exit code: 0 all entry points are there, 1 one is missing, 2 a file could not be read or\n"
-    "is no module, or the command line is wrong.\n";
-
-Exit Trouble(const std::string& text) {
-    std::cerr << "zavmod: " << text << "\n";
-    return TROUBLE;
-}
+    "is no module, or the command line is wrong, 4 memory ran out.\n";
 
 Exit Info(const std::string& path) {
-    std::error_code ignored;
-    // Opening a pipe would wait for its writer.
-    if (!std::filesystem::is_regular_file(path, ignored)) return Trouble(path + ": no such file");
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream bytes;
-    if (!file || !(bytes << file.rdbuf())) return Trouble(path + ": cannot be read");
     ModuleFile module;
-    const std::string failure = ReadModuleFile(bytes.str(), module);
-    if (!failure.empty()) return Trouble(path + ": " + failure);
+    const std::string failure = ReadModuleFile(ReadWhole(path), module);
+    if (!failure.empty()) throw ToolFailure{TROUBLE, path + ": " + failure};
 
     std::cout << path << ": " << module.mFormat << ", " << module.mFunctions.size() << " exported names\n";
     Exit result = COMPLETE;
@@ -50,9 +38,17 @@ Exit Info(const std::string& path) {
     return result;
 }
 
-} // namespace
+// The files after one that cannot be read are looked at too.
+Exit InfoOrTrouble(const std::string& path) {
+    try {
+        return Info(path);
+    } catch (const ToolFailure& failure) {
+        std::cerr << "zavmod: " << failure.mText << "\n";
+        return TROUBLE;
+    }
+}
 
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
     const std::string command = argc > 1 ? argv[1] : "";
     if (command == "--help" || command == "help") {
         std::cout << help;
@@ -63,6 +59,10 @@ int main(int argc, char** argv) {
         return TROUBLE;
     }
     int result = COMPLETE;
-    for (int i = 2; i < argc; ++i) result = (std::max)(result, static_cast<int>(Info(argv[i])));
+    for (int i = 2; i < argc; ++i) result = (std::max)(result, static_cast<int>(InfoOrTrouble(argv[i])));
     return result;
 }
+
+} // namespace
+
+int main(int argc, char** argv) { return RunTool("zavmod", argc, argv, Run); }

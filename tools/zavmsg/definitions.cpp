@@ -13,7 +13,7 @@ void Collect(const std::string& prefix, ZAV_UValDict& dict, Definitions& found) 
         ZAV_UVal* value = e->Value();
         if (value && value->GetType() == UVAL_DICT)
             Collect(id + ZAV_DictPath::GetSeparator(), static_cast<ZAV_UValDict&>(*value), found);
-        else if (value && value->GetFamily() == UVAL_FAMILY_STRING)
+        else if (value && value->GetFamily() == UVAL_FAMILY_STRING && value->GetDimension() == 0)
             found.mTexts[id] = value->GetCStringValue(0);
         else
             found.mOthers.insert(id);

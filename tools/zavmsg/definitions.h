@@ -8,7 +8,8 @@
 
 #include <zavbase/values/value_dict.h>
 
-/// The entries of a dictionary of messages by their whole identifier; those that are no texts are apart.
+/// The entries of a dictionary of messages by their whole identifier; those that are no texts, or several,
+/// are apart.
 struct Definitions {
     std::map<std::string, std::string> mTexts;
     std::set<std::string> mOthers;

@@ -3,16 +3,17 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <sstream>
 
 #include <zavbase/foundation/exception.h>
 #include <zavbase/i18n/i18n_resource.h>
 #include <zavbase/platform/shared_lib.h>
+#include <zavbase/strings/rune.h>
 #include <zavbase/values/uval_text.h>
 
 #include "../support/harmless.h"
+#include "../support/tool.h"
+#include "../support/utf8.h"
 #include "definitions.h"
 #include "gettext_file.h"
 
@@ -20,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-enum Exit { CLEAN = 0, FINDINGS = 1, TROUBLE = 2 };
+enum Exit { CLEAN = TOOL_DONE, FINDINGS = 1, TROUBLE = TOOL_TROUBLE };
 
 const char* const help =
     "usage: zavmsg check   [DEFINITIONS] DIR_OR_FILE...\n"
@@ -43,8 +44,9 @@ const char* const help =
     "has a context, is longer than 64 characters, or holds \":\" or anything but plain ASCII), under\n"
     "PO_ and a number made from it. Plural forms beyond the first get [1], [2], ... appended.\n"
     "Without -o the result goes to standard output.\n"
-    "Exit code: 0 nothing found, 1 check found something or import had to leave a text out, 2 a file\n"
-    "could not be read or written, or the command line is wrong.\n";
+    "Exit code: 0 nothing found, 1 check found something, or extract or import had to leave something\n"
+    "out, which is named, 2 a file could not be read or written, or the command line is wrong,\n"
+    "4 memory ran out.\n";
 
 struct Options {
     ZAV_UValDict mDefinitions{16};
@@ -54,8 +56,8 @@ struct Options {
 };
 
 void AddModule(const std::string& path, ZAV_UValDict& definitions) {
-    const fs::path whole = fs::absolute(path);
-    ZAV_SharedLib module((whole.parent_path() / whole.stem()).string().c_str(), "");
+    const fs::path whole = fs::absolute(PathOf(path));
+    ZAV_SharedLib module(NameOf(whole.parent_path() / whole.stem()).c_str(), "");
     module.LoadStrict();
     module.GetI18nDefs(&definitions, B_TRUE, B_TRUE);
     module.Release();
@@ -88,13 +90,13 @@ std::vector<std::string> FilesOf(const std::vector<std::string>& arguments) {
     std::vector<std::string> files;
     std::error_code ignored;
     for (const std::string& argument : arguments) {
-        if (!fs::is_directory(argument, ignored)) {
+        if (!fs::is_directory(PathOf(argument), ignored)) {
             files.push_back(argument);
             continue;
         }
         const size_t first = files.size();
-        for (const fs::directory_entry& entry : fs::directory_iterator(argument))
-            if (entry.is_regular_file(ignored)) files.push_back(entry.path().string());
+        for (const fs::directory_entry& entry : fs::directory_iterator(PathOf(argument)))
+            if (entry.is_regular_file(ignored)) files.push_back(NameOf(entry.path()));
         std::sort(files.begin() + static_cast<std::ptrdiff_t>(first), files.end());
     }
     return files;
@@ -106,11 +108,7 @@ int CheckFile(const std::string& path, const Definitions& wanted) {
     ZAV_TRY { language.ReadFile(path.c_str()); }
     ZAV_CATCH(ZAV_Exception, e) {
         isRead = false;
-        std::cerr << "zavmsg: " << path << ": " << *e;
-        const ZAV_UValTextError& place = ZAV_GetUValTextError();
-        if (place.mLine > 0)
-            std::cerr << ": line " << place.mLine << ", column " << place.mColumn << ": " << place.mMessage;
-        std::cerr << "\n";
+        std::cerr << "zavmsg: " << FailureLine(e, path) << "\n";
     }
     ZAV_CATCH_END
     if (!isRead) return TROUBLE;
@@ -138,18 +136,24 @@ void Define(ZAV_UValDict& dict, const std::string& id, const std::string& text) 
     ZAV_I18nDef2Dict(&dict, id.c_str(), text.c_str());
 }
 
-int Extract(Options& options) {
-    ZAV_UValDict language(16);
-    for (const auto& [id, text] : Flatten(options.mDefinitions).mTexts) Define(language, id, text);
-    Write(language, options.mOut);
-    return CLEAN;
+void LeftOut(const std::string& id, const char* why) {
+    std::cerr << "zavmsg: left out, " << why << ": " << Harmless(id) << "\n";
 }
 
-/// The library's texts hold characters up to U+FFFF, so a longer UTF-8 sequence cannot be taken over.
-bool IsRepresentable(const std::string& text) {
-    for (const char c : text)
-        if (static_cast<unsigned char>(c) >= 0xF0) return false;
-    return true;
+int Extract(Options& options) {
+    ZAV_UValDict language(16);
+    const Definitions definitions = Flatten(options.mDefinitions);
+    for (const auto& [id, text] : definitions.mTexts) Define(language, id, text);
+    for (const std::string& id : definitions.mOthers) LeftOut(id, "it is no text");
+    Write(language, options.mOut);
+    return definitions.mOthers.empty() ? CLEAN : FINDINGS;
+}
+
+/// Why a text cannot be taken over; null if it can.
+const char* Obstacle(const std::string& text) {
+    if (!IsUtf8(text)) return "it is not UTF-8";
+    if (!isutfstr(text.c_str())) return "it has characters beyond U+FFFF";
+    return text.find('\0') == text.npos ? nullptr : "it has a NUL";
 }
 
 int ImportEntry(const GettextEntry& entry, const Options& options, ZAV_UValDict& language) {
@@ -163,33 +167,25 @@ int ImportEntry(const GettextEntry& entry, const Options& options, ZAV_UValDict&
     for (size_t i = 0; i < texts.size(); ++i) {
         const std::string suffix = i ? "[" + std::to_string(i) + "]" : std::string();
         if (texts[i].empty()) continue;
-        if (IsRepresentable(texts[i])) {
-            const std::string formId = id.size() + suffix.size() <= 64 ? id : IdentifierOf("plural", id);
-            Define(language, formId + suffix, texts[i]);
-        } else {
-            std::cerr << "zavmsg: left out, it has characters beyond U+FFFF: " << Harmless(id + suffix)
-                      << "\n";
-            result = FINDINGS;
+        const std::string formId =
+            (id.size() + suffix.size() <= 64 ? id : IdentifierOf("plural", id)) + suffix;
+        const char* obstacle = Obstacle(texts[i]);
+        if (!obstacle && language.GetUVal(formId.c_str())) obstacle = "the message is there twice";
+        if (!obstacle) {
+            Define(language, formId, texts[i]);
+            continue;
         }
+        LeftOut(formId, obstacle);
+        result = FINDINGS;
     }
     return result;
 }
 
 int Import(const Options& options) {
     const std::string& path = options.mFiles[0];
-    std::error_code ignored;
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream bytes;
-    if (!fs::is_regular_file(path, ignored) || !file || !(bytes << file.rdbuf())) {
-        std::cerr << "zavmsg: " << path << ": cannot be read\n";
-        return TROUBLE;
-    }
     std::vector<GettextEntry> entries;
-    const std::string problem = ReadGettext(bytes.str(), entries);
-    if (!problem.empty()) {
-        std::cerr << "zavmsg: " << path << ": " << Harmless(problem) << "\n";
-        return TROUBLE;
-    }
+    const std::string problem = ReadGettext(ReadWhole(path), entries);
+    if (!problem.empty()) throw ToolFailure{TROUBLE, path + ": " + Harmless(problem)};
     ZAV_UValDict language(16);
     int result = CLEAN;
     for (const GettextEntry& entry : entries)
@@ -213,10 +209,4 @@ int Run(int argc, char** argv) {
 
 } // namespace
 
-int main(int argc, char** argv) {
-    int result = TROUBLE;
-    ZAV_TRY { result = Run(argc, argv); }
-    ZAV_CATCH(ZAV_FileException, e) { std::cerr << "zavmsg: " << *e << "\n"; }
-    ZAV_CATCH_END
-    return result;
-}
+int main(int argc, char** argv) { return RunTool("zavmsg", argc, argv, Run); }

@@ -1,14 +1,14 @@
 // zavtrace: the trace viewer. Shows what programs write to the library's trace stream while it runs.
 
-#include <cstdlib>
 #include <iostream>
 
+#include "../support/tool.h"
 #include "channel.h"
 #include "trace_lines.h"
 
 namespace {
 
-enum Exit { DONE = 0, TROUBLE = 2 };
+enum Exit { DONE = TOOL_DONE, TROUBLE = TOOL_TROUBLE };
 
 const char* const help =
     "usage: zavtrace [--match TEXT] [--count N] [--announce]\n"
@@ -23,7 +23,8 @@ const char* const help =
     "  --announce    prints a line \"listening\" first, as soon as lines would be shown\n"
     "\n"
     "Ends with Ctrl-C. Exit code: 0 ended by the user or after N lines, 2 the place of the viewer\n"
-    "cannot be had (another one runs), or the command line is wrong.\n";
+    "cannot be had (another one runs), the lines cannot be written, or the command line is wrong,\n"
+    "4 memory ran out.\n";
 
 class Printer : public Receiver {
 public:
@@ -55,20 +56,17 @@ private:
     bool mAnnounces;
 };
 
-} // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
     std::string match;
     unsigned long count = 0;
     bool wrong = false, announces = false;
     for (int i = 1; i < argc; ++i) {
         const std::string option = argv[i];
         if (option == "--help") return std::cout << help, DONE;
-        char* end = argv[i];
         if (option == "--match" && i + 1 < argc)
             match = argv[++i];
         else if (option == "--count" && i + 1 < argc)
-            wrong = (count = std::strtoul(argv[++i], &end, 10)) == 0 || *end;
+            wrong = !IsWholeNumber(argv[++i], count) || count == 0;
         else if (option == "--announce")
             announces = true;
         else
@@ -77,7 +75,10 @@ int main(int argc, char** argv) {
     }
     Printer printer(match, count, announces);
     const std::string problem = Listen(printer);
-    if (problem.empty()) return DONE;
-    std::cerr << "zavtrace: " << problem << "\n";
-    return TROUBLE;
+    if (!problem.empty()) throw ToolFailure{TROUBLE, problem};
+    return DONE;
 }
+
+} // namespace
+
+int main(int argc, char** argv) { return RunTool("zavtrace", argc, argv, Run); }

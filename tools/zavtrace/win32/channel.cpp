@@ -13,9 +13,13 @@ UINT theMessage;
 
 /// The sender deletes the atom as soon as this returns, so its text is taken here.
 LRESULT TakePiece(HWND window, ATOM atom) {
-    char text[256];
-    const UINT length = GlobalGetAtomNameA(atom, text, sizeof text);
-    if (!theReceiver->Take(0, std::string(text, length))) PostMessageA(window, WM_CLOSE, 0, 0);
+    wchar_t text[256];
+    char utf8[3 * 256];
+    const UINT length = GlobalGetAtomNameW(atom, text, sizeof text / sizeof *text);
+    const int size =
+        WideCharToMultiByte(CP_UTF8, 0, text, static_cast<int>(length), utf8, sizeof utf8, nullptr, nullptr);
+    if (!theReceiver->Take(0, std::string(utf8, static_cast<size_t>(size))))
+        PostMessageA(window, WM_CLOSE, 0, 0);
     SetTimer(window, idleTimer, 200, nullptr);
     return 0;
 }
