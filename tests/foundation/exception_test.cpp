@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <thread>
 
+#include "tests/support/file_support.h"
 #include "tests/support/printed.h"
 #include "tests/support/thrown.h"
 #include "tests/support/trace_capture.h"
@@ -79,6 +81,8 @@ TEST(Exception, OnlyAPositiveFlagLetsItBeDeleted) {
     ZAV_MemoryException* const first = Thrown<ZAV_MemoryException>(ZAV_ThrowMemoryException).get();
     const auto copy = std::make_unique<ZAV_MemoryException>(*first);
     copy->Delete();
+    ZAV_AddExceptionContext(first, {"that of one thread"});
+    EXPECT_STREQ("", ZAV_GetExceptionContext(first).mPath);
     EXPECT_EQ("Memory exception: ", Printed(*copy));
     EXPECT_EQ(first, Thrown<ZAV_MemoryException>(ZAV_ThrowMemoryException).get());
 }
@@ -132,6 +136,53 @@ TEST(ExceptionContext, IsTheLineForAUser) {
     own.AddArg("<<x>>", "y", ZAV_I18N_STRING);
     EXPECT_STREQ("Error exception: HOST_ERROR[<<x>> = y]",
                  ZAV_ExceptionLine(std::make_unique<ZAV_ErrorException>(own).get()).Ptr());
+}
+
+TEST(ExceptionContext, IsToldWhereverTheLibraryThrows) {
+    TestFolder folder;
+    const std::string path = folder.Path("f"), missing = folder.Path("no/f");
+    ZAV_UValDict dict(16), longText(16);
+    longText.DefineUVal("k", UVAL_STRING, 0, nullptr)->SetStrValue(ZAV_String('x', 65535), 0);
+    ZAV_ResourceLockPool pool(path.c_str()), nowhere(missing.c_str());
+    ZAV_SharedLib linkedIn("x_static_dll", ""), module("f", folder.Path().c_str());
+    const auto read = [&] { dict.ReadFile(path.c_str()); };
+    const std::string magic("\3\x10\0\x12\0\0\0\x10UVALBINDUMP_2.0\0", 24);
+    const std::string entry("\3\1\0\3\2\0\x12\0\0\0\2k\0\3\x0D\0", 16);
+    const struct {
+        std::string mFile; // its contents
+        std::function<void()> mCall;
+        std::string mLine; // a "*" at its end stands for the system's text
+    } rows[] = {
+        {"<<\n/x [ 1 /y\n] >>", read,
+         path + ":3:1: File exception: InvalidFile: Illegal type in array (found \"]\")"},
+        {"5", read, path + ":1:1: File exception: InvalidFile: Error in object hierarchy (found \"5\")"},
+        {"\3", read, path + ": byte 0: File exception: InvalidFile: not a binary value file"},
+        {magic + entry.substr(0, 5), read,
+         path + ": byte 29: File exception: InvalidFile: the file ends too early"},
+        {magic + entry, read, path + ": byte 37: File exception: InvalidFile: an unknown type"},
+        {magic + std::string("\3\0\0x", 4), read,
+         path + ": byte 27: File exception: InvalidFile: more bytes than the values have"},
+        {"", [&] { ZAV_ConfigInit(missing.c_str()); }, missing + ": File exception: OpenRdError: *"},
+        {"", [&] { dict.WriteTextFile(missing.c_str()); }, missing + ": File exception: OpenWrError: *"},
+        {"", [&] { dict.WriteBinFile(missing.c_str()); }, missing + ": File exception: OpenWrError: *"},
+        {"", [&] { longText.WriteBinFile(path.c_str()); },
+         path + ": Binary Packing Error: entry \"k\": a text of more than 65534 bytes"},
+        {"<< /l << >> >>", [&] { pool.GetLockState("l"); },
+         path + ": Base exception: no owner can be read for the lock \"l\""},
+        {"", [&] { nowhere.GetLockState("l"); }, missing + ": File exception: OpenWrError: *"},
+        {"", [&] { linkedIn.Load(); },
+         Printed(linkedIn.GetFullPath()) +
+             ": File exception: InvalidFile: no module of this name is linked in"},
+        {"", [&] { module.Load(); }, Printed(module.GetFullPath()) + ": File exception: FileNotFound: *"},
+    };
+    for (const auto& [file, call, expected] : rows) {
+        PutFile(path, file);
+        const std::string line = ZAV_ExceptionLine(Thrown<ZAV_Exception>(call).get()).Ptr();
+        const size_t known = expected.find('*');
+        EXPECT_EQ(expected.substr(0, known), line.substr(0, known)) << line;
+        EXPECT_EQ(known != expected.npos, line.size() > known) << line;
+    }
+    ZAV_ConfigCleanup();
 }
 
 TEST(Error, ParameterErrorIsTheDetailOfAnInternalOne) {

@@ -86,18 +86,14 @@ ZAV_String& ZAV_ExitException::ToString(ZAV_String& s) const {
     return s;
 }
 
-namespace {
-
 // Made in place by the first throw, and for good: throwing it takes no memory, at any time.
-ZAV_MemoryException* StaticMemoryException() {
+ZAV_MemoryException* ZAV_StaticMemoryException() {
     alignas(ZAV_MemoryException) static unsigned char storage[sizeof(ZAV_MemoryException)];
     static ZAV_MemoryException* const exception = new (storage) ZAV_MemoryException(B_FALSE);
     return exception;
 }
 
-} // namespace
-
-void ZAV_ThrowMemoryException() { throw StaticMemoryException(); }
+void ZAV_ThrowMemoryException() { throw ZAV_StaticMemoryException(); }
 
 void ZAV_ThrowFileException(unsigned short code, unsigned long osError) {
     throw new (std::nothrow) ZAV_FileException(code, osError);

@@ -139,7 +139,8 @@ const ZAV_ExceptionContext& ZAV_GetExceptionContext(const ZAV_Exception* e) {
 }
 
 void ZAV_AddExceptionContext(const ZAV_Exception* e, const ZAV_ExceptionContext& known) noexcept {
-    if (!e) return;
+    // The one memory exception may be thrown by several threads at once, and never ends.
+    if (!e || e == ZAV_StaticMemoryException()) return;
     ZAV_ExceptionContext all = ZAV_GetExceptionContext(e);
     all.mPath = First(all.mPath, known.mPath);
     all.mReason = First(all.mReason, known.mReason);

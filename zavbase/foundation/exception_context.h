@@ -40,7 +40,7 @@ ZAV_API const ZAV_ExceptionContext& ZAV_GetExceptionContext(const ZAV_Exception*
 
 /// Adds to what is known of an exception. What is known already stays, since who comes first is nearest to
 /// the failure; line and column go together. The texts are copied, a null one counts as empty. Nothing
-/// happens when `e` is null or memory is short: this never throws.
+/// happens when `e` is null or the memory exception, or when memory is short: this never throws.
 ZAV_API void ZAV_AddExceptionContext(const ZAV_Exception* e, const ZAV_ExceptionContext& known) noexcept;
 
 /// Throws a new ZAV_FileException* of which `known` is told; a null pointer when it cannot be allocated.
@@ -48,9 +48,9 @@ ZAV_API void ZAV_AddExceptionContext(const ZAV_Exception* e, const ZAV_Exception
                                                  const ZAV_ExceptionContext& known);
 
 /// One line for a user, without a line end and without control characters: the place, what ToString tells,
-/// the message of a ZAV_ErrorException and its sub-errors, the reason, the system's text for the error
-/// number; each as far as it is known. Null, which is thrown when there is no memory for an exception, reads
-/// "Out of memory". Messages are formatted in language `lang` of `resources`; without resources in the
+/// the message of a ZAV_ErrorException and its sub-errors, the reason or else the system's text for the
+/// error number; each as far as it is known. Null, which is thrown when there is no memory for an exception,
+/// reads "Out of memory". Messages are formatted in language `lang` of `resources`; without resources in the
 /// library's English, or, if it does not know them, with identifier and arguments. (The result is a class of
 /// strings/byte_string.h.)
 ZAV_API ZAV_String ZAV_ExceptionLine(const ZAV_Exception* e, const char* lang = nullptr,

@@ -19,6 +19,9 @@ void ZAV_SetThreadLinkHead(ZAV_EXCEPTION_LINK** head);
 void ZAV_DropExceptionContext(const ZAV_Exception* e) noexcept;
 void ZAV_CopyExceptionContext(const ZAV_Exception* to, const ZAV_Exception* from) noexcept;
 
+/// What ZAV_ThrowMemoryException throws.
+ZAV_MemoryException* ZAV_StaticMemoryException();
+
 /// Throws a new exception of which `known` is told; a null pointer when it cannot be allocated.
 template <class Exception, class... Arguments>
 [[noreturn]] void ZAV_ThrowKnown(const ZAV_ExceptionContext& known, const Arguments&... arguments) {

@@ -75,13 +75,10 @@ std::string MessageOf(const ZAV_Error& error, const char* lang, ZAV_I18nResource
 std::string ReasonOf(const ZAV_ExceptionContext& context, uint32_t osError) {
     std::string reason = Trimmed(context.mReason);
     if (*context.mFound) reason += std::string(" (found \"") + context.mFound + "\")";
-    if (osError == 0) return reason;
+    if (!reason.empty() || osError == 0) return reason;
     char text[256];
-    if (zav_os::ErrorText(osError, text, sizeof text))
-        Append(reason, Trimmed(text));
-    else
-        Append(reason, "system error " + std::to_string(osError));
-    return reason;
+    if (zav_os::ErrorText(osError, text, sizeof text)) return Trimmed(text);
+    return "system error " + std::to_string(osError);
 }
 
 } // namespace

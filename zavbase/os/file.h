@@ -14,6 +14,7 @@ uint32_t DeleteOneFile(const char* path);
 struct FileBytes {
     char* mData; ///< null after a failure
     size_t mSize;
+    uint32_t mError = 0; ///< the system's number after a failure, which FreeFileBytes keeps; otherwise 0
 };
 
 enum ReadStatus { READ_DONE, READ_NOT_OPEN, READ_TOO_LARGE, READ_FAILED };

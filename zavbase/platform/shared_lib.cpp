@@ -1,13 +1,16 @@
 #include <zavbase/platform/shared_lib.h>
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 
-#include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/exception_context.h>
 #include <zavbase/os/module.h>
 
 // The record's base link is the root, although the class is a collectable object.
 ZAV_DEFINE_CLASS(ZAV_SharedLib, ZAV_Object)
+
+using zav_os::ModuleError;
 
 namespace {
 
@@ -15,6 +18,17 @@ const unsigned short fileNotFound = 1, invalidFile = 2;
 const uint32_t absent = 2;
 
 const char* Text(ZAV_SystemString& s) { return s.GetSystemString(); }
+
+[[noreturn]] void Throw(unsigned short code, ZAV_SystemString& path, const ModuleError& error) {
+    ZAV_ThrowFileException(code, error.mNumber, {Text(path), error.mReason});
+}
+
+void* SearchModule(const char* folder, const char* name, const char* path, ModuleError& error) {
+    void* module = zav_os::FindModuleIn(folder, name, error);
+    if (!module) module = zav_os::OpenModule(path, error);
+    if (!module) module = zav_os::FindModule(name, error);
+    return module;
+}
 
 } // namespace
 
@@ -62,19 +76,19 @@ void ZAV_SharedLib::Load(const ZAV_SystemString& name, const ZAV_SystemString& d
 void ZAV_SharedLib::Load() {
     SetFullPath();
     if (mLoaded || LoadStatic()) return;
-    uint32_t error = 0;
-    void* module = SearchModule(error);
-    if (!module) ZAV_ThrowFileException(fileNotFound, error);
+    ModuleError error;
+    void* module = SearchModule(Text(mDirectory), Text(mName), Text(mFullPath), error);
+    if (!module) Throw(fileNotFound, mFullPath, error);
     Hold(module);
 }
 
 void ZAV_SharedLib::LoadStrict() {
     SetFullPath();
     if (mLoaded || LoadStatic()) return;
-    uint32_t error = absent;
+    ModuleError error{absent};
     const char* path = Text(mFullPath);
     void* module = zav_os::IsAbsolutePath(path) ? zav_os::OpenModule(path, error) : nullptr;
-    if (!module) ZAV_ThrowFileException(fileNotFound, error);
+    if (!module) Throw(fileNotFound, mFullPath, error);
     Hold(module);
 }
 
@@ -110,21 +124,14 @@ void ZAV_SharedLib::Release() {
 boolean_t ZAV_SharedLib::LoadStatic() {
     if (!std::strstr(Text(mName), "_static_dll")) return B_FALSE;
     const ZAV_StaticDll* module = ZAV_StaticDll::GetStaticDll(Text(mName));
-    if (!module) ZAV_ThrowFileException(invalidFile, 0);
+    if (!module) Throw(invalidFile, mFullPath, {0, "no module of this name is linked in"});
     mCreateFn = module->CreateFn();
     mFreeFn = module->FreeFn();
     mGetI18nDefsFn = module->I18nDefsFn();
-    if (!mCreateFn || !mFreeFn || !mGetI18nDefsFn) ZAV_ThrowFileException(invalidFile, 0);
+    if (!mCreateFn || !mFreeFn || !mGetI18nDefsFn)
+        Throw(invalidFile, mFullPath, {0, "the linked-in module lacks an entry point"});
     mLoaded = B_TRUE;
     return B_TRUE;
-}
-
-void* ZAV_SharedLib::SearchModule(uint32_t& error) {
-    const char* name = Text(mName);
-    void* module = zav_os::FindModuleIn(Text(mDirectory), name, error);
-    if (!module) module = zav_os::OpenModule(Text(mFullPath), error);
-    if (!module) module = zav_os::FindModule(name, error);
-    return module;
 }
 
 void ZAV_SharedLib::Hold(void* module) {
@@ -138,8 +145,9 @@ void ZAV_SharedLib::Hold(void* module) {
 }
 
 void* ZAV_SharedLib::Entry(const char* name) {
-    uint32_t error = 0;
+    ModuleError error;
     void* entry = zav_os::FindSymbol(mModule, name, error);
-    if (!entry) ZAV_ThrowFileException(invalidFile, error);
+    std::snprintf(error.mReason, sizeof error.mReason, "no entry point \"%s\"", name);
+    if (!entry) Throw(invalidFile, mFullPath, error);
     return entry;
 }

@@ -77,7 +77,6 @@ public:
 
 private:
     boolean_t LoadStatic();
-    void* SearchModule(uint32_t& error);
     void Hold(void* module);
     void* Entry(const char* name);
 

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/exception_context.h>
 #include <zavbase/foundation/startup.h>
 #include <zavbase/os/file.h>
 #include <zavbase/os/file_lock.h>
@@ -58,7 +58,7 @@ void CreatePoolFile(const char* path) {
     unsigned short code;
     const uint32_t error = WriteFile(path, empty, true, code);
     // Another process may have been quicker, and then its file is the one.
-    if (error && !zav_os::FileExists(path)) ZAV_ThrowFileException(code, error);
+    if (error && !zav_os::FileExists(path)) ZAV_ThrowFileException(code, error, {path});
 }
 
 } // namespace
@@ -118,7 +118,8 @@ public:
     explicit Guard(ZAV_SystemString& fileName) {
         if (!theGuardIsOn) return;
         const std::string path = std::string(Text(fileName)) + ".guard";
-        if (uint32_t error = mLock.Take(path.c_str())) ZAV_ThrowFileException(lockError, error);
+        if (uint32_t error = mLock.Take(path.c_str()))
+            ZAV_ThrowFileException(lockError, error, {path.c_str()});
     }
 
 private:
@@ -141,7 +142,7 @@ ZAV_ResourceLockPool::RetVal ZAV_ResourceLockPool::Lock(const char* name) {
         result = ALREADY_HAD_LOCK;
     } else if (result == NOBODY_HAS_LOCK) {
         ZAV_UValDict* entry = mLocks.DefineUValDict(name);
-        if (!entry) throw new ZAV_Exception;
+        if (!entry) ThrowDamaged(name);
         caller.Store(*entry);
         mDirty = 1;
         result = HAVE_LOCK;
@@ -179,7 +180,7 @@ void ZAV_ResourceLockPool::ClearOwnLocks() {
         next = mLocks.GetNextAssoc(lock);
         ZAV_UValDict* entry = DictOf(lock);
         if (!entry) continue;
-        const Owner owner = Owner::Of(*entry);
+        const Owner owner = OwnerIn(*entry, lock->Key());
         if (owner == caller || !owner.IsAlive()) RemoveTop(lock);
     }
     Close();
@@ -235,7 +236,7 @@ void ZAV_ResourceLockPool::Close() {
     if (mDirty == 1) {
         unsigned short code;
         const uint32_t error = WriteFile(Text(mFileName), mLocks, false, code);
-        if (error) ZAV_ThrowFileException(code, error);
+        if (error) ZAV_ThrowFileException(code, error, {Text(mFileName)});
     }
     Cleanup();
 }
@@ -249,11 +250,25 @@ void ZAV_ResourceLockPool::Cleanup() {
 ZAV_ResourceLockPool::RetVal ZAV_ResourceLockPool::HolderOf(const char* name, const Owner& caller) {
     ZAV_UVal* entry = mLocks.GetUVal(name);
     if (!entry) return NOBODY_HAS_LOCK;
-    if (entry->GetType() != UVAL_DICT) throw new ZAV_Exception;
-    const Owner owner = Owner::Of(static_cast<ZAV_UValDict&>(*entry));
+    if (entry->GetType() != UVAL_DICT) ThrowDamaged(name);
+    const Owner owner = OwnerIn(static_cast<ZAV_UValDict&>(*entry), name);
     if (owner.IsAlive()) return owner == caller ? HAVE_LOCK : OTHER_HAS_LOCK;
     Remove(name);
     return NOBODY_HAS_LOCK;
+}
+
+ZAV_ResourceLockPool::Owner ZAV_ResourceLockPool::OwnerIn(ZAV_UValDict& entry, const char* name) {
+    ZAV_TRY { return Owner::Of(entry); }
+    ZAV_CATCH(ZAV_Exception, e) { (void)e; }
+    ZAV_CATCH_END
+    ThrowDamaged(name);
+}
+
+void ZAV_ResourceLockPool::ThrowDamaged(const char* name) {
+    const std::string reason = "no owner can be read for the lock \"" + std::string(name ? name : "") + "\"";
+    ZAV_Exception* exception = new ZAV_Exception;
+    ZAV_AddExceptionContext(exception, {Text(mFileName), reason.c_str()});
+    throw exception;
 }
 
 void ZAV_ResourceLockPool::Remove(const char* name) {

@@ -86,6 +86,8 @@ private:
     struct Owner;
 
     RetVal HolderOf(const char* name, const Owner& caller);
+    Owner OwnerIn(ZAV_UValDict& entry, const char* name);
+    [[noreturn]] void ThrowDamaged(const char* name);
     void Remove(const char* name);
     void RemoveTop(ZAV_AssocUVal* lock);
     static ZAV_UValDict* DictOf(ZAV_AssocUVal* lock);

@@ -12,6 +12,9 @@ namespace zav_pack {
 constexpr unsigned int MOST_ENTRIES = 0xFFFF;  ///< of a dictionary
 constexpr unsigned int MOST_TEXT = 0xFFFF - 1; ///< bytes of a text; its NUL is counted in the file
 
+/// Throws a ZAV_BinPackException* that tells its reason and, if it is not null, the key of the entry.
+[[noreturn]] void Refuse(const char* reason, const char* key = nullptr);
+
 /// The elements of a number value as they lie in memory; the inline scalar of a scalar.
 struct Elements {
     int mKind;
@@ -36,9 +39,9 @@ private:
     static constexpr size_t MOST_PIECE = 128; // bytes of a piece: key, type, dimension, header and a scalar
 
     static void CheckAll(ZAV_UValDict& dict);
-    static void CheckDict(ZAV_UValDict& dict);
-    static void CheckText(const ZAV_String& text);
-    static void CheckValue(ZAV_UVal& value, unsigned long& pointers);
+    static void CheckDict(ZAV_UValDict& dict, const char* key);
+    static void CheckText(const ZAV_String& text, const char* key);
+    static void CheckValue(ZAV_UVal& value, unsigned long& pointers, const char* key);
 
     int PutSome(unsigned char** cursor, const unsigned char* limit);
     bool IsDone() const { return mNext.empty() && mTextsLeft == 0; }
@@ -50,6 +53,7 @@ private:
 
     ZAV_UValDict& mTop;
     std::vector<ZAV_AssocUVal*> mNext; // of each open dictionary: the entry to be put next, never null
+    const char* mKey;                  // of the entry put last; null before the first
     ZAV_UVal* mTexts;                  // the string value of which elements are left
     long mTextsLeft;
     unsigned long mPointers; // elements of pointer arrays so far
@@ -65,6 +69,7 @@ class ZAV_LOCAL ZAV_BinPackUValDict::Reader {
 public:
     explicit Reader(ZAV_UValDict& dict);
     int Get(const unsigned char** cursor, const unsigned char* limit);
+    long long AtomAt() const { return mAtomAt; } ///< how many bytes came before the expected atom
 
 private:
     enum Step { ENTRY_COUNT, KEY_LENGTH, KEY, TYPE, DIMENSION, NUMBERS, TEXT_LENGTH, TEXT, DONE };
@@ -92,6 +97,7 @@ private:
     void NextEntry();
 
     Step mStep;
+    long long mAtomAt;
     int mKind;
     uint32_t mCount;
     std::vector<unsigned char> mCollected;

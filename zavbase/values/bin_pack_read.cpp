@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 
+#include <zavbase/foundation/exception_context.h>
 #include <zavbase/values/uval_text.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict.h>
@@ -11,6 +12,10 @@
 using namespace zav_pack;
 
 namespace {
+
+const char UNEXPECTED[] = "another atom than expected";
+const char SAME_KEY[] = "a key that comes twice";
+const char TOO_LARGE[] = "an array larger than memory";
 
 template <class Number>
 Number Load(const unsigned char* bytes) {
@@ -29,8 +34,8 @@ void StoreText(ZAV_UVal& value, ZAV_UValType type, const char* text, unsigned in
 } // namespace
 
 ZAV_BinPackUValDict::Reader::Reader(ZAV_UValDict& dict)
-    : mNestingLimit(ZAV_GetUValNestingLimit()), mOpened(&dict), mKey(), mKeyLength(0), mType(UVAL_DICT),
-      mDimension(0), mPointers(0), mTextsLeft(0) {
+    : mAtomAt(0), mNestingLimit(ZAV_GetUValNestingLimit()), mOpened(&dict), mKey(), mKeyLength(0),
+      mType(UVAL_DICT), mDimension(0), mPointers(0), mTextsLeft(0) {
     Expect(ENTRY_COUNT, BINPACK_16, 1);
 }
 
@@ -45,13 +50,13 @@ void ZAV_BinPackUValDict::Reader::Expect(Step step, int kind, uint32_t count) {
 uint64_t ZAV_BinPackUValDict::Reader::AtomSize(const unsigned char* atom, size_t have) const {
     if (have == 0) return 1;
     int header = mCount == 1 ? mKind : mKind | 0x10;
-    if (atom[0] != header) ZAV_ThrowBinPackException();
+    if (atom[0] != header) Refuse(UNEXPECTED);
     size_t headerSize = HeaderSize(atom[0]);
     if (have < headerSize) return headerSize;
     if (headerSize == 5) {
         uint32_t count = 0;
         for (int i = 1; i < 5; ++i) count = count << 8 | atom[i];
-        if (count != mCount) ZAV_ThrowBinPackException();
+        if (count != mCount) Refuse(UNEXPECTED);
     }
     return headerSize + static_cast<uint64_t>(mCount) * ZAV_BinPackElementSize(mKind);
 }
@@ -63,6 +68,7 @@ int ZAV_BinPackUValDict::Reader::Get(const unsigned char** cursor, const unsigne
             std::vector<unsigned char> atom;
             atom.swap(mCollected);
             Take(atom.data() + HeaderSize(atom[0]));
+            mAtomAt += static_cast<long long>(atom.size());
             continue;
         }
         const unsigned char* atom = *cursor;
@@ -75,6 +81,7 @@ int ZAV_BinPackUValDict::Reader::Get(const unsigned char** cursor, const unsigne
         }
         *cursor += size;
         Take(atom + HeaderSize(atom[0]));
+        mAtomAt += static_cast<long long>(size);
     }
     return 0;
 }
@@ -98,7 +105,7 @@ void ZAV_BinPackUValDict::Reader::Take(const unsigned char* elements) {
         break;
     case KEY_LENGTH: {
         unsigned int length = Load<uint16_t>(elements);
-        if (length < 1 || length > sizeof mKey) ZAV_ThrowBinPackException();
+        if (length < 1 || length > sizeof mKey) Refuse("a key of no possible length");
         Expect(KEY, BINPACK_BLOCK, length);
         break;
     }
@@ -116,7 +123,7 @@ void ZAV_BinPackUValDict::Reader::Take(const unsigned char* elements) {
         break;
     case TEXT_LENGTH: {
         unsigned int length = Load<uint16_t>(elements);
-        if (length < 1) ZAV_ThrowBinPackException();
+        if (length < 1) Refuse("a text without its end");
         Expect(TEXT, BINPACK_BLOCK, length);
         break;
     }
@@ -129,7 +136,7 @@ void ZAV_BinPackUValDict::Reader::Take(const unsigned char* elements) {
 }
 
 void ZAV_BinPackUValDict::Reader::TakeEntryCount(unsigned int count) {
-    if (mNestingLimit && mLevels.size() >= mNestingLimit) ZAV_ThrowBinPackException();
+    if (mNestingLimit && mLevels.size() >= mNestingLimit) Refuse("dictionaries nest too deep");
     mLevels.push_back(Level{mOpened, count, {}});
     NextEntry();
 }
@@ -137,11 +144,11 @@ void ZAV_BinPackUValDict::Reader::TakeEntryCount(unsigned int count) {
 // A key that comes twice was never written by us. One that the caller's dictionary has already is replaced.
 void ZAV_BinPackUValDict::Reader::FillLevel(Level& level) {
     if (level.mDict->GetSize() == 0) {
-        if (!mFiller.Fill(*level.mDict, level.mEntries)) ZAV_ThrowBinPackException();
+        if (!mFiller.Fill(*level.mDict, level.mEntries)) Refuse(SAME_KEY);
         return;
     }
     ZAV_UValDict read(16);
-    if (!mFiller.Fill(read, level.mEntries)) ZAV_ThrowBinPackException();
+    if (!mFiller.Fill(read, level.mEntries)) Refuse(SAME_KEY);
     for (ZAV_AssocUVal* entry = read.GetNextAssoc(nullptr); entry; entry = read.GetNextAssoc(entry))
         level.mDict->SetEntry(entry->Key(), entry->Value(nullptr));
 }
@@ -161,7 +168,8 @@ void ZAV_BinPackUValDict::Reader::NextEntry() {
 
 // A text ends with its only NUL.
 void ZAV_BinPackUValDict::Reader::TakeKey(const unsigned char* text) {
-    if (std::memchr(text, 0, mCount) != text + mCount - 1) ZAV_ThrowBinPackException();
+    if (std::memchr(text, 0, mCount) != text + mCount - 1)
+        Refuse("a key that does not end with its only NUL");
     std::memcpy(mKey, text, mCount);
     mKeyLength = mCount - 1;
     Expect(TYPE, BINPACK_16, 1);
@@ -173,7 +181,7 @@ void ZAV_BinPackUValDict::Reader::StoreEntry(ZAV_UVal* value) {
 }
 
 void ZAV_BinPackUValDict::Reader::TakeType(unsigned int type) {
-    if (type > UVAL_PTR) ZAV_ThrowBinPackException();
+    if (type > UVAL_PTR) Refuse("an unknown type");
     mType = static_cast<ZAV_UValType>(type);
     if (type == 0) {
         StoreEntry(nullptr);
@@ -187,12 +195,12 @@ void ZAV_BinPackUValDict::Reader::TakeType(unsigned int type) {
 }
 
 void ZAV_BinPackUValDict::Reader::TakeDimension(int32_t dimension) {
-    if (dimension < 0) ZAV_ThrowBinPackException();
+    if (dimension < 0) Refuse("a negative dimension");
     mDimension = dimension;
     int32_t count = dimension > 0 ? dimension : 1;
     if (mType == UVAL_PTR) {
         mPointers += static_cast<unsigned long>(dimension);
-        if (mPointers > ZAV_BINPACK_MAX_POINTERS) ZAV_ThrowBinPackException();
+        if (mPointers > ZAV_BINPACK_MAX_POINTERS) Refuse("too many pointers");
         std::unique_ptr<ZAV_UVal> value(ZAV_NewUVal(UVAL_PTR, dimension));
         std::fill_n(static_cast<ZAV_UValPtr&>(*value).GetValuePtr(0), value->GetDimension(), nullptr);
         StoreEntry(value.release());
@@ -208,7 +216,7 @@ void ZAV_BinPackUValDict::Reader::TakeDimension(int32_t dimension) {
 void ZAV_BinPackUValDict::Reader::TakeNumbers(const unsigned char* bytes) {
     std::unique_ptr<ZAV_UVal> value(ZAV_NewUVal(mType, mDimension));
     Elements elements = ElementsOf(*value);
-    if (elements.mCount != mCount) ZAV_ThrowBinPackException();
+    if (elements.mCount != mCount) Refuse(TOO_LARGE);
     std::memcpy(elements.mData, bytes, static_cast<size_t>(mCount) * ZAV_BinPackElementSize(mKind));
     StoreEntry(value.release());
     NextEntry();
@@ -216,7 +224,7 @@ void ZAV_BinPackUValDict::Reader::TakeNumbers(const unsigned char* bytes) {
 
 void ZAV_BinPackUValDict::Reader::TakeText(const unsigned char* text) {
     unsigned int length = mCount - 1;
-    if (text[length] != 0) ZAV_ThrowBinPackException();
+    if (text[length] != 0) Refuse("a text without its end");
     mTexts.append(reinterpret_cast<const char*>(text), length);
     mTextLengths.push_back(length);
     if (--mTextsLeft > 0) return Expect(TEXT_LENGTH, BINPACK_16, 1);
@@ -227,7 +235,7 @@ void ZAV_BinPackUValDict::Reader::TakeText(const unsigned char* text) {
 // An array is made when all its texts are there, so that a claimed dimension takes no memory.
 void ZAV_BinPackUValDict::Reader::StoreTexts() {
     std::unique_ptr<ZAV_UVal> value(ZAV_NewUVal(mType, mDimension));
-    if (value->GetDimension() != mDimension) ZAV_ThrowBinPackException();
+    if (value->GetDimension() != mDimension) Refuse(TOO_LARGE);
     const char* text = mTexts.data();
     for (size_t i = 0; i < mTextLengths.size(); ++i) {
         StoreText(*value, mType, text, mTextLengths[i], static_cast<long>(i));
@@ -253,7 +261,14 @@ int ZAV_BinPackUValDict::Put(unsigned char** cursor, const unsigned char* limit)
 
 int ZAV_BinPackUValDict::Get(const unsigned char** cursor, const unsigned char* limit) {
     if (!mReader) mReader = new Reader(mDict);
-    return mReader->Get(cursor, limit);
+    try {
+        return mReader->Get(cursor, limit);
+    } catch (ZAV_BinPackException* e) {
+        ZAV_ExceptionContext known;
+        known.mOffset = mReader->AtomAt();
+        ZAV_AddExceptionContext(e, known);
+        throw;
+    }
 }
 
 int ZAV_BinPackUValDict::Get(unsigned char** cursor, const unsigned char* limit) {

@@ -73,39 +73,43 @@ using namespace zav_pack;
 typedef ZAV_UValDict::Fields Fields;
 
 ZAV_BinPackUValDict::Writer::Writer(ZAV_UValDict& dict, bool checkFirst)
-    : mTop(dict), mTexts(nullptr), mTextsLeft(0), mPointers(0), mCheckAll(checkFirst) {
+    : mTop(dict), mKey(nullptr), mTexts(nullptr), mTextsLeft(0), mPointers(0), mCheckAll(checkFirst) {
     mPieceLeft = ZAV_BinPackBuffer(mPiece, static_cast<unsigned long>(PutDict(mPiece, dict) - mPiece));
 }
 
-void ZAV_BinPackUValDict::Writer::CheckDict(ZAV_UValDict& dict) {
-    if (dict.GetSize() > MOST_ENTRIES) ZAV_ThrowBinPackException();
+void ZAV_BinPackUValDict::Writer::CheckDict(ZAV_UValDict& dict, const char* key) {
+    if (dict.GetSize() > MOST_ENTRIES) Refuse("a dictionary of more than 65535 entries", key);
 }
 
-void ZAV_BinPackUValDict::Writer::CheckText(const ZAV_String& text) {
-    if (text.Size() > MOST_TEXT) ZAV_ThrowBinPackException();
+void ZAV_BinPackUValDict::Writer::CheckText(const ZAV_String& text, const char* key) {
+    if (text.Size() > MOST_TEXT) Refuse("a text of more than 65534 bytes", key);
 }
 
-void ZAV_BinPackUValDict::Writer::CheckValue(ZAV_UVal& value, unsigned long& pointers) {
+void ZAV_BinPackUValDict::Writer::CheckValue(ZAV_UVal& value, unsigned long& pointers, const char* key) {
     ZAV_UValType type = value.GetType();
-    if (type < UVAL_DICT || type > UVAL_PTR) ZAV_ThrowBinPackException();
+    if (type < UVAL_DICT || type > UVAL_PTR) Refuse("a value that has no binary form", key);
     if (type == UVAL_PTR) pointers += static_cast<unsigned long>(value.GetDimension());
-    if (pointers > ZAV_BINPACK_MAX_POINTERS) ZAV_ThrowBinPackException();
+    if (pointers > ZAV_BINPACK_MAX_POINTERS) Refuse("too many pointers", key);
 }
 
 void ZAV_BinPackUValDict::Writer::CheckAll(ZAV_UValDict& top) {
     unsigned long pointers = 0;
     std::vector<ZAV_UValDict*> dicts(1, &top);
+    CheckDict(top, nullptr);
     while (!dicts.empty()) {
         ZAV_UValDict* dict = dicts.back();
         dicts.pop_back();
-        CheckDict(*dict);
         for (ZAV_AssocUVal* entry = Fields::First(*dict); entry; entry = Fields::Next(*entry)) {
             ZAV_UVal* value = Fields::Value(*entry);
             if (!value) continue;
-            CheckValue(*value, pointers);
-            if (value->GetType() == UVAL_DICT) dicts.push_back(static_cast<ZAV_UValDict*>(value));
+            const char* key = Fields::Key(*entry);
+            CheckValue(*value, pointers, key);
+            if (value->GetType() == UVAL_DICT) {
+                dicts.push_back(static_cast<ZAV_UValDict*>(value));
+                CheckDict(*dicts.back(), key);
+            }
             if (value->GetFamily() != UVAL_FAMILY_STRING) continue;
-            for (long i = 0; i < ElementCount(*value); ++i) CheckText(TextOf(*value, i));
+            for (long i = 0; i < ElementCount(*value); ++i) CheckText(TextOf(*value, i), key);
         }
     }
 }
@@ -146,18 +150,19 @@ unsigned char* ZAV_BinPackUValDict::Writer::MakePiece(unsigned char* out) {
 unsigned char* ZAV_BinPackUValDict::Writer::PutEntry(unsigned char* out, ZAV_AssocUVal& entry) {
     unsigned int length = entry.KeyLength() + 1;
     out = PutHeader(PutNumber(out, length), BINPACK_BLOCK, length);
-    std::memcpy(out, Fields::Key(entry), length);
+    mKey = Fields::Key(entry);
+    std::memcpy(out, mKey, length);
     out += length;
     ZAV_UVal* value = Fields::Value(entry);
     if (!value) return PutNumber(out, 0);
-    CheckValue(*value, mPointers);
+    CheckValue(*value, mPointers, mKey);
     out = PutNumber(out, static_cast<unsigned int>(value->GetType()));
     if (value->GetType() == UVAL_DICT) return PutDict(out, static_cast<ZAV_UValDict&>(*value));
     return PutValue(out, *value);
 }
 
 unsigned char* ZAV_BinPackUValDict::Writer::PutDict(unsigned char* out, ZAV_UValDict& dict) {
-    CheckDict(dict);
+    CheckDict(dict, mKey);
     if (ZAV_AssocUVal* first = Fields::First(dict)) mNext.push_back(first);
     return PutNumber(out, dict.GetSize());
 }
@@ -186,7 +191,7 @@ unsigned char* ZAV_BinPackUValDict::Writer::PutValue(unsigned char* out, ZAV_UVa
 
 unsigned char* ZAV_BinPackUValDict::Writer::PutText(unsigned char* out) {
     const ZAV_String& text = TextOf(*mTexts, ElementCount(*mTexts) - mTextsLeft--);
-    CheckText(text);
+    CheckText(text, mKey);
     unsigned int length = text.Size() + 1;
     mElementsLeft = ZAV_BinPackBuffer(const_cast<char*>(text.Ptr()), length);
     return PutHeader(PutNumber(out, length), BINPACK_BLOCK, length);

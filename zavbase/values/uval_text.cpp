@@ -7,7 +7,7 @@
 #include <new>
 #include <string>
 
-#include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/exception_context.h>
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/values/uval_text_check_internal.h>
 #include <zavbase/values/uval_text_reader_internal.h>
@@ -116,7 +116,12 @@ void SetTextError(const char* message, Place place, const char* found, const cha
 void FailReading(const char* message, Place place, const char* found, const char* foundEnd) {
     SetTextError(message, place, found, foundEnd);
     ZAV_BASE_TRACE(0x1, message);
-    ZAV_ThrowFileException(2, 0);
+    ZAV_ExceptionContext known;
+    known.mReason = gLastError.mMessage;
+    known.mFound = gLastError.mFound;
+    known.mLine = gLastError.mLine;
+    known.mColumn = gLastError.mColumn;
+    ZAV_ThrowFileException(2, 0, known);
 }
 
 } // namespace zav_text

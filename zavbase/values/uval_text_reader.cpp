@@ -4,7 +4,6 @@
 #include <cstring>
 #include <memory>
 
-#include <zavbase/foundation/exception.h>
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/values/dict_path.h>
 #include <zavbase/values/uval_text.h>

@@ -3,7 +3,7 @@
 #include <ostream>
 #include <streambuf>
 
-#include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/exception_context.h>
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/os/file.h>
 #include <zavbase/strings/system_string.h>
@@ -31,13 +31,31 @@ constexpr size_t PIECE = 65536;
 
 const char* NameOf(const ZAV_SystemString& file) { return file.GetSystemString().Ptr(); }
 
+// The exception has no number of the system, as ever; its context has.
+[[noreturn]] void Throw(FileCode code, uint32_t error) {
+    ZAV_ExceptionContext known;
+    known.mOsError = error;
+    ZAV_ThrowFileException(code, 0, known);
+}
+
+// What leaves an operation on a file names the file.
+template <class Operation>
+void Naming(const ZAV_SystemString& file, Operation operation) {
+    try {
+        operation();
+    } catch (ZAV_Exception* e) {
+        ZAV_AddExceptionContext(e, {NameOf(file)});
+        throw;
+    }
+}
+
 class WholeFile {
 public:
     explicit WholeFile(const ZAV_SystemString& file) {
         zav_text::ClearTextError(); // what is told is about this file
         zav_os::ReadStatus status = zav_os::ReadWholeFile(NameOf(file), 0x7FFFFFFF, &mBytes);
-        if (status == zav_os::READ_NOT_OPEN) ZAV_ThrowFileException(OPEN_READ_ERROR, 0);
-        if (status != zav_os::READ_DONE) ZAV_ThrowFileException(READ_ERROR, 0);
+        if (status == zav_os::READ_NOT_OPEN) Throw(OPEN_READ_ERROR, mBytes.mError);
+        if (status != zav_os::READ_DONE) Throw(READ_ERROR, mBytes.mError);
     }
     ~WholeFile() { zav_os::FreeFileBytes(&mBytes); }
     WholeFile(const WholeFile&) = delete;
@@ -55,13 +73,13 @@ private:
 class NewFile {
 public:
     explicit NewFile(const ZAV_SystemString& file) {
-        if (mFile.Open(NameOf(file)) != 0) ZAV_ThrowFileException(OPEN_WRITE_ERROR, 0);
+        if (uint32_t error = mFile.Open(NameOf(file))) Throw(OPEN_WRITE_ERROR, error);
     }
     void Write(const void* data, size_t size) {
-        if (mFile.Write(data, size) != 0) ZAV_ThrowFileException(WRITE_ERROR, 0);
+        if (uint32_t error = mFile.Write(data, size)) Throw(WRITE_ERROR, error);
     }
     void Finish() {
-        if (mFile.Commit() != 0) ZAV_ThrowFileException(WRITE_ERROR, 0);
+        if (uint32_t error = mFile.Commit()) Throw(WRITE_ERROR, error);
     }
 
 private:
@@ -72,11 +90,14 @@ private:
 // first failure is kept as the stream's state and told at the end.
 class NewFileBuffer : public std::streambuf {
 public:
-    explicit NewFileBuffer(zav_os::FileReplacement& file) : mFile(file) {}
+    explicit NewFileBuffer(zav_os::FileReplacement& file) : mFile(file), mError(0) {}
+
+    uint32_t Error() const { return mError; } ///< of the first failure
 
 protected:
     std::streamsize xsputn(const char* text, std::streamsize size) override {
-        return mFile.Write(text, static_cast<size_t>(size)) == 0 ? size : 0;
+        if (mError == 0) mError = mFile.Write(text, static_cast<size_t>(size));
+        return mError == 0 ? size : 0;
     }
     int_type overflow(int_type c) override {
         char byte = traits_type::to_char_type(c);
@@ -85,6 +106,7 @@ protected:
 
 private:
     zav_os::FileReplacement& mFile;
+    uint32_t mError;
 };
 
 class MemoryBuffer : public std::streambuf {
@@ -92,27 +114,45 @@ public:
     MemoryBuffer(char* data, size_t size) { setg(data, data, data + size); }
 };
 
-void ReadBinary(const WholeFile& file, ZAV_UValDict& dict) {
-    const unsigned char* cursor = reinterpret_cast<const unsigned char*>(file.Data());
-    const unsigned char* limit = cursor + file.Size();
-    bool isValid = false;
-    try {
-        uint16_t magicSize = 0;
-        char magic[sizeof gMagic] = {};
-        ZAV_BinPackAtom sizeAtom(BINPACK_16, 1, &magicSize);
-        ZAV_BinPackAtom magicAtom(BINPACK_BLOCK, sizeof magic, magic);
-        ZAV_BinPackUValDict packer(dict);
-        isValid = !sizeAtom.Get(&cursor, limit) && magicSize == gMagicSize &&
-                  !magicAtom.Get(&cursor, limit) &&
-                  std::char_traits<char>::compare(magic, gMagic, sizeof magic) == 0 &&
-                  !packer.Get(&cursor, limit) && cursor == limit;
-    } catch (ZAV_BinPackException* e) {
-        e->Delete();
+[[noreturn]] void ThrowInvalid(const char* reason, long long offset) {
+    ZAV_ExceptionContext known;
+    known.mReason = reason;
+    known.mOffset = offset;
+    ZAV_BASE_TRACE(0x1, "Binary value file is malformed near byte " << offset);
+    ZAV_ThrowFileException(INVALID_FILE, 0, known);
+}
+
+bool TakeMagic(const unsigned char** cursor, const unsigned char* limit) {
+    uint16_t magicSize = 0;
+    char magic[sizeof gMagic] = {};
+    ZAV_BinPackAtom sizeAtom(BINPACK_16, 1, &magicSize);
+    ZAV_BinPackAtom magicAtom(BINPACK_BLOCK, sizeof magic, magic);
+    bool isThere = false;
+    ZAV_TRY {
+        isThere = !sizeAtom.Get(cursor, limit) && magicSize == gMagicSize && !magicAtom.Get(cursor, limit) &&
+                  std::char_traits<char>::compare(magic, gMagic, sizeof magic) == 0;
     }
-    if (isValid) return;
-    ZAV_BASE_TRACE(0x1, "Binary value file is malformed near byte "
-                            << cursor - reinterpret_cast<const unsigned char*>(file.Data()));
-    ZAV_ThrowFileException(INVALID_FILE, 0);
+    ZAV_CATCH(ZAV_BinPackException, e) { (void)e; }
+    ZAV_CATCH_END
+    return isThere;
+}
+
+void ReadBinary(const WholeFile& file, ZAV_UValDict& dict) {
+    const unsigned char* start = reinterpret_cast<const unsigned char*>(file.Data());
+    const unsigned char* limit = start + file.Size();
+    const unsigned char* cursor = start;
+    if (!TakeMagic(&cursor, limit)) ThrowInvalid("not a binary value file", 0);
+    const unsigned char* tree = cursor;
+    ZAV_BinPackUValDict packer(dict);
+    bool isWhole = false;
+    ZAV_TRY { isWhole = packer.Get(&cursor, limit) == 0; }
+    ZAV_CATCH(ZAV_BinPackException, e) {
+        const ZAV_ExceptionContext& inner = ZAV_GetExceptionContext(e); // counts from where the tree begins
+        ThrowInvalid(inner.mReason, (tree - start) + inner.mOffset);
+    }
+    ZAV_CATCH_END
+    if (!isWhole) ThrowInvalid("the file ends too early", limit - start);
+    if (cursor != limit) ThrowInvalid("more bytes than the values have", cursor - start);
 }
 
 void ReadText(const WholeFile& file, const ZAV_String& name, std::unique_ptr<ZAV_UVal>& value) {
@@ -148,58 +188,69 @@ void ZAV_UValDict::TakeFrom(ZAV_UValDict& other) {
 }
 
 void ZAV_UValDict::WriteTextFile(const ZAV_SystemString& file) {
-    zav_os::FileReplacement replacement;
-    if (replacement.Open(NameOf(file)) != 0) ZAV_ThrowFileException(OPEN_WRITE_ERROR, 0);
-    NewFileBuffer buffer(replacement);
-    std::ostream os(&buffer);
-    ZAV_WriteUValTxt(os, this, 0);
-    if (!os || replacement.Commit() != 0) ZAV_ThrowFileException(WRITE_ERROR, 0);
+    Naming(file, [&] {
+        zav_os::FileReplacement replacement;
+        if (uint32_t error = replacement.Open(NameOf(file))) Throw(OPEN_WRITE_ERROR, error);
+        NewFileBuffer buffer(replacement);
+        std::ostream os(&buffer);
+        ZAV_WriteUValTxt(os, this, 0);
+        uint32_t error = os ? replacement.Commit() : buffer.Error();
+        if (!os || error != 0) Throw(WRITE_ERROR, error);
+    });
 }
 
 void ZAV_UValDict::ReadTextFile(const ZAV_SystemString& file) { ReadTextFile(file, ZAV_String()); }
 
 void ZAV_UValDict::ReadTextFile(const ZAV_SystemString& file, const ZAV_String& name) {
-    WholeFile bytes(file);
-    std::unique_ptr<ZAV_UVal> value;
-    ReadText(bytes, name, value);
-    if (value) TakeFrom(DictIn(bytes, *value));
+    Naming(file, [&] {
+        WholeFile bytes(file);
+        std::unique_ptr<ZAV_UVal> value;
+        ReadText(bytes, name, value);
+        if (value) TakeFrom(DictIn(bytes, *value));
+    });
 }
 
 void ZAV_UValDict::ReadFile(const ZAV_SystemString& file) {
-    WholeFile bytes(file);
-    if (bytes.IsBinary()) {
-        ZAV_UValDict read(16);
-        ReadBinary(bytes, read);
-        return TakeFrom(read);
-    }
-    std::unique_ptr<ZAV_UVal> value;
-    ReadText(bytes, ZAV_String(), value);
-    TakeFrom(DictIn(bytes, *value));
+    Naming(file, [&] {
+        WholeFile bytes(file);
+        if (bytes.IsBinary()) {
+            ZAV_UValDict read(16);
+            ReadBinary(bytes, read);
+            return TakeFrom(read);
+        }
+        std::unique_ptr<ZAV_UVal> value;
+        ReadText(bytes, ZAV_String(), value);
+        TakeFrom(DictIn(bytes, *value));
+    });
 }
 
 void ZAV_UValDict::WriteBinFile(const ZAV_SystemString& file) {
-    uint16_t magicSize = gMagicSize;
-    ZAV_BinPackAtom sizeAtom(BINPACK_16, 1, &magicSize);
-    ZAV_BinPackAtom magicAtom(BINPACK_BLOCK, sizeof gMagic, const_cast<char*>(gMagic));
-    ZAV_BinPackUValDict packer(*this, B_FALSE); // a file that is not finished does not appear
-    std::unique_ptr<unsigned char[]> buffer(new unsigned char[PIECE]);
-    unsigned char* cursor = buffer.get();
-    const unsigned char* limit = cursor + PIECE;
-    sizeAtom.Put(&cursor, limit);
-    magicAtom.Put(&cursor, limit);
-    NewFile out(file);
-    bool more = packer.Put(&cursor, limit) != 0;
-    for (; more; more = packer.Put(&cursor, limit) != 0) {
+    Naming(file, [&] {
+        uint16_t magicSize = gMagicSize;
+        ZAV_BinPackAtom sizeAtom(BINPACK_16, 1, &magicSize);
+        ZAV_BinPackAtom magicAtom(BINPACK_BLOCK, sizeof gMagic, const_cast<char*>(gMagic));
+        ZAV_BinPackUValDict packer(*this, B_FALSE); // a file that is not finished does not appear
+        std::unique_ptr<unsigned char[]> buffer(new unsigned char[PIECE]);
+        unsigned char* cursor = buffer.get();
+        const unsigned char* limit = cursor + PIECE;
+        sizeAtom.Put(&cursor, limit);
+        magicAtom.Put(&cursor, limit);
+        NewFile out(file);
+        bool more = packer.Put(&cursor, limit) != 0;
+        for (; more; more = packer.Put(&cursor, limit) != 0) {
+            out.Write(buffer.get(), static_cast<size_t>(cursor - buffer.get()));
+            cursor = buffer.get();
+        }
         out.Write(buffer.get(), static_cast<size_t>(cursor - buffer.get()));
-        cursor = buffer.get();
-    }
-    out.Write(buffer.get(), static_cast<size_t>(cursor - buffer.get()));
-    out.Finish();
+        out.Finish();
+    });
 }
 
 void ZAV_UValDict::ReadBinFile(const ZAV_SystemString& file) {
-    WholeFile bytes(file);
-    ZAV_UValDict read(16);
-    ReadBinary(bytes, read);
-    TakeFrom(read);
+    Naming(file, [&] {
+        WholeFile bytes(file);
+        ZAV_UValDict read(16);
+        ReadBinary(bytes, read);
+        TakeFrom(read);
+    });
 }

@@ -20,11 +20,10 @@ uint32_t Result(int returned) { return returned == 0 ? 0 : Failure(); }
 // Opens an ordinary file only; O_NONBLOCK, because opening a pipe would wait for its writer.
 int OpenOrdinary(const char* path, struct stat* info) {
     int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-    if (fd >= 0 && (fstat(fd, info) != 0 || !S_ISREG(info->st_mode))) {
-        close(fd);
-        fd = -1;
-    }
-    return fd;
+    if (fd < 0 || (fstat(fd, info) == 0 && S_ISREG(info->st_mode))) return fd;
+    close(fd);
+    errno = S_ISDIR(info->st_mode) ? EISDIR : EINVAL;
+    return -1;
 }
 
 ssize_t ReadSome(int fd, char* to, size_t room) {
@@ -43,7 +42,10 @@ ReadStatus ReadAll(int fd, size_t expected, size_t most, FileBytes* bytes) {
         ssize_t got = ReadSome(fd, bytes->mData + bytes->mSize, free);
         if (got < 0) return READ_FAILED;
         bytes->mSize += static_cast<size_t>(got);
-        if (bytes->mSize > most) return READ_TOO_LARGE;
+        if (bytes->mSize > most) {
+            errno = EFBIG;
+            break;
+        }
         if (got == 0) {
             bytes->mData[bytes->mSize] = '\0';
             return READ_DONE;
@@ -103,20 +105,27 @@ bool FileExists(const char* path) {
 uint32_t DeleteOneFile(const char* path) { return Result(unlink(path)); }
 
 ReadStatus ReadWholeFile(const char* path, size_t most, FileBytes* bytes) {
-    *bytes = {nullptr, 0};
-    struct stat info;
+    *bytes = {nullptr, 0, 0};
+    struct stat info = {};
     int fd = OpenOrdinary(path, &info);
-    if (fd < 0) return READ_NOT_OPEN;
-    bool large = static_cast<uint64_t>(info.st_size) > most;
-    ReadStatus status = large ? READ_TOO_LARGE : ReadAll(fd, static_cast<size_t>(info.st_size), most, bytes);
-    close(fd);
-    if (status != READ_DONE) FreeFileBytes(bytes);
+    ReadStatus status = READ_NOT_OPEN;
+    if (fd >= 0) {
+        errno = EFBIG;
+        bool large = static_cast<uint64_t>(info.st_size) > most;
+        status = large ? READ_TOO_LARGE : ReadAll(fd, static_cast<size_t>(info.st_size), most, bytes);
+    }
+    if (status != READ_DONE) {
+        bytes->mError = Failure();
+        FreeFileBytes(bytes);
+    }
+    if (fd >= 0) close(fd);
     return status;
 }
 
 void FreeFileBytes(FileBytes* bytes) {
     std::free(bytes->mData);
-    *bytes = {nullptr, 0};
+    bytes->mData = nullptr;
+    bytes->mSize = 0;
 }
 
 FileReplacement::FileReplacement() : mTarget(nullptr), mTemporary(nullptr), mHandle(-1) {}

@@ -1,5 +1,6 @@
 #include <zavbase/os/module.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
@@ -18,8 +19,10 @@ namespace {
 
 const uint32_t absent = 2, noModule = 8, noEntry = 22;
 
-void Report(uint32_t& error, uint32_t number) {
-    if (error != noModule) error = number;
+void Report(ModuleError& error, uint32_t number) {
+    if (error.mNumber == noModule) return;
+    error.mNumber = number;
+    if (number == noModule) std::snprintf(error.mReason, sizeof error.mReason, "%s", dlerror());
 }
 
 /// The loader takes a path that it has seen before for the same file, so "./a.so" opened in two directories
@@ -40,7 +43,7 @@ std::string WithExtension(const char* name) {
 
 } // namespace
 
-void* OpenModule(const char* path, uint32_t& error) {
+void* OpenModule(const char* path, ModuleError& error) {
     const std::string full = AbsolutePath(path);
     struct stat info;
     if (full.empty() || stat(full.c_str(), &info) != 0) {
@@ -52,7 +55,7 @@ void* OpenModule(const char* path, uint32_t& error) {
     return module;
 }
 
-void* FindModule(const char* name, uint32_t& error) {
+void* FindModule(const char* name, ModuleError& error) {
     const std::string file = WithExtension(name);
     if (void* module = OpenModule(file.c_str(), error)) return module;
     // With a separator in it the loader would take the name for a path, and that was tried.
@@ -62,7 +65,7 @@ void* FindModule(const char* name, uint32_t& error) {
 
 // The way back is an open folder, since its path may change meanwhile or lead through others that are closed
 // to this user. Opening it as "." asks for the same right as entering it again.
-void* FindModuleIn(const char* folder, const char* name, uint32_t& error) {
+void* FindModuleIn(const char* folder, const char* name, ModuleError& error) {
     char path[512];
     const int home = getcwd(path, sizeof path) ? open(".", O_PATH | O_DIRECTORY | O_CLOEXEC) : -1;
     if (home < 0) return nullptr;
@@ -89,7 +92,7 @@ void* RetainModule(void* module) {
 
 void CloseModule(void* module) { dlclose(module); }
 
-void* FindSymbol(void* module, const char* name, uint32_t& error) {
+void* FindSymbol(void* module, const char* name, ModuleError& error) {
     void* symbol = dlsym(module, name);
     // dlsym also finds what the libraries export that the module needs.
     link_map* owner = nullptr;
@@ -97,7 +100,7 @@ void* FindSymbol(void* module, const char* name, uint32_t& error) {
     if (symbol && dladdr1(symbol, &info, reinterpret_cast<void**>(&owner), RTLD_DL_LINKMAP) &&
         owner != module)
         symbol = nullptr;
-    if (!symbol) error = noEntry;
+    if (!symbol) error.mNumber = noEntry;
     return symbol;
 }
 

@@ -24,7 +24,10 @@ bool IsOrdinary(HANDLE file) { return GetFileType(file) == FILE_TYPE_DISK; }
 
 ReadStatus ReadAll(HANDLE file, size_t size, FileBytes* bytes) {
     bytes->mData = static_cast<char*>(std::malloc(size + 1));
-    if (!bytes->mData) return READ_TOO_LARGE;
+    if (!bytes->mData) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return READ_TOO_LARGE;
+    }
     while (bytes->mSize < size) {
         size_t left = size - bytes->mSize;
         DWORD got = 0;
@@ -85,24 +88,29 @@ bool FileExists(const char* path) { return GetFileAttributesA(path) != INVALID_F
 uint32_t DeleteOneFile(const char* path) { return Result(DeleteFileA(path)); }
 
 ReadStatus ReadWholeFile(const char* path, size_t most, FileBytes* bytes) {
-    *bytes = {nullptr, 0};
+    *bytes = {nullptr, 0, 0};
     HANDLE file = CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                               nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return READ_NOT_OPEN;
     LARGE_INTEGER size;
     ReadStatus status = READ_NOT_OPEN;
-    if (IsOrdinary(file) && GetFileSizeEx(file, &size)) {
+    if (file != INVALID_HANDLE_VALUE) SetLastError(ERROR_BAD_FILE_TYPE);
+    if (file != INVALID_HANDLE_VALUE && IsOrdinary(file) && GetFileSizeEx(file, &size)) {
+        SetLastError(ERROR_FILE_TOO_LARGE);
         bool large = static_cast<uint64_t>(size.QuadPart) > most;
         status = large ? READ_TOO_LARGE : ReadAll(file, static_cast<size_t>(size.QuadPart), bytes);
     }
-    CloseHandle(file);
-    if (status != READ_DONE) FreeFileBytes(bytes);
+    if (status != READ_DONE) {
+        bytes->mError = Failure();
+        FreeFileBytes(bytes);
+    }
+    if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
     return status;
 }
 
 void FreeFileBytes(FileBytes* bytes) {
     std::free(bytes->mData);
-    *bytes = {nullptr, 0};
+    bytes->mData = nullptr;
+    bytes->mSize = 0;
 }
 
 FileReplacement::FileReplacement() : mTarget(nullptr), mTemporary(nullptr), mHandle(-1) {}

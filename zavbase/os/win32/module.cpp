@@ -7,16 +7,16 @@ namespace zav_os {
 const char* const moduleExtension = ".dll";
 const char pathSeparator = '\\';
 
-void* OpenModule(const char* path, uint32_t& error) {
+void* OpenModule(const char* path, ModuleError& error) {
     const HMODULE module = LoadLibraryA(path);
-    if (!module) error = GetLastError();
+    if (!module) error.mNumber = GetLastError();
     return module;
 }
 
-void* FindModule(const char* name, uint32_t& error) { return OpenModule(name, error); }
+void* FindModule(const char* name, ModuleError& error) { return OpenModule(name, error); }
 
 // The way back is in 16-bit characters: one that the code page lacks would lead to another folder or nowhere.
-void* FindModuleIn(const char* folder, const char* name, uint32_t& error) {
+void* FindModuleIn(const char* folder, const char* name, ModuleError& error) {
     wchar_t home[512];
     const DWORD length = GetCurrentDirectoryW(sizeof home / sizeof *home, home);
     if (length == 0 || length >= sizeof home / sizeof *home || !SetCurrentDirectoryW(home) ||
@@ -29,16 +29,16 @@ void* FindModuleIn(const char* folder, const char* name, uint32_t& error) {
 
 void* RetainModule(void* module) {
     HMODULE same = nullptr;
-    const BOOL held = GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                                         static_cast<const char*>(module), &same);
+    const BOOL held =
+        GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, static_cast<const char*>(module), &same);
     return held ? same : nullptr;
 }
 
 void CloseModule(void* module) { FreeLibrary(static_cast<HMODULE>(module)); }
 
-void* FindSymbol(void* module, const char* name, uint32_t& error) {
+void* FindSymbol(void* module, const char* name, ModuleError& error) {
     const FARPROC symbol = GetProcAddress(static_cast<HMODULE>(module), name);
-    if (!symbol) error = GetLastError();
+    if (!symbol) error.mNumber = GetLastError();
     return reinterpret_cast<void*>(symbol);
 }
 
