@@ -1,5 +1,6 @@
 #include <zavbase/foundation/trace_stream.h>
 
+#include <zavbase/foundation/side_table_internal.h>
 #include <zavbase/os/console.h>
 
 #include <algorithm>
@@ -7,7 +8,26 @@
 #include <cstdio>
 #include <cstring>
 #include <locale>
+#include <memory>
 #include <new>
+
+namespace {
+
+// The put area may be one that a derived class set; which one was made here, the base class does not keep.
+struct OwnBuffer : ZAV_SideEntry {
+    explicit OwnBuffer(const ZAV_FuncStrmbuf* owner) : ZAV_SideEntry{owner} {}
+    char mText[zav_os::kTracePiece];
+};
+constinit ZAV_SideTable theOwnBuffers;
+
+OwnBuffer* OwnBufferOf(const ZAV_FuncStrmbuf* owner) {
+    if (ZAV_SideEntry* made = theOwnBuffers.Find(owner)) return static_cast<OwnBuffer*>(made);
+    OwnBuffer* own = new (std::nothrow) OwnBuffer(owner);
+    if (own) theOwnBuffers.Put(own);
+    return own;
+}
+
+} // namespace
 
 ZAV_FuncStrmbuf::ZAV_FuncStrmbuf(Callback callback, void* userData)
     : mCallback(callback), mUserData(userData) {}
@@ -16,18 +36,19 @@ ZAV_FuncStrmbuf::ZAV_FuncStrmbuf(const ZAV_FuncStrmbuf& other) : std::streambuf(
 
 ZAV_FuncStrmbuf& ZAV_FuncStrmbuf::operator=(const ZAV_FuncStrmbuf& other) {
     if (this == &other) return *this;
-    char* own = pbase();
-    char* end = epptr();
+    char* const put[] = {pbase(), epptr()};
+    char* const get[] = {eback(), gptr(), egptr()};
     std::streambuf::operator=(other);
-    setp(own, end); // the other's put pointers came along
+    setp(put[0], put[1]); // the other's areas came along
+    setg(get[0], get[1], get[2]);
     mCallback = other.mCallback;
     mUserData = other.mUserData;
-    // Both buffers have the same size, so the pending text fits and nothing is handed on here.
-    for (const char* p = other.pbase(); p != other.pptr(); ++p) sputc(*p);
+    // Buffers made here have the same size: the pending text fits, and nothing is handed on.
+    sputn(other.pbase(), other.pptr() - other.pbase());
     return *this;
 }
 
-ZAV_FuncStrmbuf::~ZAV_FuncStrmbuf() { delete[] pbase(); }
+ZAV_FuncStrmbuf::~ZAV_FuncStrmbuf() { delete static_cast<OwnBuffer*>(theOwnBuffers.Take(this)); }
 
 void ZAV_FuncStrmbuf::SetCallback(Callback callback, void* userData) {
     mCallback = callback;
@@ -41,25 +62,33 @@ int ZAV_FuncStrmbuf::sync() {
 
 int ZAV_FuncStrmbuf::overflow(int c) {
     if (!pbase()) {
-        char* buffer = new (std::nothrow) char[zav_os::kTracePiece];
-        if (!buffer) return EOF;
-        setp(buffer, buffer + zav_os::kTracePiece);
+        OwnBuffer* own = OwnBufferOf(this);
+        if (!own) return EOF;
+        setp(own->mText, own->mText + sizeof own->mText);
     } else if (pptr() > pbase() && syncout() < 0) {
         return EOF;
     }
-    if (c != EOF) sputc(static_cast<char>(c));
+    if (c == EOF) return 0;
+    char byte = static_cast<char>(c);
+    if (pptr() < epptr())
+        sputc(byte);
+    else if (mCallback) // an area of no size
+        mCallback(mUserData, &byte, 1);
     return 0;
 }
 
 int ZAV_FuncStrmbuf::underflow() { return EOF; }
 
 int ZAV_FuncStrmbuf::syncout() {
-    // The buffer is free again before the callback runs: what the callback writes here itself is kept.
+    // The area is free again before the callback runs: what the callback writes here itself is kept.
     char piece[zav_os::kTracePiece];
-    int length = static_cast<int>(pptr() - pbase());
-    std::copy(pbase(), pptr(), piece);
+    size_t length = static_cast<size_t>(pptr() - pbase());
+    std::unique_ptr<char[]> longer; // only areas of derived classes hold more
+    if (length > sizeof piece && !(longer.reset(new (std::nothrow) char[length]), longer)) return -1;
+    char* text = longer ? longer.get() : piece;
+    std::copy(pbase(), pptr(), text);
     setp(pbase(), epptr());
-    if (mCallback) mCallback(mUserData, piece, length);
+    if (mCallback) mCallback(mUserData, text, static_cast<int>(length));
     return 0;
 }
 

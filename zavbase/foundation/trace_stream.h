@@ -10,6 +10,9 @@
 /// flushed, and when 255 bytes have come together. Pieces are never longer and nothing is lost in between.
 /// The buffer is output-only. Text not flushed when it is destroyed is dropped. Not locked.
 ///
+/// A derived class may give it a put area of another size (setp); that stays the derived class's, and a piece
+/// is then all that is pending in it.
+///
 ///     void ToLog(void* log, const char* text, int length);   // text is not NUL-terminated
 ///     ZAV_FuncStrmbuf buffer(ToLog, &log);
 ///     std::ostream os(&buffer);
@@ -18,7 +21,8 @@ public:
     typedef void (*Callback)(void* userData, const char* text, int length);
 
     ZAV_FuncStrmbuf(Callback callback, void* userData); ///< a null callback drops the text
-    /// Copies take the pending text along in a buffer of their own.
+    /// Copies take the pending text along in a buffer of their own, or in the put area that they have; what
+    /// does not fit there is handed on.
     ZAV_FuncStrmbuf(const ZAV_FuncStrmbuf& other);
     ZAV_FuncStrmbuf& operator=(const ZAV_FuncStrmbuf& other);
     virtual ~ZAV_FuncStrmbuf();
@@ -30,8 +34,9 @@ protected:
     int overflow(int c) override;
     int underflow() override;
 
-    /// Hands on the pending text. The callback may write to the same stream: that text waits for the next
-    /// flush.
+    /// Hands on the pending text and returns 0; -1, with the text still pending, when more than 255 bytes are
+    /// pending and there is no memory to copy them. The callback may write to the same stream: that text
+    /// waits for the next flush.
     int syncout();
 
     Callback mCallback;
