@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <memory>
+#include <numeric>
+#include <thread>
 
 #include "tests/support/on_threads.h"
 #include "tests/support/trace_capture.h"
@@ -23,6 +27,19 @@ struct Tracing {
         ZAV_BASE_TRACE(0x2, "inner");
         return os << "outer";
     }
+};
+
+// Takes its time over a line, so that who does not wait is noticed.
+struct SlowSink : std::streambuf {
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+        mWasShared = mWriting.exchange(true) || mWasShared;
+        for (int i = 0; i < 200; ++i) std::this_thread::yield();
+        mLines.emplace_back(text, static_cast<size_t>(size));
+        mWriting = false;
+        return size;
+    }
+    std::atomic<bool> mWriting{false}, mWasShared{false};
+    std::vector<std::string> mLines;
 };
 
 struct Pieces {
@@ -56,17 +73,38 @@ TEST(Tracer, StatementsObeyStreamAndMask) {
     EXPECT_EQ(1, evaluated);
 }
 
-TEST(Tracer, LinesOfManyThreadsArriveWhole) {
-    TraceCapture capture(0x10);
+TEST(Tracer, LinesOfManyThreadsArriveWholeAndOneAtATime) {
+    TraceCapture restores(0x10);
+    SlowSink sink;
+    std::ostream os(&sink);
+    ZAV_Tracer::SetStreamP(tr_base_name, &os);
     OnThreads(4, [](int t) {
-        for (int i = 0; i < 200; ++i) ZAV_BASE_TRACE(0x10, t << " says " << i << " in one piece");
+        for (int i = 0; i < 50; ++i) ZAV_BASE_TRACE(0x10, t << " says " << i << " in one piece");
     });
-    std::vector<std::string> expected, lines = capture.Lines();
-    for (int said = 0; said < 4 * 200; ++said)
-        expected.push_back(std::to_string(said / 200) + " says " + std::to_string(said % 200) +
-                           " in one piece");
-    std::ranges::stable_sort(lines, {}, [](const std::string& line) { return line.substr(0, 1); });
-    EXPECT_EQ(expected, lines);
+    std::vector<std::string> expected;
+    for (int said = 0; said < 4 * 50; ++said)
+        expected.push_back(std::to_string(said / 50) + " says " + std::to_string(said % 50) +
+                           " in one piece\n");
+    std::ranges::stable_sort(sink.mLines, {}, [](const std::string& line) { return line.substr(0, 1); });
+    EXPECT_EQ(expected, sink.mLines);
+    EXPECT_FALSE(sink.mWasShared);
+}
+
+TEST(Tracer, AStreamTakenAwayGetsNoMore) {
+    TraceCapture restores(0x10);
+    SlowSink sink;
+    auto os = std::make_unique<std::ostream>(&sink);
+    ZAV_Tracer::SetStreamP(tr_base_name, os.get());
+    ZAV_BASE_TRACE(0x10, "lost " << (ZAV_Tracer::SetStreamP(tr_base_name, nullptr), "on its way"));
+    EXPECT_TRUE(sink.mLines.empty());
+
+    ZAV_Tracer::SetStreamP(tr_base_name, os.get());
+    std::thread tracing([] { ZAV_BASE_TRACE(0x10, "a line that is being written"); });
+    while (!sink.mWriting) std::this_thread::yield();
+    ZAV_Tracer::SetStreamP(tr_base_name, nullptr);
+    EXPECT_FALSE(sink.mWriting);
+    os.reset();
+    tracing.join();
 }
 
 TEST(Tracer, ConfiguredFromADictionary) {
@@ -131,6 +169,35 @@ TEST(FuncStrmbuf, CopiesOwnTheirPendingText) {
     copy.pubsync();
     assigned.pubsync();
     EXPECT_EQ((std::vector<std::string>{"pending!", "pending", "pending"}), pieces.mTexts);
+}
+
+TEST(FuncStrmbuf, ADerivedClassMayHaveAnAreaOfItsOwn) {
+    struct Own : ZAV_FuncStrmbuf {
+        explicit Own(Pieces& pieces, size_t size) : ZAV_FuncStrmbuf(Pieces::Take, &pieces), mArea(size, '-') {
+            sputc('a'); // into a buffer of the base class, which is left for good
+            pubsync();
+            setp(mArea.data(), mArea.data() + size);
+            setg(mArea.data(), mArea.data(), mArea.data() + size);
+        }
+        std::string mArea;
+    };
+    for (const size_t size : {0u, 2000u}) {
+        Pieces pieces;
+        ZAV_FuncStrmbuf copy(nullptr, nullptr);
+        {
+            Own own(pieces, size);
+            const std::string text(3000, 'x');
+            own.sputn(text.data(), 3000);
+            copy = own;
+            EXPECT_EQ(EOF, copy.sgetc()); // the area to read from is not copied
+            own.pubsync();
+        }
+        const std::string handedOn =
+            std::accumulate(pieces.mTexts.begin(), pieces.mTexts.end(), std::string());
+        EXPECT_EQ(1 + 3000u + (size == 0 ? 0 : 765), handedOn.size());
+        copy.pubsync();
+        EXPECT_EQ(size == 0 ? 1u : 235u, pieces.mTexts.back().size());
+    }
 }
 
 TEST(FuncStrmbuf, ACallbackMayWriteToItsOwnStream) {

@@ -7,8 +7,10 @@
 #include <zavbase/values/assoc_uval.h>
 #include <zavbase/values/value_dict.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <iterator>
 #include <mutex>
 #include <sstream>
 #include <thread>
@@ -37,7 +39,8 @@ public:
     ~TableLock() { theTableInUse.clear(std::memory_order_release); }
 };
 
-// Lines are written under this lock. It is taken again by a thread whose sink writes trace lines itself.
+// Lines are written and streams are set under this lock. It is taken again by a thread whose sink writes
+// trace lines or sets streams itself.
 std::recursive_mutex& LineLock() {
     static std::recursive_mutex* const lock = new std::recursive_mutex;
     return *lock;
@@ -46,6 +49,18 @@ std::recursive_mutex& LineLock() {
 template <class T>
 std::atomic_ref<T> Shared(T& field) {
     return std::atomic_ref<T>(field);
+}
+
+// Under the line lock: whether a tracer still has this stream. The host may have taken it away, and ended
+// it, since the trace statement looked.
+bool IsInUse(const std::ostream* stream) {
+    return std::any_of(std::begin(theTable.slots), std::end(theTable.slots),
+                       [stream](ZAV_Tracer& slot) { return Shared(slot.mStreamP).load() == stream; });
+}
+
+void SetStream(ZAV_Tracer& tracer, std::ostream* stream) {
+    std::lock_guard<std::recursive_mutex> lock(LineLock());
+    Shared(tracer.mStreamP) = stream;
 }
 
 ZAV_Tracer* Claim(ZAV_Tracer* slot, const char* name) {
@@ -80,7 +95,7 @@ ZAV_Tracer* ZAV_Tracer::FindOrCreate(const char* name) {
 int ZAV_Tracer::SetStreamP(const char* name, std::ostream* stream) {
     ZAV_Tracer* tracer = FindOrCreate(name);
     if (!tracer) return -1;
-    Shared(tracer->mStreamP) = stream;
+    SetStream(*tracer, stream);
     return 0;
 }
 
@@ -111,7 +126,7 @@ void ZAV_Tracer::Initialize(ZAV_UValDict& dict) {
         ZAV_Tracer* tracer = FindOrCreate(entry->Key());
         if (!tracer) continue;
         Shared(tracer->mMask) = static_cast<zav_long32>(entry->Value()->GetLongValue(0));
-        Shared(tracer->mStreamP) = &dout;
+        SetStream(*tracer, &dout);
     }
 }
 
@@ -137,7 +152,8 @@ std::ostream* ZAV_TraceLine::Sink(ZAV_Tracer*& cache, const char* name, long lev
 
 // The parts are formatted as the sink itself would format them.
 ZAV_TraceLine::ZAV_TraceLine(std::ostream& sink) : mSink(sink), mParts(new std::ostringstream) {
-    mParts->copyfmt(sink);
+    std::lock_guard<std::recursive_mutex> lock(LineLock());
+    if (IsInUse(&sink)) mParts->copyfmt(sink);
     mParts->exceptions(std::ios_base::goodbit);
 }
 
@@ -149,6 +165,7 @@ void ZAV_TraceLine::End() {
     *mParts << '\n';
     std::string line = static_cast<std::ostringstream*>(mParts)->str();
     std::lock_guard<std::recursive_mutex> lock(LineLock());
+    if (!IsInUse(&mSink)) return;
     mSink.write(line.data(), static_cast<std::streamsize>(line.size()));
     mSink.flush();
 }

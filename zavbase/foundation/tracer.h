@@ -13,7 +13,8 @@ class ZAV_UValDict;
 /// first 10 characters, so two names that agree in these are one tracer.
 ///
 /// A host makes tracers speak with Initialize, or with SetStreamP and SetMask; the stream stays the host's
-/// and must outlive its use here. The library's own tracer is "BASE". Its levels:
+/// and must outlive its use here: once SetStreamP has given the tracer another stream or null, lines of this
+/// tracer no longer reach the former one. The library's own tracer is "BASE". Its levels:
 ///
 ///     0x1 errors, caught exceptions       0x2 warnings, configuration not initialised
 ///     0x4 configuration error header      0x8 configuration detail
@@ -22,7 +23,7 @@ class ZAV_UValDict;
 ///
 /// Threads: lookups, settings and trace statements may run on any thread at once; each statement's line
 /// arrives whole. Lines reach their streams one at a time, so a stream must not wait for another thread that
-/// traces. What hosts stream into dout themselves is not ordered with these lines.
+/// traces or sets streams. What hosts stream into dout themselves is not ordered with these lines.
 class ZAV_API ZAV_Tracer {
 public:
     constexpr ZAV_Tracer() : mName{}, mStreamP(nullptr), mMask(0) {}
@@ -32,7 +33,8 @@ public:
     /// name gets a free slot but does not name it.
     static ZAV_Tracer* FindOrCreate(const char* name);
 
-    /// Both find or create the tracer; 0, or -1 when no slot could be had.
+    /// Both find or create the tracer; 0, or -1 when no slot could be had. SetStreamP waits until a line that
+    /// is being written has reached its stream, unless the caller is that stream.
     static int SetStreamP(const char* name, std::ostream* stream);
     static int SetMask(const char* name, long mask);
     /// Both find or create the tracer, so asking for an unknown name takes a slot. 0, or -1 with null or 0
