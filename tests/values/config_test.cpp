@@ -9,8 +9,8 @@ namespace {
 class Config : public testing::Test {
 protected:
     Config() {
-        ZAV_ConfigInit(
-            *DictOf("<< /A:S << /number 2.5 /text (YES) /list [ (no) (Yes) () ] zavutfstring >> >>"));
+        ZAV_ConfigInit(*DictOf("<< /A:S << /number 2.5 /text (YES) /list [ (no) (Yes) () ] zavutfstring"
+                               " /nul (a\\000b) >> >>"));
     }
     ~Config() override { ZAV_ConfigCleanup(); }
 };
@@ -57,6 +57,9 @@ TEST_F(Config, TextsAndTheirElements) {
     EXPECT_TRUE(u == "YES" && s == "");
     EXPECT_TRUE(ZAV_IsConfigured("A", "S", "text", "yes") && ZAV_IsConfigured("A", "S", "list", "yEs"));
     EXPECT_FALSE(ZAV_IsConfigured("A", "S", "list", "ye") || ZAV_IsConfigured("A", "S", "number", "2"));
+
+    EXPECT_FALSE(ZAV_IsConfigured("A", "S", "nul", "A") || ZAV_IsConfigured("A", "S", "text", nullptr));
+    EXPECT_TRUE(ZAV_IsConfigured("A", "S", "list", nullptr)) << "no text is the empty text";
 
     TraceCapture trace(0x01);
     ZAV_SystemString out("before");

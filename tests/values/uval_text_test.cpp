@@ -213,6 +213,7 @@ TEST(UValTextReader, ReadsAnyDepth) {
     ZAV_SetUValNestingLimit(0);
     EXPECT_FALSE(ReadValue(Repeat("<<", 1000000)));
     EXPECT_FALSE(ReadValue(Repeat("[", levels)));
+    EXPECT_FALSE(ReadValue(Repeat("<</a[1]/b", 500000)));
     EXPECT_FALSE(ReadValue(Repeat("<</a[", levels) + Repeat("]>>", levels)));
     EXPECT_FALSE(ReadValue(Repeat("<</a ", levels) + "<< >>" + Repeat(">>", levels - 1)));
     EXPECT_FALSE(ReadValue(Repeat("<</a<<>>/b", levels) + Repeat(">>", levels)));

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "../support/file_support.h"
+#include "../support/trace_capture.h"
 
 namespace {
 
@@ -69,6 +70,61 @@ TEST(ValueDictFile, ABadFileIsToldByItsCodeAndAddsNothing) {
     expectCodes(path, 0, 0, 2);
     expectCodes(folder.Path("missing"), 3, 3, 3);
     expectCodes(folder.Path(), 3, 3, 3);
+}
+
+TEST(ValueDictFile, TheErrorAndTheTraceAreOfTheLastFile) {
+    TestFolder folder;
+    const std::string bytes = FileText(golden);
+    struct Row {
+        std::string bytes;
+        long line;
+        const char* trace;
+    };
+    for (const Row& row :
+         {Row{bytes.substr(0, 30) + "x", 0, "Binary value file is malformed near byte 30\n"},
+          Row{"\3bad", 0, "Binary value file is malformed near byte 3\n"},
+          Row{"% x\n7", 1, "Error in object hierarchy\n"}, Row{"", 1, "Error in object hierarchy\n"}}) {
+        ZAV_UValDict dict;
+        EXPECT_FALSE(ReadValue("\n\n<< 5"));
+        PutFile(folder.Path("bad"), row.bytes);
+        TraceCapture trace(0x1);
+        EXPECT_EQ(2, FileCodeOf([&] { dict.ReadFile(folder.Path("bad").c_str()); }));
+        EXPECT_EQ(trace.Text(), row.trace);
+        EXPECT_EQ(ZAV_GetUValTextError().mLine, row.line);
+        EXPECT_EQ(3, FileCodeOf([&] { dict.ReadFile(folder.Path("missing").c_str()); }));
+        EXPECT_EQ(ZAV_GetUValTextError().mLine, 0);
+    }
+}
+
+// A reader with the same limit reads all that is written.
+TEST(ValueDictFile, WhatNestsTooDeepIsNotWritten) {
+    TestFolder folder;
+    const std::string path = folder.Path("old");
+    PutFile(path, "old");
+    ZAV_UValDict deep, keys;
+    deep.SetUVal("a:b:c:d", ReadValue("5").release());
+    keys.SetEntry("a:b:c:d", ReadValue("5").release());
+    for (unsigned long limit : {3ul, 4ul, 0ul}) {
+        ZAV_SetUValNestingLimit(limit);
+        for (ZAV_UValDict* dict : {&deep, &keys}) {
+            const bool fits = limit != 3, isRefused = !fits && dict == &deep;
+            std::ostringstream os;
+            ZAV_WriteUValTxt(os, dict, 0);
+            EXPECT_EQ(os.good(), fits);
+            EXPECT_EQ(fits, DictOf(os.str()) != nullptr);
+            EXPECT_TRUE(fits || os.str().empty());
+            EXPECT_EQ(FileCodeOf([&] { dict->WriteTextFile(path.c_str()); }), fits ? 0 : 7);
+            EXPECT_EQ(FileText(path) == "old", !fits);
+            PutFile(path, "old");
+            const auto writeBinary = [&] { dict->WriteBinFile(path.c_str()); };
+            EXPECT_EQ(Thrown<ZAV_BinPackException>(writeBinary) != nullptr, isRefused);
+            EXPECT_EQ(FileText(path) == "old", isRefused);
+            EXPECT_EQ(FileCodeOf([&] { ZAV_UValDict().ReadBinFile(path.c_str()); }), isRefused ? 2 : 0);
+            PutFile(path, "old");
+        }
+    }
+    ZAV_SetUValNestingLimit(10000);
+    EXPECT_EQ(folder.FileCount(), 1);
 }
 
 TEST(ValueDictFile, EveryCutAndEveryFlippedByteIsADictionaryOrAnInvalidFile) {

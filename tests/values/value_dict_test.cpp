@@ -17,6 +17,21 @@ private:
     int& mDestroyed;
 };
 
+/// A host's own value, of any type, that is none of the library's objects.
+class HostValue : public ZAV_UVal {
+public:
+    explicit HostValue(int type, int dimension = 0)
+        : ZAV_UVal(static_cast<ZAV_UValType>(type), UVAL_FAMILY_STRING) {
+        mDimension = dimension;
+    }
+    ZAV_UVal* DeepCopy() override { return new HostValue(mType, mDimension); }
+    void GetStrValue(ZAV_String& text, long index) override { text += index ? "more" : "host"; }
+    long GetLongValue(long index) override { return 40 + index; }
+    unsigned char GetUCharValue(long index) override { return static_cast<unsigned char>(40 + index); }
+    double GetDoubleValue(long index) override { return 0.5 + static_cast<double>(index); }
+    void PrintOn(std::ostream& os) override { os << "host"; }
+};
+
 ZAV_UVal* Number(long n) {
     ZAV_UValLong* value = new ZAV_UValLong;
     value->SetValue(n, 0);
@@ -139,6 +154,47 @@ TEST(ValueDict, CaseIsIgnoredWhereTheDictionarySaysSo) {
     dict.Clear();
     both.CopyTo(&dict);
     EXPECT_EQ("a=2 WIDTH=3", Show(dict)) << "into an empty one, too";
+}
+
+TEST(ValueDict, AHostsOwnValuesAreAskedByTheirAccessors) {
+    ZAV_UValDict dict, read, merged;
+    const std::pair<int, int> kinds[] = {{UVAL_STRING, 0}, {UVAL_STRING, 2}, {UVAL_UTFSTRING, 0},
+                                         {UVAL_LONG, 3},   {UVAL_UCHAR, 0},  {UVAL_DOUBLE, 2},
+                                         {UVAL_PTR, 2}};
+    for (const auto& [type, dimension] : kinds)
+        dict.SetEntry(("k" + std::to_string(type) + std::to_string(dimension)).c_str(),
+                      new HostValue(type, dimension));
+    const std::string text = "<<\n/k100 (host) \n/k102 [ (host) (more) ]\n/k110 (host)  zavutfstring\n"
+                             "/k63 [ 40 41 42  ]\n/k30 40 zavuchar\n/k92 [ 0.500000 1.500000  ]\n"
+                             "/k122 [ 0 0  ] zavptr\n>>";
+    EXPECT_EQ(Written(dict), text);
+    unsigned char bytes[512], *end = bytes;
+    EXPECT_EQ(ZAV_BinPackUValDict(dict).Put(&end, bytes + sizeof bytes), 0);
+    const unsigned char* start = bytes;
+    EXPECT_EQ(ZAV_BinPackUValDict(read).Get(&start, end), 0);
+    EXPECT_EQ(Written(read), text);
+
+    // A dictionary by its type alone is none, and a type of its own has no form in a file.
+    for (int type : {static_cast<int>(UVAL_DICT), 99}) {
+        dict.SetEntry("own", new HostValue(type));
+        EXPECT_EQ(Written(dict), text);
+        EXPECT_TRUE(
+            Thrown<ZAV_BinPackException>([&] { ZAV_BinPackUValDict(dict).Put(&end, bytes + sizeof bytes); }));
+        EXPECT_EQ(dict.GetUVal("own:x"), nullptr);
+        Fill(merged, "own:x=1");
+        dict.CopyTo(&merged);
+        EXPECT_NE(Printed(merged).find("own => host"), std::string::npos);
+        ZAV_ConfigInit(dict);
+        EXPECT_EQ(ZAV_ConfigGet("own", "x", ""), nullptr);
+        dict.MoveTo(&merged);
+        EXPECT_EQ(dict.GetSize(), 0u);
+        merged.MoveTo(&dict);
+    }
+    ZAV_ConfigCleanup();
+    ZAV_I18nResource resource;
+    resource.SetDefaultDefs(&dict);
+    EXPECT_STREQ(resource.GetResource("k100", "").Ptr(), "host");
+    EXPECT_STREQ(resource.GetResource("k110", "").Ptr(), "host");
 }
 
 /// Against a plain list: keys that collide in the table, with all the ways to change and to look. Now and

@@ -2,7 +2,6 @@
 #define ZAVBASE_COLLECTIONS_SLOT_BLOCK_INTERNAL_H
 
 #include <algorithm>
-#include <atomic>
 
 #include <zavbase/collections/nil_internal.h>
 

@@ -6,6 +6,7 @@
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict.h>
+#include <zavbase/values/value_dict_internal.h>
 
 #include <atomic>
 #include <cstring>
@@ -40,14 +41,17 @@ private:
 };
 
 const ZAV_UTFString* Texts::TextOf(ZAV_UVal* value) {
-    if (!value || value->GetType() != UVAL_UTFSTRING) return nullptr;
+    if (!value || !ZAV_IsExactly<ZAV_UValUTFString>(*value)) return nullptr;
     return static_cast<ZAV_UValUTFString*>(value)->GetValuePtr(0);
 }
 
 void Texts::MakeUtf(ZAV_AssocUVal& entry) {
-    if (entry.Value()->GetType() != UVAL_STRING) return;
+    ZAV_UVal& value = *entry.Value();
+    if (value.GetFamily() != UVAL_FAMILY_STRING || ZAV_IsExactly<ZAV_UValUTFString>(value)) return;
+    ZAV_String text;
+    value.GetStrValue(text, 0);
     std::unique_ptr<ZAV_UValUTFString> utf(new ZAV_UValUTFString);
-    utf->SetValue(ZAV_UTFString(static_cast<ZAV_UValString*>(entry.Value())->GetValue(0)), 0);
+    utf->SetValue(ZAV_UTFString(text), 0);
     delete entry.Value(utf.release());
 }
 
@@ -59,7 +63,7 @@ void Texts::Prepare() {
         for (ZAV_AssocUVal* e = dict->GetNextAssoc(nullptr); e; e = dict->GetNextAssoc(e)) {
             if (!e->Value()) continue;
             MakeUtf(*e);
-            if (e->Value()->GetType() == UVAL_DICT) open.push_back(static_cast<ZAV_UValDict*>(e->Value()));
+            if (ZAV_IsDict(e->Value())) open.push_back(static_cast<ZAV_UValDict*>(e->Value()));
         }
     }
     mIndex.clear();

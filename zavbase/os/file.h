@@ -43,6 +43,8 @@ public:
 
     /// Fails where the file could not be opened for writing. Called once.
     uint32_t Open(const char* path, FileLinks links = THROUGH_LINKS);
+    /// Whether an opened file is written to as it stands, so that what was written cannot be taken back.
+    bool IsDirect() const { return !mTemporary; }
     /// Stores all `size` bytes or fails.
     uint32_t Write(const void* data, size_t size);
     uint32_t Commit();

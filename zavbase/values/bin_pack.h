@@ -99,7 +99,8 @@ public:
 
     /// Throws ZAV_BinPackException*, with the cursor where it was, when a dictionary has more than 65535
     /// entries, a text more than 65534 bytes, a value no binary form, or all pointer arrays together more
-    /// than ZAV_BINPACK_MAX_POINTERS elements.
+    /// than ZAV_BINPACK_MAX_POINTERS elements. Any depth is put; WriteBinFile refuses what Get would. A value
+    /// of a host's own class is put as its virtual accessors tell it.
     int Put(unsigned char** cursor, const unsigned char* limit);
 
     /// Adds what it reads to the dictionary, keys as they stand (no paths); entries that are there already
@@ -110,6 +111,10 @@ public:
     int Get(unsigned char** cursor, const unsigned char* limit);
 
 private:
+    friend class ZAV_UValDict;
+    /// For a file: what nests deeper than so many levels is refused too; 0 means any depth.
+    ZAV_BinPackUValDict(ZAV_UValDict& dict, boolean_t checkFirst, unsigned long nestingLimit);
+
     class Writer;
     class Reader;
     ZAV_UValDict& mDict;

@@ -15,13 +15,14 @@ constexpr unsigned int MOST_TEXT = 0xFFFF - 1; ///< bytes of a text; its NUL is 
 /// Throws a ZAV_BinPackException* that tells its reason and, if it is not null, the key of the entry.
 [[noreturn]] void Refuse(const char* reason, const char* key = nullptr);
 
-/// The elements of a number value as they lie in memory; the inline scalar of a scalar.
+/// The elements of a number value as they lie in memory, or, of a host's object, as they are put into `room`;
+/// the inline scalar of a scalar.
 struct Elements {
     int mKind;
     unsigned int mCount;
     void* mData;
 };
-Elements ElementsOf(ZAV_UVal& number);
+Elements ElementsOf(ZAV_UVal& number, std::string& room);
 
 /// The atom kind of a number type.
 int KindOf(ZAV_UValType number);
@@ -32,32 +33,39 @@ int KindOf(ZAV_UValType number);
 /// in the caller's buffer when it has room); elements are copied from where they are.
 class ZAV_LOCAL ZAV_BinPackUValDict::Writer {
 public:
-    Writer(ZAV_UValDict& dict, bool checkFirst);
+    Writer(ZAV_UValDict& dict, bool checkFirst, unsigned long nestingLimit);
     int Put(unsigned char** cursor, const unsigned char* limit);
 
 private:
+    struct Level {
+        ZAV_AssocUVal* mNext; // to be put next, never null
+        unsigned long mDepth; // 1 at the top
+    };
     static constexpr size_t MOST_PIECE = 128; // bytes of a piece: key, type, dimension, header and a scalar
 
-    static void CheckAll(ZAV_UValDict& dict);
+    void CheckAll() const;
     static void CheckDict(ZAV_UValDict& dict, const char* key);
     static void CheckText(const ZAV_String& text, const char* key);
     static void CheckValue(ZAV_UVal& value, unsigned long& pointers, const char* key);
 
     int PutSome(unsigned char** cursor, const unsigned char* limit);
-    bool IsDone() const { return mNext.empty() && mTextsLeft == 0; }
+    bool IsDone() const { return mOpen.empty() && mTextsLeft == 0; }
     unsigned char* MakePiece(unsigned char* out);
-    unsigned char* PutEntry(unsigned char* out, ZAV_AssocUVal& entry);
-    unsigned char* PutDict(unsigned char* out, ZAV_UValDict& dict);
+    unsigned char* PutEntry(unsigned char* out, ZAV_AssocUVal& entry, unsigned long depth);
+    unsigned char* PutDict(unsigned char* out, ZAV_UValDict& dict, unsigned long depth);
     unsigned char* PutValue(unsigned char* out, ZAV_UVal& value);
     unsigned char* PutText(unsigned char* out);
 
     ZAV_UValDict& mTop;
-    std::vector<ZAV_AssocUVal*> mNext; // of each open dictionary: the entry to be put next, never null
-    const char* mKey;                  // of the entry put last; null before the first
-    ZAV_UVal* mTexts;                  // the string value of which elements are left
+    unsigned long mNestingLimit; // 0 for none
+    std::vector<Level> mOpen;    // the dictionaries that have entries left
+    const char* mKey;            // of the entry put last; null before the first
+    ZAV_UVal* mTexts;            // the string value of which elements are left
     long mTextsLeft;
-    unsigned long mPointers; // elements of pointer arrays so far
-    bool mCheckAll;          // before the first bytes are given away
+    unsigned long mPointers;   // elements of pointer arrays so far
+    bool mCheckAll;            // before the first bytes are given away
+    std::string mHostElements; // of an object of a host's own class, while they are put
+    ZAV_String mHostText;
     unsigned char mPiece[MOST_PIECE];
     ZAV_BinPackBuffer mPieceLeft;
     ZAV_BinPackBuffer mElementsLeft;

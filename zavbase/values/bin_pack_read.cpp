@@ -5,6 +5,7 @@
 #include <memory>
 
 #include <zavbase/foundation/exception_context.h>
+#include <zavbase/values/nesting_internal.h>
 #include <zavbase/values/uval_text.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict.h>
@@ -136,7 +137,7 @@ void ZAV_BinPackUValDict::Reader::Take(const unsigned char* elements) {
 }
 
 void ZAV_BinPackUValDict::Reader::TakeEntryCount(unsigned int count) {
-    if (mNestingLimit && mLevels.size() >= mNestingLimit) Refuse("dictionaries nest too deep");
+    if (mNestingLimit && mLevels.size() >= mNestingLimit) Refuse(ZAV_TOO_DEEP);
     mLevels.push_back(Level{mOpened, count, {}});
     NextEntry();
 }
@@ -215,7 +216,8 @@ void ZAV_BinPackUValDict::Reader::TakeDimension(int32_t dimension) {
 
 void ZAV_BinPackUValDict::Reader::TakeNumbers(const unsigned char* bytes) {
     std::unique_ptr<ZAV_UVal> value(ZAV_NewUVal(mType, mDimension));
-    Elements elements = ElementsOf(*value);
+    std::string none;
+    Elements elements = ElementsOf(*value, none);
     if (elements.mCount != mCount) Refuse(TOO_LARGE);
     std::memcpy(elements.mData, bytes, static_cast<size_t>(mCount) * ZAV_BinPackElementSize(mKind));
     StoreEntry(value.release());
@@ -249,13 +251,18 @@ void ZAV_BinPackUValDict::Reader::StoreTexts() {
 ZAV_BinPackUValDict::ZAV_BinPackUValDict(ZAV_UValDict& dict, boolean_t checkFirst)
     : mDict(dict), mCheckFirst(checkFirst), mWriter(nullptr), mReader(nullptr) {}
 
+ZAV_BinPackUValDict::ZAV_BinPackUValDict(ZAV_UValDict& dict, boolean_t checkFirst, unsigned long nestingLimit)
+    : ZAV_BinPackUValDict(dict, checkFirst) {
+    mWriter = new Writer(dict, checkFirst != B_FALSE, nestingLimit);
+}
+
 ZAV_BinPackUValDict::~ZAV_BinPackUValDict() {
     delete mWriter;
     delete mReader;
 }
 
 int ZAV_BinPackUValDict::Put(unsigned char** cursor, const unsigned char* limit) {
-    if (!mWriter) mWriter = new Writer(mDict, mCheckFirst != B_FALSE);
+    if (!mWriter) mWriter = new Writer(mDict, mCheckFirst != B_FALSE, 0);
     return mWriter->Put(cursor, limit);
 }
 

@@ -7,6 +7,7 @@
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/strings/system_string.h>
 #include <zavbase/values/value_dict.h>
+#include <zavbase/values/value_dict_internal.h>
 
 namespace {
 
@@ -25,7 +26,7 @@ struct VarName {
         ZAV_UVal* found = nullptr;
         for (const char* part : mParts) {
             if (!part || !*part) continue;
-            if (found && found->GetType() != UVAL_DICT) return nullptr;
+            if (found && !ZAV_IsDict(found)) return nullptr;
             found = (found ? static_cast<ZAV_UValDict*>(found) : dict)->GetUVal(part);
             if (!found) return nullptr;
         }
@@ -72,6 +73,13 @@ void PutText(ZAV_UVal* value, long index, const char* deflt, Text* out) {
     ZAV_String text;
     value->GetStrValue(text, index);
     *out = text;
+}
+
+/// With any NUL bytes it holds.
+ZAV_String UpperTextOf(ZAV_UVal& value, long index) {
+    ZAV_String text;
+    value.GetStrValue(text, index);
+    return text.ToUpper();
 }
 
 template <class Deflt>
@@ -190,6 +198,6 @@ boolean_t ZAV_IsConfigured(const char* a, const char* b, const char* c, const ch
     ZAV_String wanted(value);
     wanted.ToUpper();
     for (long i = 0; texts && (i == 0 || i < texts->GetDimension()); ++i)
-        if (ZAV_String(texts->GetCStringValue(i)).ToUpper() == wanted) return B_TRUE;
+        if (UpperTextOf(*texts, i) == wanted) return B_TRUE;
     return B_FALSE;
 }

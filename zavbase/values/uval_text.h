@@ -27,7 +27,8 @@
 /// (uval_text_check.h) tells what was read although hardly anybody means it.
 ///
 /// What the form does not keep: reals have six decimals (or the stream's precision), pointers become null, an
-/// entry under an empty key is dropped on reading, entries without value are not written. An infinity is
+/// entry under an empty key is dropped on reading, entries without value, or with one of an unknown type, are
+/// not written. An infinity is
 /// written as 1e999 or -1e999, which reads back; not-a-number as zero. The binary file (bin_pack.h) keeps
 /// all.
 ///
@@ -40,7 +41,9 @@ ZAV_API std::ostream& ZAV_Indent(std::ostream& os, int n);
 
 /// Writes one value, without a line end after it; a dictionary below the top (indent > 0) begins on a line of
 /// its own. Numbers take nothing from the stream but its precision; reals leave it in fixed notation. A null
-/// `value` writes nothing. Failures are left in the stream's state.
+/// `value` writes nothing, nor does one of a type that is none of the library's. A value of a host's own
+/// class is written as its virtual accessors tell it. Failures are left in the stream's state; a tree that
+/// nests deeper than the limit below, and so could not be read, only sets the fail bit.
 ZAV_API std::ostream& ZAV_WriteUValTxt(std::ostream& os, const ZAV_UVal* value, int indent = 0);
 
 /// Reads the one value that the rest of the stream holds (normally a dictionary) and stores it, owned by the
@@ -65,8 +68,9 @@ struct ZAV_UValTextError {
 ZAV_API const ZAV_UValTextError& ZAV_GetUValTextError();
 
 /// How deep dictionaries in a text or binary file may nest; a path key counts each of its levels. Deeper
-/// input is refused as malformed ("Error in object hierarchy"). 10000 at first; 0 means no limit: reading,
-/// copying and destroying need no more stack then, but the text of a tree grows with the square of its depth.
+/// input is refused as malformed ("Error in object hierarchy"), and deeper trees are not written. 10000 at
+/// first; 0 means no limit: reading, copying and destroying need no more stack then, but the text of a tree
+/// grows with the square of its depth.
 ZAV_API void ZAV_SetUValNestingLimit(unsigned long levels);
 ZAV_API unsigned long ZAV_GetUValNestingLimit();
 

@@ -6,6 +6,7 @@
 
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/values/dict_path.h>
+#include <zavbase/values/nesting_internal.h>
 #include <zavbase/values/uval_text.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict.h>
@@ -43,13 +44,6 @@ void StoreString(ZAV_UVal& value, ZAV_UValType type, const char* text, size_t le
         static_cast<ZAV_UValUTFString&>(value).GetValuePtr(index)->Append(text, size);
     else
         value.SetStrValue(ZAV_String(text, size), index);
-}
-
-// How many dictionaries a key used as a path puts around its value.
-uint32_t LevelsOf(const char* key, size_t length) {
-    if (length == 0) return 0;
-    char separator = ZAV_DictPath::GetSeparator();
-    return static_cast<uint32_t>(std::count(key, key + length - 1, separator));
 }
 
 // The entry of a plain key is stored without making a path of it.
@@ -306,7 +300,7 @@ uint32_t Reader::StorePair(ZAV_UValDict& dict, const Item& key, Item& value) {
         Fail(PAIR_ERROR);
     }
     if (value.mKind != ITEM_VALUE) Fail(PAIR_ERROR);
-    uint32_t depth = CheckedDepth(value, LevelsOf(text, length));
+    uint32_t depth = CheckedDepth(value, ZAV_LevelsOfKey(text, length));
     ZAV_UVal* owned = value.mValue;
     value.mKind = ITEM_NAME; // the dictionary owns it, or has deleted it
     if (IsOneKey(text, length)) {

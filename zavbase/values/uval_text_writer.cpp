@@ -7,9 +7,11 @@
 #include <vector>
 
 #include <zavbase/strings/number_text_internal.h>
+#include <zavbase/values/nesting_internal.h>
 #include <zavbase/values/uval_text_token_internal.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict_fill_internal.h>
+#include <zavbase/values/value_dict_internal.h>
 
 namespace zav_text {
 
@@ -43,11 +45,19 @@ char* PutDigits(char* end, Unsigned value, int least) {
 // Collects text and hands it to the stream in large pieces.
 class Output {
 public:
-    explicit Output(std::ostream& os) : mStream(os) { mText.reserve(PIECE + 512); }
-    void Flush() {
-        if (!mText.empty()) mStream.write(mText.data(), static_cast<std::streamsize>(mText.size()));
-        mText.clear();
+    /// Before the first piece that is not the last, `gate` (if it is not null) is asked to fit the limit.
+    Output(std::ostream& os, const ZAV_UValDict* gate, unsigned long limit)
+        : mStream(os), mGate(gate), mLimit(limit) {
+        mText.reserve(PIECE + 512);
     }
+    /// To be called at the end.
+    void FlushLast() {
+        mGate = nullptr;
+        Flush();
+    }
+    /// Nothing more is handed on.
+    void Refuse() { mIsRefused = true; }
+    bool IsRefused() const { return mIsRefused; }
     void Char(char c) { mText.push_back(c); }
     void Text(const char* text, size_t length) { mText.append(text, length); }
     template <size_t N>
@@ -65,11 +75,22 @@ public:
 
 private:
     static constexpr size_t PIECE = 32768;
+    void Flush();
     void Escaped(unsigned char c);
 
     std::ostream& mStream;
+    const ZAV_UValDict* mGate;
+    unsigned long mLimit;
+    bool mIsRefused = false;
     std::string mText;
 };
+
+void Output::Flush() {
+    if (mGate && !ZAV_FitsNesting(*mGate, mLimit, true)) Refuse();
+    mGate = nullptr;
+    if (!mIsRefused) mStream.write(mText.data(), static_cast<std::streamsize>(mText.size()));
+    mText.clear();
+}
 
 void Output::Indent(int n) {
     for (; n > 0; n -= 4096) {
@@ -159,14 +180,17 @@ typedef ZAV_UValDict::Fields Fields;
 // Writes a tree without recursion: open dictionaries wait on a stack of their own.
 class Writer {
 public:
-    Writer(std::ostream& os, int indent) : mStream(os), mOut(os), mIndent(indent) {
+    Writer(std::ostream& os, int indent, const ZAV_UValDict* gate)
+        : mStream(os), mLimit(ZAV_GetUValNestingLimit()), mOut(os, gate, mLimit), mIndent(indent) {
         std::streamsize decimals = os.precision();
         mDecimals = decimals < 0 ? 6 : static_cast<int>((std::min<std::streamsize>)(decimals, 40));
     }
-    void Write(ZAV_UVal& value);
+    /// Sets the fail bit, and returns false, for what nests too deep.
+    bool Write(ZAV_UVal& value);
 
 private:
-    void Open(ZAV_UValDict& dict);
+    void Open(ZAV_UValDict& dict, unsigned long depth);
+    unsigned long DepthOf(const ZAV_AssocUVal& entry, unsigned long dictDepth);
     void WriteNext();
     void WriteValue(ZAV_UVal& value);
     template <class PutElement>
@@ -174,55 +198,78 @@ private:
     void WriteIntegers(ZAV_UVal& value);
     void WriteReals(ZAV_UVal& value);
     void WriteStrings(ZAV_UVal& value);
-    template <class Typed>
-    void WriteTexts(Typed& value);
+    template <class TextOf>
+    void WriteTexts(ZAV_UVal& value, TextOf textOf);
     void WritePointers(ZAV_UVal& value);
     void WriteKeyword(ZAV_UValType type);
 
+    struct Level {
+        ZAV_AssocUVal* mNext; // the entry to be written next
+        unsigned long mDepth; // as the reader will count it, 1 at the top
+    };
+
     std::ostream& mStream;
+    unsigned long mLimit;
     Output mOut;
     int mIndent; // of the innermost open dictionary
     int mDecimals;
-    std::vector<ZAV_AssocUVal*> mNext; // of each open dictionary: the entry to be written next
+    std::vector<Level> mOpen;
 };
 
-void Writer::Write(ZAV_UVal& value) {
-    if (value.GetType() == UVAL_DICT)
-        Open(static_cast<ZAV_UValDict&>(value));
-    else
-        WriteValue(value);
-    while (!mNext.empty()) WriteNext();
-    mOut.Flush();
+// A host's class may have a type that the form does not know, or claim to be a dictionary.
+bool IsWritable(const ZAV_UVal& value) {
+    return value.GetType() > UVAL_DICT ? value.GetType() <= UVAL_PTR : ZAV_IsDict(&value);
 }
 
-void Writer::Open(ZAV_UValDict& dict) {
+bool Writer::Write(ZAV_UVal& value) {
+    if (ZAV_IsDict(&value))
+        Open(static_cast<ZAV_UValDict&>(value), 1);
+    else
+        WriteValue(value);
+    while (!mOpen.empty() && !mOut.IsRefused()) WriteNext();
+    if (mOut.IsRefused()) mStream.setstate(std::ios::failbit);
+    mOut.FlushLast();
+    return !mOut.IsRefused();
+}
+
+void Writer::Open(ZAV_UValDict& dict, unsigned long depth) {
+    if (mLimit && depth > mLimit) mOut.Refuse();
     if (mIndent != 0) {
         mOut.Char('\n');
         mOut.Indent(mIndent);
     }
     mOut.Literal("<<\n");
-    mNext.push_back(Fields::First(dict));
+    mOpen.push_back({Fields::First(dict), depth});
+}
+
+// The depth of what the entry holds, if that is not a dictionary itself.
+unsigned long Writer::DepthOf(const ZAV_AssocUVal& entry, unsigned long dictDepth) {
+    const unsigned long depth = dictDepth + ZAV_LevelsOfKey(Fields::Key(entry), entry.KeyLength());
+    if (mLimit && depth > mLimit) mOut.Refuse();
+    return depth;
 }
 
 // The next line of the innermost open dictionary: an entry or its end.
 void Writer::WriteNext() {
-    ZAV_AssocUVal* entry = mNext.back();
+    Level& level = mOpen.back();
+    ZAV_AssocUVal* entry = level.mNext;
     if (!entry) {
-        mNext.pop_back();
+        mOpen.pop_back();
         mOut.Indent(mIndent--);
         mOut.Literal(">>");
-        if (!mNext.empty()) mOut.Char('\n');
+        if (!mOpen.empty()) mOut.Char('\n');
         return;
     }
-    mNext.back() = Fields::Next(*entry);
+    level.mNext = Fields::Next(*entry);
     ZAV_UVal* value = Fields::Value(*entry);
-    if (!value) return;
+    if (!value || !IsWritable(*value)) return;
+    const unsigned long depth = DepthOf(*entry, level.mDepth);
     mOut.Indent(mIndent);
     mOut.Key(Fields::Key(*entry), entry->KeyLength());
     mOut.Char(' ');
-    if (value->GetType() == UVAL_DICT) {
+    if (ZAV_IsDict(value)) {
         ++mIndent;
-        Open(static_cast<ZAV_UValDict&>(*value));
+        Open(static_cast<ZAV_UValDict&>(*value), depth + 1);
     } else {
         WriteValue(*value);
         mOut.Char('\n');
@@ -286,18 +333,34 @@ void Writer::WriteReals(ZAV_UVal& value) {
     if (value.GetType() == UVAL_FLOAT) WriteKeyword(UVAL_FLOAT);
 }
 
-void Writer::WriteStrings(ZAV_UVal& value) {
-    if (value.GetType() == UVAL_STRING) return WriteTexts(static_cast<ZAV_UValString&>(value));
-    WriteTexts(static_cast<ZAV_UValUTFString&>(value));
-    WriteKeyword(UVAL_UTFSTRING);
+template <class Typed>
+const ZAV_String& StoredText(ZAV_UVal& value, long i) {
+    return static_cast<Typed&>(value).GetValue(i);
 }
 
-template <class Typed>
-void Writer::WriteTexts(Typed& value) {
+ZAV_String AskedText(ZAV_UVal& value, long i) {
+    ZAV_String text;
+    value.GetStrValue(text, i);
+    return text;
+}
+
+void Writer::WriteStrings(ZAV_UVal& value) {
+    if (ZAV_IsExactly<ZAV_UValString>(value)) {
+        WriteTexts(value, StoredText<ZAV_UValString>);
+    } else if (ZAV_IsExactly<ZAV_UValUTFString>(value)) {
+        WriteTexts(value, StoredText<ZAV_UValUTFString>);
+    } else {
+        WriteTexts(value, AskedText);
+    }
+    if (value.GetType() == UVAL_UTFSTRING) WriteKeyword(UVAL_UTFSTRING);
+}
+
+template <class TextOf>
+void Writer::WriteTexts(ZAV_UVal& value, TextOf textOf) {
     long count = value.GetDimension();
     if (count > 0) mOut.Literal("[ ");
     for (long i = 0; i < count || i == 0; ++i) {
-        const ZAV_String& text = value.GetValue(i);
+        const ZAV_String& text = textOf(value, i);
         mOut.Quoted(text.Ptr(), text.Size());
         mOut.FlushLarge();
     }
@@ -317,6 +380,11 @@ void Writer::WritePointers(ZAV_UVal& value) {
 
 } // namespace
 
+bool WriteTree(std::ostream& os, ZAV_UVal& value, int indent, bool checkFirst) {
+    const bool hasGate = checkFirst && ZAV_IsDict(&value);
+    return Writer(os, indent, hasGate ? static_cast<ZAV_UValDict*>(&value) : nullptr).Write(value);
+}
+
 } // namespace zav_text
 
 std::ostream& ZAV_Indent(std::ostream& os, int n) {
@@ -326,6 +394,6 @@ std::ostream& ZAV_Indent(std::ostream& os, int n) {
 
 std::ostream& ZAV_WriteUValTxt(std::ostream& os, const ZAV_UVal* value, int indent) {
     // Accessors are not const, so that host classes keep overriding them; they change nothing.
-    if (value) zav_text::Writer(os, indent).Write(const_cast<ZAV_UVal&>(*value));
+    if (value) zav_text::WriteTree(os, const_cast<ZAV_UVal&>(*value), indent, true);
     return os;
 }

@@ -36,9 +36,7 @@ unsigned int KeyLength(const char* key) {
 }
 
 /// A dictionary of the library's own class. One of a host's class copies itself.
-bool IsPlainDict(const ZAV_UVal* value) {
-    return ZAV_IsDict(value) && value->IsMemberOf(&ZAV_UValDict::classZAV_UValDict);
-}
+bool IsPlainDict(const ZAV_UVal* value) { return value && ZAV_IsExactly<ZAV_UValDict>(*value); }
 
 } // namespace
 

@@ -159,7 +159,10 @@ public:
     /// The text form (uval_text.h) and the binary form (bin_pack.h). Reading merges into this dictionary as
     /// MoveTo does; a file that cannot be read changes nothing. ReadFile takes either form. With a name,
     /// ReadTextFile takes the entries of the first dictionary of that name; when there is none it traces
-    /// that and changes nothing. A file is written beside its name and then put in its place.
+    /// that and changes nothing. A file is written beside its name and then put in its place. What could not
+    /// be read again is not written: a tree that nests deeper than ZAV_GetUValNestingLimit(), before there is
+    /// a file, or more than 2147483647 bytes; WriteTextFile then throws code 7, WriteBinFile for the nesting
+    /// a ZAV_BinPackException*.
     void WriteTextFile(const ZAV_SystemString& file);
     void ReadTextFile(const ZAV_SystemString& file);
     void ReadTextFile(const ZAV_SystemString& file, const ZAV_String& name);

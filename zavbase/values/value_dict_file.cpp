@@ -8,9 +8,11 @@
 #include <zavbase/os/file.h>
 #include <zavbase/strings/system_string.h>
 #include <zavbase/values/bin_pack.h>
+#include <zavbase/values/nesting_internal.h>
 #include <zavbase/values/uval_text.h>
 #include <zavbase/values/uval_text_reader_internal.h>
 #include <zavbase/values/value_dict.h>
+#include <zavbase/values/value_dict_internal.h>
 
 namespace {
 
@@ -29,11 +31,16 @@ const uint16_t gMagicSize = sizeof gMagic;
 
 constexpr size_t PIECE = 65536;
 
+// No larger file can be read, so none is written.
+using zav_text::MOST_BYTES;
+const char TOO_LARGE[] = "more than 2147483647 bytes";
+
 const char* NameOf(const ZAV_SystemString& file) { return file.GetSystemString().Ptr(); }
 
 // The exception has no number of the system, as ever; its context has.
-[[noreturn]] void Throw(FileCode code, uint32_t error) {
+[[noreturn]] void Throw(FileCode code, uint32_t error, const char* reason = "") {
     ZAV_ExceptionContext known;
+    known.mReason = reason;
     known.mOsError = error;
     ZAV_ThrowFileException(code, 0, known);
 }
@@ -53,8 +60,9 @@ class WholeFile {
 public:
     explicit WholeFile(const ZAV_SystemString& file) {
         zav_text::ClearTextError(); // what is told is about this file
-        zav_os::ReadStatus status = zav_os::ReadWholeFile(NameOf(file), 0x7FFFFFFF, &mBytes);
+        zav_os::ReadStatus status = zav_os::ReadWholeFile(NameOf(file), MOST_BYTES, &mBytes);
         if (status == zav_os::READ_NOT_OPEN) Throw(OPEN_READ_ERROR, mBytes.mError);
+        if (status == zav_os::READ_TOO_LARGE) Throw(READ_ERROR, mBytes.mError, TOO_LARGE);
         if (status != zav_os::READ_DONE) Throw(READ_ERROR, mBytes.mError);
     }
     ~WholeFile() { zav_os::FreeFileBytes(&mBytes); }
@@ -76,14 +84,18 @@ public:
         if (uint32_t error = mFile.Open(NameOf(file))) Throw(OPEN_WRITE_ERROR, error);
     }
     void Write(const void* data, size_t size) {
+        if (size > MOST_BYTES - mSize) Throw(WRITE_ERROR, 0, TOO_LARGE);
         if (uint32_t error = mFile.Write(data, size)) Throw(WRITE_ERROR, error);
+        mSize += size;
     }
+    bool IsDirect() const { return mFile.IsDirect(); }
     void Finish() {
         if (uint32_t error = mFile.Commit()) Throw(WRITE_ERROR, error);
     }
 
 private:
     zav_os::FileReplacement mFile;
+    size_t mSize = 0;
 };
 
 // Lets the text writer, which knows streams, write to a file. A stream takes exceptions for itself, so the
@@ -93,11 +105,15 @@ public:
     explicit NewFileBuffer(zav_os::FileReplacement& file) : mFile(file), mError(0) {}
 
     uint32_t Error() const { return mError; } ///< of the first failure
+    bool IsTooLarge() const { return mIsTooLarge; }
 
 protected:
     std::streamsize xsputn(const char* text, std::streamsize size) override {
-        if (mError == 0) mError = mFile.Write(text, static_cast<size_t>(size));
-        return mError == 0 ? size : 0;
+        if (static_cast<size_t>(size) > MOST_BYTES - mSize) mIsTooLarge = true;
+        if (mError == 0 && !mIsTooLarge) mError = mFile.Write(text, static_cast<size_t>(size));
+        if (mError != 0 || mIsTooLarge) return 0;
+        mSize += static_cast<size_t>(size);
+        return size;
     }
     int_type overflow(int_type c) override {
         char byte = traits_type::to_char_type(c);
@@ -107,6 +123,8 @@ protected:
 private:
     zav_os::FileReplacement& mFile;
     uint32_t mError;
+    size_t mSize = 0;
+    bool mIsTooLarge = false;
 };
 
 class MemoryBuffer : public std::streambuf {
@@ -169,7 +187,7 @@ void ReadText(const WholeFile& file, const ZAV_String& name, std::unique_ptr<ZAV
 
 // The top of a file must be a dictionary.
 ZAV_UValDict& DictIn(const WholeFile& file, ZAV_UVal& value) {
-    if (value.GetType() != UVAL_DICT)
+    if (!ZAV_IsDict(&value))
         zav_text::FailReading(zav_text::HIERARCHY_ERROR, zav_text::Place(), file.Data(),
                               file.Data() + file.Size());
     return static_cast<ZAV_UValDict&>(value);
@@ -193,7 +211,8 @@ void ZAV_UValDict::WriteTextFile(const ZAV_SystemString& file) {
         if (uint32_t error = replacement.Open(NameOf(file))) Throw(OPEN_WRITE_ERROR, error);
         NewFileBuffer buffer(replacement);
         std::ostream os(&buffer);
-        ZAV_WriteUValTxt(os, this, 0);
+        if (!zav_text::WriteTree(os, *this, 0, replacement.IsDirect())) Throw(WRITE_ERROR, 0, ZAV_TOO_DEEP);
+        if (buffer.IsTooLarge()) Throw(WRITE_ERROR, 0, TOO_LARGE);
         uint32_t error = os ? replacement.Commit() : buffer.Error();
         if (!os || error != 0) Throw(WRITE_ERROR, error);
     });
@@ -229,13 +248,14 @@ void ZAV_UValDict::WriteBinFile(const ZAV_SystemString& file) {
         uint16_t magicSize = gMagicSize;
         ZAV_BinPackAtom sizeAtom(BINPACK_16, 1, &magicSize);
         ZAV_BinPackAtom magicAtom(BINPACK_BLOCK, sizeof gMagic, const_cast<char*>(gMagic));
-        ZAV_BinPackUValDict packer(*this, B_FALSE); // a file that is not finished does not appear
+        NewFile out(file);
+        // A file that is not finished does not appear, unless it is written directly.
+        ZAV_BinPackUValDict packer(*this, ZAV_Bool(out.IsDirect()), ZAV_GetUValNestingLimit());
         std::unique_ptr<unsigned char[]> buffer(new unsigned char[PIECE]);
         unsigned char* cursor = buffer.get();
         const unsigned char* limit = cursor + PIECE;
         sizeAtom.Put(&cursor, limit);
         magicAtom.Put(&cursor, limit);
-        NewFile out(file);
         bool more = packer.Put(&cursor, limit) != 0;
         for (; more; more = packer.Put(&cursor, limit) != 0) {
             out.Write(buffer.get(), static_cast<size_t>(cursor - buffer.get()));

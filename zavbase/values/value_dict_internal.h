@@ -1,7 +1,10 @@
 #ifndef ZAVBASE_VALUES_VALUE_DICT_INTERNAL_H
 #define ZAVBASE_VALUES_VALUE_DICT_INTERNAL_H
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <typeinfo>
 
 #include <zavbase/values/value_dict.h>
 
@@ -19,7 +22,18 @@ inline uint32_t ZAV_EntryHash(const char* key, uint32_t length) {
     return hash;
 }
 
-inline bool ZAV_IsDict(const ZAV_UVal* value) { return value && value->GetType() == UVAL_DICT; }
+/// Whether a value is of exactly this class of the library. A host may derive from any class, also from
+/// ZAV_UVal with one of the library's types: its objects are asked by their virtual accessors only.
+template <class Typed>
+bool ZAV_IsExactly(const ZAV_UVal& value) {
+    return typeid(value) == typeid(Typed);
+}
+
+/// Whether a value is a dictionary, of the library's class or one derived from it.
+inline bool ZAV_IsDict(const ZAV_UVal* value) {
+    return value && value->GetType() == UVAL_DICT &&
+           (ZAV_IsExactly<ZAV_UValDict>(*value) || dynamic_cast<const ZAV_UValDict*>(value));
+}
 
 /// Walks the keys of a path: each runs to the separator, or to the end.
 struct ZAV_LOCAL ZAV_UValDict::KeyWalk {
@@ -32,7 +46,9 @@ struct ZAV_LOCAL ZAV_UValDict::KeyWalk {
         const void* stop = std::memchr(mAt, mSeparator, static_cast<std::size_t>(mEnd - mAt));
         const char* end = stop ? static_cast<const char*>(stop) : mEnd;
         mKey = mAt;
-        mLength = static_cast<unsigned int>(end - mAt);
+        // A key is cut anyway; its full length might not fit.
+        mLength =
+            static_cast<unsigned int>((std::min)(end - mAt, std::ptrdiff_t{ZAV_AssocUVal::kMaxKeyLength}));
         mAt = stop ? end + 1 : end;
         return true;
     }
