@@ -1,5 +1,5 @@
 // The side index gives up in silence where it cannot serve a table; here is what it must serve.
-#include <zavbase/collections/set_index_internal.h>
+#include <zavbase/collections/set_access_internal.h>
 #include <zavbase/zavbase.h>
 
 #include <gtest/gtest.h>
@@ -35,6 +35,17 @@ TEST(SetIndex, ServesTheLibrarysKeysAndNothingElse) {
 
 namespace {
 
+/// Known to the index, found by their numbers, all of one hash.
+struct Crowded : Probe {
+    explicit Crowded(int number) : Probe(number, 7u), mKey(number) {}
+    static const char* Bytes(const ZAV_CltObject* o, uint32_t* length) {
+        *length = sizeof(int);
+        return reinterpret_cast<const char*>(&static_cast<const Crowded*>(o)->mKey);
+    }
+    static bool Take() { return zav_strong::RegisterKeyClass(typeid(Crowded), &Bytes); }
+    int mKey;
+};
+
 /// Classes to register, all of whose objects are equal by the same byte, each to its own kind only.
 template <int N>
 struct Registered : ZAV_CltObject {
@@ -46,15 +57,37 @@ struct Registered : ZAV_CltObject {
 
 TEST(SetIndex, TakesFourClassesAndRefusesMore) {
     // The entries of value dictionaries are the first. One that is known needs no more room.
-    EXPECT_TRUE(Registered<1>::Take() && Registered<1>::Take() && Registered<2>::Take());
-    EXPECT_TRUE(Registered<3>::Take());
-    EXPECT_FALSE(Registered<4>::Take());
+    EXPECT_TRUE(Registered<1>::Take() && Registered<1>::Take() && Registered<2>::Take() && Crowded::Take());
+    EXPECT_FALSE(Registered<3>::Take());
     Registered<1> one, twin;
     Registered<2> two;
     Registered<3> three;
-    Registered<4> four;
     ZAV_CltString text("x");
     ZAV_AssocUVal entry("x", nullptr);
-    EXPECT_TRUE(Serves({&one, &two, &three, &text, &entry})) << "none is taken for another";
-    EXPECT_FALSE(Serves({&one, &twin}) || Serves({&text, &four}));
+    EXPECT_TRUE(Serves({&one, &two, &text, &entry})) << "none is taken for another";
+    EXPECT_FALSE(Serves({&one, &twin}) || Serves({&text, &three}));
+}
+
+// Whoever is taken out may be dead when the slots are put right.
+TEST(SetIndex, TakesOutWithoutWalkingTheCluster) {
+    ASSERT_TRUE(Crowded::Take());
+    const int n = 20000, before = Probe::Living();
+    for (const bool refills : {false, true}) {
+        ZAV_Set set(32768);
+        for (int i = 0; i < n; ++i) set.Add(new Crowded(i));
+        for (int i = 0; i < n - 100; ++i) {
+            const Crowded sought(i);
+            set.RemoveAndDestroy(&sought);
+            if (refills) set.Add(new Crowded(i));
+        }
+        const int left = refills ? n : 100;
+        ASSERT_EQ(before + left, Probe::Living());
+        int walked = 0;
+        for (ZAV_Iterator it(&set); ++it;) ++walked;
+        EXPECT_EQ(left, walked);
+        EXPECT_LT(ZAV_SetAccess::Index(set)->Steps(), 10u * n);
+        set.RemoveAndDestroy(std::make_unique<Crowded>(n - 1).get());
+        set.ClearAndDestroy();
+        EXPECT_EQ(before, Probe::Living());
+    }
 }

@@ -119,6 +119,12 @@ const struct Kind {
     {"host objects", 1500, [](int i, Objects&) { return new Probe(i, static_cast<unsigned>(i % 97)); }},
     {"decimal texts", 6000, [](int i, Objects&) { return NewText(std::to_string(i * 7919)); }},
     {"texts of one hash", 9000, [](int i, Objects&) { return NewText(SameHash(i)); }},
+    // 40 homes side by side in a table of 2^14 slots, at both its ends: one long cluster that goes round.
+    {"numbers with neighbouring homes", 9000,
+     [](int i, Objects&) {
+         const uint32_t product = static_cast<uint32_t>(i % 40 - 20) << 18 | static_cast<uint32_t>(i);
+         return new ZAV_Integer(static_cast<int32_t>(product * 0x144CBC89u)); // the inverse of the multiplier
+     }},
     {"utf texts", 1500, [](int i, Objects&) { return new ZAV_CltUTFString(SameHash(i).c_str()); }},
     {"numbers", 3000, [](int i, Objects&) { return new ZAV_Integer(i % 2 ? i : i * 65536L); }},
     {"associations", 6000,
@@ -189,7 +195,7 @@ void RunBesideTheModel(const Kind& kind, uint32_t capacity) {
 } // namespace
 
 TEST(SetSlots, FollowTheModel) {
-    const uint32_t capacities[] = {0, 1, 17, 3, 5, 15, 2, 16, 2};
+    const uint32_t capacities[] = {0, 1, 17, 4, 3, 5, 15, 2, 16, 2};
     for (size_t i = 0; i < std::size(kinds); ++i) RunBesideTheModel(kinds[i], capacities[i]);
 }
 

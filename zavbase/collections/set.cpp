@@ -36,7 +36,7 @@ ZAV_Set::ZAV_Set(unsigned int capacity) : mContents(0) {
 }
 
 ZAV_Set::ZAV_Set(const ZAV_Set& s)
-    : ZAV_Collection(s), mCount(s.mCount), mNbits(s.mNbits), mMask(s.mMask), mContents(s.mContents) {
+    : ZAV_Collection(s), mCount(s.mCount), mNbits(s.mNbits), mMask(s.mMask), mContents(s.Table()) {
     if (s.Index()) SetIndex(s.Index()->Clone().release());
 }
 
@@ -46,7 +46,7 @@ ZAV_Set& ZAV_Set::operator=(const ZAV_Set& s) {
     mCount = s.mCount;
     mNbits = s.mNbits;
     mMask = s.mMask;
-    mContents = s.mContents;
+    mContents = s.Table();
     if (s.Index()) SetIndex(s.Index()->Clone().release());
     return *this;
 }
@@ -56,7 +56,14 @@ ZAV_Set::~ZAV_Set() { DropIndex(false); }
 ZAV_SetIndex* ZAV_Set::Index() const { return zav_slots::HeaderOf(mContents.mArray).mIndex; }
 void ZAV_Set::SetIndex(ZAV_SetIndex* index) { zav_slots::HeaderOf(mContents.mArray).mIndex = index; }
 
+// The table as it must look; the index may have put off some of it.
+const ZAV_ArrayObj& ZAV_Set::Table() const {
+    if (ZAV_SetIndex* index = Index()) index->Settle(mContents.mArray);
+    return mContents;
+}
+
 void ZAV_Set::DropIndex(bool forGood) {
+    Table();
     zav_slots::Header& header = zav_slots::HeaderOf(mContents.mArray);
     delete header.mIndex;
     header.mIndex = nullptr;
@@ -89,16 +96,18 @@ int ZAV_Set::HashIdx(unsigned long h) const {
 
 int ZAV_Set::FindIndexOf(const ZAV_CltObject* o) const {
     if (!o) return -1;
-    if (const ZAV_SetIndex* index = Index()) {
+    ZAV_CltObject* const* slots = Table().mArray;
+    if (ZAV_SetIndex* index = Index()) {
         const ZAV_SetIndex::Sought key(o);
         if (key.mKnown) {
             const ZAV_SetIndex::Place place = index->Find(key);
-            return static_cast<int>(place.mElement ? place.mSlot : index->EmptyFrom(o->Hash()));
+            return static_cast<int>(place.mElement ? index->SlotOf(slots, place)
+                                                   : index->EmptyFrom(o->Hash()));
         }
     }
     uint32_t i = static_cast<uint32_t>(HashIdx(o->Hash()));
     for (uint32_t n = 0; n <= mMask; ++n, i = (i - 1) & mMask) {
-        ZAV_CltObject* e = mContents.mArray[i];
+        ZAV_CltObject* e = slots[i];
         if (e == ZAV_Nil() || e->IsEqual(o)) return static_cast<int>(i);
     }
     return -1;
@@ -153,14 +162,13 @@ ZAV_CltObject* ZAV_Set::AddByIndex(ZAV_CltObject* o, ZAV_SetIndex& index, bool& 
     const ZAV_SetIndex::Place place = index.Find(key);
     if (!place.mElement && place.mOneSided) return nullptr;
     const uint32_t hash = place.mElement ? 0 : o->Hash();
-    const uint32_t slot = place.mElement ? place.mSlot : index.EmptyFrom(hash);
-    if (slot == ZAV_SetIndex::NONE || (!ProbesItself() && FindIndexOf(o) != static_cast<int>(slot)))
-        return nullptr;
+    if (!ProbesItself()) {
+        const uint32_t slot = place.mElement ? index.SlotOf(mContents.mArray, place) : index.EmptyFrom(hash);
+        if (FindIndexOf(o) != static_cast<int>(slot)) return nullptr;
+    }
     if (place.mElement) return place.mElement;
-    added = index.Insert(o, key, slot, hash);
-    if (!added) return nullptr;
-    mContents.mArray[slot] = o;
-    return o;
+    added = index.Add(mContents.mArray, o, key, hash);
+    return added ? o : nullptr;
 }
 
 // Grows the table when more than half is used. Tables of 1 and 2 slots are full by then, and doubling their
@@ -194,6 +202,13 @@ bool ZAV_Set::StandsInLongCluster(uint32_t slot) const {
 
 ZAV_CltObject* ZAV_Set::Remove(const ZAV_CltObject* o) {
     if (!o) return ZAV_Nil();
+    if (Index() && ProbesItself()) {
+        const ZAV_SetIndex::Sought key(o);
+        if (key.mKnown) {
+            --mCount;
+            return ZAV_OrNil(Index()->Take(mContents.mArray, key, o));
+        }
+    }
     const int i = FindIndexOf(o);
     ZAV_CltObject* e = i < 0 ? ZAV_Nil() : mContents.mArray[i];
     if (e != ZAV_Nil()) {
@@ -232,16 +247,17 @@ ZAV_CltObject*& ZAV_Set::At(int i) {
     return mContents.mArray[i];
 }
 
-ZAV_CltObject* const& ZAV_Set::At(int i) const { return mContents.mArray[i]; }
+ZAV_CltObject* const& ZAV_Set::At(int i) const { return Table().mArray[i]; }
 
 ZAV_CltObject* ZAV_Set::DoNext(ZAV_Iterator* it) const {
     uint32_t i = it->mIndex;
+    ZAV_CltObject* const* slots = Table().mArray;
     if (const ZAV_SetIndex* index = Index())
         i = (std::min)(index->OccupiedFrom(i), mMask + 1);
     else
-        while (i <= mMask && mContents.mArray[i] == ZAV_Nil()) ++i;
+        while (i <= mMask && slots[i] == ZAV_Nil()) ++i;
     it->mIndex = (std::min)(i, mMask) + 1;
-    return i <= mMask ? mContents.mArray[i] : nullptr;
+    return i <= mMask ? slots[i] : nullptr;
 }
 
 void ZAV_Set::Clear() {
@@ -329,7 +345,7 @@ bool ZAV_Set::TakeByIndex(ZAV_Set& table) {
     if (!index || !ProbesItself() || index->Count() > table.Capacity()) return false;
     std::unique_ptr<ZAV_SetIndex> filled = ZAV_SetIndex::Make(table.mNbits);
     if (!filled) return false;
-    filled->TakeAll(table.mContents.mArray, *index, mContents.mArray);
+    filled->TakeAll(table.mContents.mArray, *index, Table().mArray);
     table.mCount = filled->Count();
     table.SetIndex(filled.release());
     return true;

@@ -74,6 +74,7 @@ private:
     ZAV_CltObject* Lookup(const ZAV_CltObject* o) const;
     bool ProbesItself() const;
     ZAV_SetIndex* Index() const;
+    const ZAV_ArrayObj& Table() const;
     void SetIndex(ZAV_SetIndex* index);
     void DropIndex(bool forGood);
     void TryIndex();

@@ -20,7 +20,7 @@ struct ZAV_SetAccess {
     /// The first element in the order of the slots of which isIt(element) is true; null if there is none.
     template <class IsIt>
     static ZAV_CltObject* First(const ZAV_Set& set, IsIt isIt) {
-        ZAV_CltObject* const* slots = set.mContents.mArray;
+        ZAV_CltObject* const* slots = set.Table().mArray;
         for (uint32_t i = 0; i <= set.mMask; ++i)
             if (slots[i] != ZAV_Nil() && isIt(slots[i])) return slots[i];
         return nullptr;
@@ -40,6 +40,7 @@ struct ZAV_SetAccess {
     /// Calls act(slot) for every slot of the table, which may store to it; the set is to be cleared then.
     template <class Act>
     static void ForEachSlot(ZAV_Set& set, Act act) {
+        set.Table();
         for (uint32_t i = 0; i <= set.mMask; ++i) act(set.mContents.mArray[i]);
     }
 

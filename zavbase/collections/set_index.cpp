@@ -48,7 +48,7 @@ bool HasKey(const ZAV_CltObject* stored, const zav_strong::KeyView& sought) {
 
 ZAV_SetIndex::ZAV_SetIndex(uint32_t nbits)
     : mNbits(nbits), mMask((1u << nbits) - 1), mCount(0), mHashes(nullptr), mOccupied(nullptr),
-      mFull(nullptr), mEntryBits(0), mEntryMask(0), mEntries(nullptr) {}
+      mFull(nullptr), mSteps(0), mEntryBits(0), mEntryMask(0), mEntries(nullptr) {}
 
 ZAV_SetIndex::~ZAV_SetIndex() {
     std::free(mOccupied);
@@ -121,7 +121,7 @@ ZAV_SetIndex::Entry& ZAV_SetIndex::FreeEntryFor(uint32_t strong) {
 }
 
 ZAV_SetIndex::Place ZAV_SetIndex::Find(const Sought& sought) const {
-    Place place = {nullptr, 0, false};
+    Place place = {nullptr, NONE, false};
     if (!mCount) return place;
     for (uint32_t i = sought.mStrong >> (32 - mEntryBits); mEntries[i].mElement; i = (i + 1) & mEntryMask) {
         const Entry& e = mEntries[i];
@@ -131,15 +131,15 @@ ZAV_SetIndex::Place ZAV_SetIndex::Find(const Sought& sought) const {
         place.mOneSided = sought.mBrief.IsWrapped() && !e.mBrief.IsWrapped();
         if (place.mOneSided) continue;
         place.mElement = e.mElement;
-        place.mSlot = e.mSlot;
+        place.mEntry = i;
         break;
     }
     return place;
 }
 
-uint32_t ZAV_SetIndex::EmptyFrom(uint32_t hash) const {
-    const uint32_t home = HomeOf(hash), word = home / 64;
-    const uint64_t clear = ~mOccupied[word] & (~uint64_t{0} >> (63 - home % 64));
+uint32_t ZAV_SetIndex::EmptyDown(uint32_t slot) const {
+    const uint32_t word = slot / 64;
+    const uint64_t clear = ~mOccupied[word] & (~uint64_t{0} >> (63 - slot % 64));
     if (clear) return word * 64 + 63 - static_cast<uint32_t>(std::countl_zero(clear));
     uint32_t next = word == 0 ? NONE : ClearBitDown(mFull, word - 1);
     if (next == NONE) next = ClearBitDown(mFull, mMask / 64);
@@ -169,13 +169,18 @@ void ZAV_SetIndex::Vacate(uint32_t slot) {
     mFull[slot / 4096] &= ~(uint64_t{1} << slot / 64 % 64);
 }
 
-bool ZAV_SetIndex::Insert(ZAV_CltObject* o, const Sought& key, uint32_t slot, uint32_t hash) {
+bool ZAV_SetIndex::AddEntry(ZAV_CltObject* o, const Sought& key, uint32_t slot) {
     const uint64_t room = mEntries ? uint64_t{mEntryMask} + 1 : 0;
     if (mCount >= room * 13 / 16 && !GrowEntries()) return false;
     FreeEntryFor(key.mStrong) = {o, key.mStrong, slot, key.mBrief};
+    ++mCount;
+    return true;
+}
+
+bool ZAV_SetIndex::Insert(ZAV_CltObject* o, const Sought& key, uint32_t slot, uint32_t hash) {
+    if (!AddEntry(o, key, slot)) return false;
     mHashes[slot] = {key.mStrong, hash};
     Occupy(slot);
-    ++mCount;
     return true;
 }
 
@@ -194,23 +199,6 @@ void ZAV_SetIndex::EraseEntry(Entry& e) {
         hole = i;
     }
     mEntries[hole].mElement = nullptr;
-}
-
-void ZAV_SetIndex::Remove(ZAV_CltObject** slots, uint32_t slot) {
-    EraseEntry(EntryOf(mHashes[slot].mStrong, slots[slot]));
-    uint32_t hole = slot;
-    for (uint32_t i = (slot - 1) & mMask; i != slot && IsOccupied(i); i = (i - 1) & mMask) {
-        // An element whose home lies below the hole is found without it.
-        const uint32_t home = HomeOf(mHashes[i].mHash);
-        if (((home - i) & mMask) < ((hole - i) & mMask)) continue;
-        EntryOf(mHashes[i].mStrong, slots[i]).mSlot = hole;
-        mHashes[hole] = mHashes[i];
-        slots[hole] = slots[i];
-        hole = i;
-    }
-    slots[hole] = ZAV_Nil();
-    Vacate(hole);
-    --mCount;
 }
 
 void ZAV_SetIndex::TakeAll(ZAV_CltObject** slots, ZAV_SetIndex& from, ZAV_CltObject* const* fromSlots) {

@@ -1,6 +1,8 @@
 #ifndef ZAVBASE_COLLECTIONS_SET_INDEX_INTERNAL_H
 #define ZAVBASE_COLLECTIONS_SET_INDEX_INTERNAL_H
 
+#include <bit>
+#include <cstdlib>
 #include <memory>
 
 #include <zavbase/collections/strong_hash_internal.h>
@@ -15,8 +17,9 @@
 ///   - a bit for each occupied slot, and one for each 64 of them that are all occupied: the free slot below a
 ///     home slot is found by words, and iteration skips what is empty,
 ///   - for each occupied slot the strong hash and the element's own hash: a larger table is filled, and a gap
-///     is closed after a removal, without touching the elements. Closing a gap still moves as many elements as
-///     the table's rule moves, which may be the rest of the cluster.
+///     is closed after a removal, without touching the elements,
+///   - notes of removals from long clusters, and of what is added after them: the slots are put right for all
+///     of these together, by Settle, before anybody looks at them.
 /// It serves elements of the classes that zav_strong::View sees through, and is given up for a table that
 /// gets another one. Its memory is optional: where there is none, the table does without.
 class ZAV_SetIndex {
@@ -45,7 +48,7 @@ public:
 
     struct Place {
         ZAV_CltObject* mElement; ///< the equal element, or null
-        uint32_t mSlot;          ///< its slot
+        uint32_t mEntry;         ///< for SlotOf
         bool mOneSided;          ///< there is an element with the same key that does not call itself equal
     };
 
@@ -57,9 +60,26 @@ public:
     ~ZAV_SetIndex();
 
     uint32_t Count() const { return mCount; }
+    /// Slots walked so far to take elements out.
+    uint64_t Steps() const { return mSteps; }
     Place Find(const Sought& sought) const;
+    static uint32_t LowestBit(uint64_t bits) { return static_cast<uint32_t>(std::countr_zero(bits)); }
+
+    /// Puts an element in that is not there; false when the index cannot: the table is full or memory is.
+    bool Add(ZAV_CltObject** slots, ZAV_CltObject* o, const Sought& key, uint32_t hash);
+    /// Takes the element with the key out, which is that of `o`, and returns it; null if there is none.
+    ZAV_CltObject* Take(ZAV_CltObject** slots, const Sought& key, const ZAV_CltObject* o);
+    /// Puts the slots right. Needs no memory, and looks at no element.
+    void Settle(ZAV_CltObject** slots) {
+        if (IsPending()) PutRight(slots);
+    }
+
+    // These are for slots that are settled.
+
+    /// The slot of an element found.
+    uint32_t SlotOf(ZAV_CltObject* const* slots, const Place& place);
     /// The first empty slot from the home slot of a hash down; NONE when the table is full.
-    uint32_t EmptyFrom(uint32_t hash) const;
+    uint32_t EmptyFrom(uint32_t hash) const { return EmptyDown(HomeOf(hash)); }
     /// The first occupied slot from `slot` up; NONE if there is none.
     uint32_t OccupiedFrom(uint32_t slot) const;
 
@@ -75,13 +95,60 @@ private:
     struct Entry {
         ZAV_CltObject* mElement; ///< null when free
         uint32_t mStrong;
-        uint32_t mSlot;
+        uint32_t mSlot; ///< where it was put, or NOTED and the place among mAdded
         zav_strong::Brief mBrief;
     };
     struct Hashes {
         uint32_t mStrong;
         uint32_t mHash;
     };
+    struct Removed {
+        ZAV_CltObject* mElement; ///< may be dead
+        uint32_t mHash;
+    };
+    struct Added {
+        ZAV_CltObject* mElement; ///< null when taken out again
+        uint32_t mStrong;
+        uint32_t mHash;
+    };
+
+    /// Notes in order; there may be no memory for another one.
+    template <class T>
+    class Notes {
+    public:
+        Notes() : mFirst(nullptr), mSize(0), mRoom(0) {}
+        ~Notes() { std::free(mFirst); }
+        Notes(const Notes&) = delete;
+        void operator=(const Notes&) = delete;
+
+        bool Push(const T& t) {
+            if (mSize == mRoom && !Grow()) return false;
+            mFirst[mSize++] = t;
+            return true;
+        }
+        void Pop() { --mSize; }
+        void Clear() { mSize = 0; }
+        uint32_t Size() const { return mSize; }
+        T& operator[](uint32_t i) { return mFirst[i]; }
+        T* begin() { return mFirst; }
+        T* end() { return mFirst + mSize; }
+
+    private:
+        bool Grow() {
+            const uint32_t room = mRoom * 2 + 64;
+            void* p = std::realloc(static_cast<void*>(mFirst), room * sizeof(T));
+            if (!p) return false;
+            mFirst = static_cast<T*>(p);
+            mRoom = room;
+            return true;
+        }
+
+        T* mFirst;
+        uint32_t mSize;
+        uint32_t mRoom;
+    };
+
+    static const uint32_t NOTED = 0x80000000u;
 
     explicit ZAV_SetIndex(uint32_t nbits);
     ZAV_SetIndex(const ZAV_SetIndex&) = delete;
@@ -91,6 +158,15 @@ private:
     bool MakeEntries(uint32_t nbits);
     bool GrowEntries();
     Entry& FreeEntryFor(uint32_t strong);
+    bool IsPending() const { return mRemoved.Size() + mAdded.Size() != 0; }
+    bool AddEntry(ZAV_CltObject* o, const Sought& key, uint32_t slot);
+    bool Locate(ZAV_CltObject* const* slots, Entry& e, uint32_t steps);
+    bool IsFarFromTheEnd(ZAV_CltObject* const* slots, Entry& e);
+    bool Note(ZAV_CltObject** slots, Entry& e, uint32_t hash);
+    void PutRight(ZAV_CltObject** slots);
+    void CloseGaps(ZAV_CltObject** slots, const Removed* first, const Removed* last);
+    uint32_t EmptyDown(uint32_t slot) const;
+    uint32_t TopOf(uint32_t slot) const;
     uint32_t HomeOf(uint32_t hash) const { return hash * 0x9E3779B9u >> (32 - mNbits); }
     Entry& EntryOf(uint32_t strong, const ZAV_CltObject* o) const;
     void EraseEntry(Entry& e);
@@ -104,6 +180,9 @@ private:
     Hashes* mHashes;     // by slot; nothing for empty ones
     uint64_t* mOccupied; // a bit for each slot
     uint64_t* mFull;     // a bit for each word of mOccupied
+    uint64_t mSteps;
+    Notes<Removed> mRemoved;
+    Notes<Added> mAdded;
 
     // Sized by the number of elements, not of slots. A home is the top bits of the strong hash, probing goes
     // up.
