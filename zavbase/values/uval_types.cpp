@@ -303,6 +303,30 @@ ZAV_DEFINE_UVAL(ZAV_UValUTFString, UVAL_UTFSTRING, ZAV_UValText)
 ZAV_DEFINE_UVAL(ZAV_UValPtr, UVAL_PTR, ZAV_UValArray, UVAL_FAMILY_PTR)
 #undef ZAV_DEFINE_UVAL
 
+// Hosts derive from the classes and call what these have from their templates, which an optimiser that sees
+// the whole library would otherwise find unused.
+template class ZAV_UValArray<char, char>;
+template class ZAV_UValArray<unsigned char, unsigned char>;
+template class ZAV_UValArray<short, short>;
+template class ZAV_UValArray<unsigned short, unsigned short>;
+template class ZAV_UValArray<zav_long32, long>;
+template class ZAV_UValArray<zav_ulong32, unsigned long>;
+template class ZAV_UValArray<float, float>;
+template class ZAV_UValArray<double, double>;
+template class ZAV_UValArray<ZAV_String, const ZAV_String&>;
+template class ZAV_UValArray<ZAV_UTFString, const ZAV_UTFString&>;
+template class ZAV_UValArray<void*, void*>;
+template class ZAV_UValNumber<char, char>;
+template class ZAV_UValNumber<unsigned char, unsigned char>;
+template class ZAV_UValNumber<short, short>;
+template class ZAV_UValNumber<unsigned short, unsigned short>;
+template class ZAV_UValNumber<zav_long32, long>;
+template class ZAV_UValNumber<zav_ulong32, unsigned long>;
+template class ZAV_UValNumber<float, float>;
+template class ZAV_UValNumber<double, double>;
+template class ZAV_UValText<ZAV_String>;
+template class ZAV_UValText<ZAV_UTFString>;
+
 ZAV_UVal* ZAV_NewUVal(ZAV_UValType type, long dimension, void* buffer) {
     switch (type) {
     case UVAL_CHAR:
