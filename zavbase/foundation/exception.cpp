@@ -1,6 +1,7 @@
 #include <zavbase/foundation/exception.h>
 
 #include <zavbase/foundation/exception_internal.h>
+#include <zavbase/foundation/process_hooks_internal.h>
 #include <zavbase/os/error.h>
 #include <zavbase/strings/byte_string.h>
 
@@ -92,6 +93,9 @@ ZAV_MemoryException* ZAV_StaticMemoryException() {
     static ZAV_MemoryException* const exception = new (storage) ZAV_MemoryException(B_FALSE);
     return exception;
 }
+
+static ZAV_ProcessHooks hooks(
+    ZAV_ProcessHooks::kMade, [] { ZAV_StaticMemoryException(); }, nullptr, nullptr);
 
 void ZAV_ThrowMemoryException() { throw ZAV_StaticMemoryException(); }
 

@@ -5,6 +5,7 @@
 #include <new>
 
 #include <zavbase/foundation/exception_internal.h>
+#include <zavbase/foundation/process_hooks_internal.h>
 #include <zavbase/foundation/side_table_internal.h>
 
 namespace {
@@ -36,6 +37,9 @@ Record* NewRecord(const ZAV_Exception* owner, ZAV_ExceptionContext context) {
 }
 
 constinit ZAV_SideTable theRecords;
+
+ZAV_SpinLock& RecordsLock() { return theRecords.Lock(); }
+ZAV_LockOverFork<RecordsLock> overFork(ZAV_ProcessHooks::kTables);
 
 const Record* Find(const ZAV_Exception* e) { return static_cast<Record*>(theRecords.Find(e)); }
 

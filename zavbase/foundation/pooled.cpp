@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <utility>
 
 #include <zavbase/foundation/block_depot_internal.h>
+#include <zavbase/foundation/process_hooks_internal.h>
 #include <zavbase/os/memory.h>
 
 // Each thread has two magazines a size class: arrays of free blocks. It takes from and gives to the current
@@ -14,7 +16,7 @@
 namespace {
 
 // The sizes of values, entries and events with a number or two, and what lies between.
-const std::uint32_t kSizes[] = {32, 48, 64, 112, 128};
+constexpr std::uint32_t kSizes[] = {32, 48, 64, 112, 128};
 const std::size_t kClasses = sizeof kSizes / sizeof *kSizes;
 const std::size_t kLargest = kSizes[kClasses - 1];
 const std::size_t kStep = 16;
@@ -32,30 +34,31 @@ struct Magazine {
 struct ThreadCache {
     Magazine* current[kClasses];
     Magazine* spare[kClasses];
-    bool ended; // the thread's end was told: nothing may be left here any more
 };
 static_assert(sizeof(ThreadCache) <= zav_os::kThreadBlockSize);
 
-constinit ThreadCache theNoCache = {}; // has no magazines; a new thread's until it needs one
+// Has no magazines: that of a new thread until it needs one, and of an ending one that gave its own back.
+constinit ThreadCache theNoCache = {};
 thread_local constinit ThreadCache* tCache = &theNoCache;
 
-// Never destroyed: objects may outlive static ones.
-ZAV_BlockDepot& Depot(std::size_t c) {
-    static ZAV_BlockDepot* const depots[kClasses] = {
-        new ZAV_BlockDepot(kSizes[0]), new ZAV_BlockDepot(kSizes[1]), new ZAV_BlockDepot(kSizes[2]),
-        new ZAV_BlockDepot(kSizes[3]), new ZAV_BlockDepot(kSizes[4])};
-    return *depots[c];
-}
+// Built by the compiler and never destroyed: objects may be made before static ones, and outlive them.
+constinit ZAV_BlockDepot theDepots[kClasses] = {ZAV_BlockDepot(kSizes[0]), ZAV_BlockDepot(kSizes[1]),
+                                                ZAV_BlockDepot(kSizes[2]), ZAV_BlockDepot(kSizes[3]),
+                                                ZAV_BlockDepot(kSizes[4])};
 
 void Empty(std::size_t c, Magazine& magazine) {
-    Depot(c).Put(magazine.blocks, magazine.count);
+    theDepots[c].Put(magazine.blocks, magazine.count);
     magazine.count = 0;
 }
 
-// The blocks are taken from the end; so the lowest address goes there.
+// The blocks are taken from the end; so the lowest address goes there. The magazine was empty, but a
+// new-handler that gave objects back may have filled it meanwhile.
 void Fill(std::size_t c, Magazine& magazine) {
-    magazine.count = Depot(c).Take(magazine.blocks, kMagazineSize);
-    std::reverse(magazine.blocks, magazine.blocks + magazine.count);
+    void* blocks[kMagazineSize];
+    const unsigned count = theDepots[c].Take(blocks, kMagazineSize);
+    if (magazine.count != 0) return theDepots[c].Put(blocks, count);
+    std::reverse_copy(blocks, blocks + count, magazine.blocks);
+    magazine.count = count;
 }
 
 // Takes a magazine of the thread's away; it may be none.
@@ -66,53 +69,85 @@ void GiveBack(std::size_t c, Magazine*& magazine) {
     magazine = nullptr;
 }
 
-// Gives what an ending thread holds back. Blocks that destructors of its thread-local objects use later do
-// not stay with the thread.
+// Gives what an ending thread holds back. What its later destructors make and destroy does not stay with it.
 void EndCache(void* block) {
     ThreadCache& cache = *static_cast<ThreadCache*>(block);
-    cache.ended = true;
+    if (tCache == &cache) tCache = &theNoCache;
     for (std::size_t c = 0; c < kClasses; ++c) {
         GiveBack(c, cache.current[c]);
         GiveBack(c, cache.spare[c]);
     }
 }
 
-ThreadCache& OwnCache() {
+// Null without memory, and when the thread's end was told.
+ThreadCache* OwnCache() {
     if (tCache == &theNoCache) {
         void* block = zav_os::ThreadBlock(EndCache);
-        if (block == nullptr) throw std::bad_alloc();
+        if (block == nullptr) return nullptr;
         tCache = static_cast<ThreadCache*>(block);
     }
-    return *tCache;
+    return tCache;
 }
 
 // The spare one in place of the current; made if there is none yet.
-Magazine*& NextMagazine(ThreadCache& cache, std::size_t c) {
+Magazine& NextMagazine(ThreadCache& cache, std::size_t c) {
     std::swap(cache.current[c], cache.spare[c]);
-    if (cache.current[c] == nullptr) cache.current[c] = new Magazine;
-    return cache.current[c];
+    if (cache.current[c] == nullptr) {
+        std::unique_ptr<Magazine> made(new Magazine);
+        if (cache.current[c] == nullptr)
+            cache.current[c] = made.release(); // a new-handler may have been here
+    }
+    return *cache.current[c];
 }
 
+bool CanTake(const Magazine* magazine) { return magazine != nullptr && magazine->count != 0; }
+bool CanGive(const Magazine* magazine) { return magazine != nullptr && magazine->count != kMagazineSize; }
+
 void* AllocateSlow(std::size_t c) {
-    ThreadCache& cache = OwnCache();
-    Magazine*& current = NextMagazine(cache, c);
-    if (current->count == 0) Fill(c, *current);
-    void* block = current->blocks[--current->count];
-    if (cache.ended) GiveBack(c, current);
+    void* block;
+    if (ThreadCache* cache = OwnCache()) {
+        while (!CanTake(cache->current[c])) {
+            Magazine& next = NextMagazine(*cache, c);
+            if (next.count == 0) Fill(c, next);
+        }
+        Magazine& current = *cache->current[c];
+        block = current.blocks[--current.count];
+    } else {
+        theDepots[c].Take(&block, 1);
+    }
     return block;
 }
 
 void ReleaseSlow(std::size_t c, void* block) noexcept {
     try {
-        ThreadCache& cache = OwnCache();
-        Magazine*& current = NextMagazine(cache, c);
-        if (current->count == kMagazineSize) Empty(c, *current);
-        current->blocks[current->count++] = block;
-        if (cache.ended) GiveBack(c, current);
+        if (ThreadCache* cache = OwnCache()) {
+            while (!CanGive(cache->current[c])) {
+                Magazine& next = NextMagazine(*cache, c);
+                if (next.count == kMagazineSize) Empty(c, next);
+            }
+            Magazine& current = *cache->current[c];
+            current.blocks[current.count++] = block;
+            return;
+        }
     } catch (...) { // no memory for a magazine
-        Depot(c).Put(&block, 1);
     }
+    theDepots[c].Put(&block, 1);
 }
+
+void LockDepots() {
+    for (ZAV_BlockDepot& depot : theDepots) depot.lock();
+}
+
+void UnlockDepots(bool) {
+    for (ZAV_BlockDepot& depot : theDepots) depot.unlock();
+}
+
+void GiveAllBack() {
+    zav_os::EndThreadBlocks();
+    for (ZAV_BlockDepot& depot : theDepots) depot.GiveBackSlabs();
+}
+
+ZAV_ProcessHooks hooks(ZAV_ProcessHooks::kBlocks, LockDepots, UnlockDepots, GiveAllBack);
 
 #if defined(__SANITIZE_ADDRESS__)
 const bool kPooled = false; // so that the sanitizer sees a use of a destroyed object
@@ -126,7 +161,7 @@ void* ZAV_Pooled::operator new(std::size_t size) {
     if (!kPooled || size > kLargest) return ::operator new(size);
     const std::size_t c = ClassOf(size);
     Magazine* current = tCache->current[c];
-    if (current == nullptr || current->count == 0) return AllocateSlow(c);
+    if (!CanTake(current)) return AllocateSlow(c);
     const unsigned rest = --current->count;
     if (rest >= kAhead) __builtin_prefetch(current->blocks[rest - kAhead], 1);
     return current->blocks[rest];
@@ -137,7 +172,7 @@ void ZAV_Pooled::operator delete(void* block, std::size_t size) noexcept {
     if (!kPooled || size > kLargest) return ::operator delete(block);
     const std::size_t c = ClassOf(size);
     Magazine* current = tCache->current[c];
-    if (current != nullptr && current->count != kMagazineSize)
+    if (CanGive(current))
         current->blocks[current->count++] = block;
     else
         ReleaseSlow(c, block);

@@ -9,8 +9,9 @@
 /// Base of classes whose objects are made and destroyed by the million, perhaps on different threads: events,
 /// values and the entries of their dictionaries, keys and associations. Blocks of up to 128 bytes come from a
 /// store of the process, of which each thread keeps a few at hand, and go back to it when the object is
-/// destroyed on whichever thread; larger ones come from the heap. The base has no data. The store never gives
-/// memory back to the heap; it holds as much as the largest number of such objects ever alive needed.
+/// destroyed on whichever thread; larger ones come from the heap. The base has no data. The store holds as
+/// much as the largest number of such objects ever alive needed. When the library is unloaded from a running
+/// process, it gives that back to the heap, but for slabs of two megabytes of which an object is still alive.
 class ZAV_API ZAV_Pooled {
 public:
     static void* operator new(std::size_t size);

@@ -1,5 +1,6 @@
 #include <zavbase/foundation/trace_stream.h>
 
+#include <zavbase/foundation/process_hooks_internal.h>
 #include <zavbase/foundation/side_table_internal.h>
 #include <zavbase/os/console.h>
 
@@ -19,6 +20,8 @@ struct OwnBuffer : ZAV_SideEntry {
     char mText[zav_os::kTracePiece];
 };
 constinit ZAV_SideTable theOwnBuffers;
+ZAV_SpinLock& OwnBuffersLock() { return theOwnBuffers.Lock(); }
+ZAV_LockOverFork<OwnBuffersLock> buffersOverFork(ZAV_ProcessHooks::kTables);
 
 OwnBuffer* OwnBufferOf(const ZAV_FuncStrmbuf* owner) {
     if (ZAV_SideEntry* made = theOwnBuffers.Find(owner)) return static_cast<OwnBuffer*>(made);
@@ -95,7 +98,7 @@ int ZAV_FuncStrmbuf::syncout() {
 namespace {
 
 // The reference dout is bound by the compiler; the objects are made with the first of the library's static
-// objects and are never destroyed, since threads may trace to the very end.
+// objects and live as long as the process, since threads may trace to the very end.
 template <class T>
 union Immortal {
     constexpr Immortal() : none(0) {}
@@ -114,6 +117,12 @@ struct MakeStream {
     }
 };
 __attribute__((init_priority(200))) MakeStream makeStream;
+
+void EndStream() {
+    theStream.object.~basic_ostream();
+    theBuffer.object.~ZAV_FuncStrmbuf();
+}
+ZAV_ProcessHooks streamHooks(ZAV_ProcessHooks::kTraceLines, nullptr, nullptr, EndStream);
 
 constinit std::atomic<void (*)(const char*, int)> theTraceFunc{nullptr};
 

@@ -3,7 +3,10 @@
 #include <zavbase/collections/clt_string.h>
 #include <zavbase/collections/collection.h>
 #include <zavbase/collections/iterator.h>
+#include <zavbase/foundation/process_hooks_internal.h>
 #include <zavbase/foundation/trace_stream.h>
+#include <zavbase/os/clock.h>
+#include <zavbase/os/lock.h>
 #include <zavbase/values/assoc_uval.h>
 #include <zavbase/values/value_dict.h>
 
@@ -13,7 +16,6 @@
 #include <iterator>
 #include <mutex>
 #include <sstream>
-#include <thread>
 
 namespace {
 
@@ -28,23 +30,52 @@ union Table {
 };
 constinit Table theTable;
 
-// A mutex is not built by the compiler everywhere; a flag is. Its wait is not used, as it misses
-// notifications in the Windows run-time library; the table is in use for moments only.
-constinit std::atomic_flag theTableInUse;
-class TableLock {
-public:
-    TableLock() {
-        while (theTableInUse.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
-    }
-    ~TableLock() { theTableInUse.clear(std::memory_order_release); }
-};
+constinit zav_os::Lock theTableLock;
+zav_os::Lock& TableLock() { return theTableLock; }
+ZAV_LockOverFork<TableLock> tableOverFork(ZAV_ProcessHooks::kTables);
+
+constinit zav_os::Lock theLineLock;
+constinit thread_local unsigned tLines = 0;        // that this thread is writing, one inside the other
+constinit std::atomic<bool> theForkIsFirst{false}; // before those who would write the next line
 
 // Lines are written and streams are set under this lock. It is taken again by a thread whose sink writes
 // trace lines or sets streams itself.
-std::recursive_mutex& LineLock() {
-    static std::recursive_mutex* const lock = new std::recursive_mutex;
-    return *lock;
+class LineLock {
+public:
+    LineLock() {
+        if (tLines++ != 0) return;
+        while (theForkIsFirst) zav_os::Sleep(1);
+        theLineLock.lock();
+    }
+    ~LineLock() {
+        if (--tLines == 0) theLineLock.unlock();
+    }
+    LineLock(const LineLock&) = delete;
+    LineLock& operator=(const LineLock&) = delete;
+};
+
+const int kLongestForkDelay = 1000; // milliseconds
+constinit bool theForkHasLines = false;
+
+// A sink is the host's and may wait for what the forking thread holds, so that does not wait for ever. A
+// child made in the middle of a line finds the lock free all the same.
+void TakeLines() {
+    theForkIsFirst = true;
+    for (int ms = 0; tLines == 0 && ms < kLongestForkDelay && !theForkHasLines; ++ms) {
+        theForkHasLines = theLineLock.try_lock();
+        if (!theForkHasLines) zav_os::Sleep(1);
+    }
 }
+
+void LeaveLines(bool inChild) {
+    if (theForkHasLines)
+        theLineLock.unlock();
+    else if (inChild && tLines == 0)
+        theLineLock.Forget();
+    theForkHasLines = theForkIsFirst = false;
+}
+
+ZAV_ProcessHooks linesOverFork(ZAV_ProcessHooks::kTraceLines, TakeLines, LeaveLines, nullptr);
 
 template <class T>
 std::atomic_ref<T> Shared(T& field) {
@@ -59,7 +90,7 @@ bool IsInUse(const std::ostream* stream) {
 }
 
 void SetStream(ZAV_Tracer& tracer, std::ostream* stream) {
-    std::lock_guard<std::recursive_mutex> lock(LineLock());
+    const LineLock lock;
     Shared(tracer.mStreamP) = stream;
 }
 
@@ -80,7 +111,7 @@ ZAV_Tracer::~ZAV_Tracer() {
 }
 
 ZAV_Tracer* ZAV_Tracer::FindOrCreate(const char* name) {
-    TableLock lock;
+    const std::lock_guard<zav_os::Lock> lock(theTableLock);
     ZAV_Tracer* free = nullptr;
     for (ZAV_Tracer& slot : theTable.slots) {
         if (slot.mName[0]) {
@@ -133,7 +164,7 @@ void ZAV_Tracer::Initialize(ZAV_UValDict& dict) {
 void ZAV_Tracer::GetNameList(ZAV_Collection* collection) {
     int named = 0;
     {
-        TableLock lock;
+        const std::lock_guard<zav_os::Lock> lock(theTableLock);
         for (const ZAV_Tracer& slot : theTable.slots) named += slot.mName[0] != 0;
     }
     while (named-- > 0) collection->Add(new (std::nothrow) ZAV_CltString(""));
@@ -152,7 +183,7 @@ std::ostream* ZAV_TraceLine::Sink(ZAV_Tracer*& cache, const char* name, long lev
 
 // The parts are formatted as the sink itself would format them.
 ZAV_TraceLine::ZAV_TraceLine(std::ostream& sink) : mSink(sink), mParts(new std::ostringstream) {
-    std::lock_guard<std::recursive_mutex> lock(LineLock());
+    const LineLock lock;
     if (IsInUse(&sink)) mParts->copyfmt(sink);
     mParts->exceptions(std::ios_base::goodbit);
 }
@@ -164,7 +195,7 @@ std::ostream& ZAV_TraceLine::Parts() { return *mParts; }
 void ZAV_TraceLine::End() {
     *mParts << '\n';
     std::string line = static_cast<std::ostringstream*>(mParts)->str();
-    std::lock_guard<std::recursive_mutex> lock(LineLock());
+    const LineLock lock;
     if (!IsInUse(&mSink)) return;
     mSink.write(line.data(), static_cast<std::streamsize>(line.size()));
     mSink.flush();

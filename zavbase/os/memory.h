@@ -10,11 +10,15 @@ namespace zav_os {
 /// smaller ones it does nothing.
 void AdviseRandomUse(void* block, std::size_t size);
 
-/// Zeroed memory of the calling thread, the same with each call; null without memory. When the thread ends,
-/// `atEnd` is called there with it. What the thread still does after that may find the memory as `atEnd` left
-/// it, or fresh memory whose end is not told.
+/// Zeroed memory of the calling thread, the same with each call. When the thread ends, `atEnd` is called
+/// there with it, and it is gone when that returns. The thread has none after that, however late in its end
+/// it asks: null then, and without memory. There is one `atEnd` for all threads.
 const unsigned kThreadBlockSize = 128;
 void* ThreadBlock(void (*atEnd)(void*)) noexcept;
+
+/// For the unloading of the library: calls `atEnd` for every thread that has such memory, all on the calling
+/// thread, and gives back what the system keeps for it. No thread gets any after that.
+void EndThreadBlocks() noexcept;
 
 } // namespace zav_os
 

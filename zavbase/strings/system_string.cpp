@@ -3,17 +3,21 @@
 #include <memory>
 #include <ostream>
 
+#include <zavbase/foundation/process_hooks_internal.h>
 #include <zavbase/strings/text_encoding.h>
 
 ZAV_DEFINE_CLASS(ZAV_SystemString, ZAV_Object)
 
 namespace {
 
-// Never destroyed, so that static objects of a host may still convert while they go.
+// Lives as long as the process, so that static objects of a host may still convert while they go.
 ZAV_TextEncodingConverter& converter() {
     static ZAV_TextEncodingConverter& theConverter = *new ZAV_TextEncodingConverter;
     return theConverter;
 }
+
+ZAV_ProcessHooks hooks(
+    ZAV_ProcessHooks::kMade, [] { converter(); }, nullptr, [] { delete &converter(); });
 
 } // namespace
 

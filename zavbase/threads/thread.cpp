@@ -5,6 +5,7 @@
 #include <zavbase/collections/integer.h>
 #include <zavbase/collections/iterator.h>
 #include <zavbase/foundation/exception_internal.h>
+#include <zavbase/foundation/process_hooks_internal.h>
 #include <zavbase/os/clock.h>
 #include <zavbase/os/error.h>
 #include <zavbase/os/thread.h>
@@ -39,7 +40,7 @@ struct Run {
 };
 
 Run* runs = nullptr;
-thread_local Run* ownRun = nullptr;
+constinit thread_local Run* ownRun = nullptr;
 
 Run::Run(ZAV_Thread* object) : thread(object), next(runs) {
     if (next) next->previous = this;
@@ -77,7 +78,7 @@ ZAV_ThreadError LastOSError() { return ZAV_ThreadError::MapOSError(static_cast<i
 
 } // namespace
 
-// Threads may run on while the process tears down its static objects: these two are never destroyed.
+// Threads may run on while the process tears down its static objects: these two live as long as the process.
 ZAV_Dictionary& ZAV_Thread::threads() {
     static ZAV_Dictionary& dictionary = *new ZAV_Dictionary(16);
     return dictionary;
@@ -87,6 +88,36 @@ ZAV_Mutex& ZAV_Thread::threadsmutex() {
     static ZAV_Mutex& mutex = *new ZAV_Mutex;
     return mutex;
 }
+
+struct ZAV_LOCAL ZAV_Thread::OverFork {
+    static void Lock() {
+        threads();
+        new (held) ZAV_Mutex::Lock(threadsmutex(), B_FALSE);
+    }
+
+    static void Unlock(bool inChild) {
+        if (inChild && ownRun != nullptr && ownRun->thread != nullptr) Renumber(*ownRun->thread);
+        reinterpret_cast<ZAV_Mutex::Lock*>(held)->~Lock();
+    }
+
+    static void Unload() {
+        delete &threads();
+        delete &threadsmutex();
+    }
+
+private:
+    // The system knows the thread by another number in the child.
+    static void Renumber(ZAV_Thread& thread) noexcept {
+        if (FindThread(threads(), thread.mThreadId) != &thread) return;
+        thread.Unregister();
+        thread.mThreadId = zav_os::CurrentThreadId();
+        thread.Register();
+    }
+
+    alignas(ZAV_Mutex::Lock) inline static unsigned char held[sizeof(ZAV_Mutex::Lock)];
+    static ZAV_ProcessHooks hooks;
+};
+ZAV_ProcessHooks ZAV_Thread::OverFork::hooks(ZAV_ProcessHooks::kThreads, Lock, Unlock, Unload);
 
 ZAV_Thread::ZAV_Thread(ZAV_ThreadFlag flag)
     : mInfoString(), mHandle(kNoHandle), mThreadId(0), mRunning(B_FALSE), mFlag(flag),
@@ -166,6 +197,7 @@ void ZAV_Thread::precreate(void* argument) {
     create(argument);
     ZAV_Mutex::Lock guard(threadsmutex(), B_FALSE);
     delete static_cast<Run*>(argument);
+    ownRun = nullptr;
 }
 
 void ZAV_Thread::create(void* argument) {
@@ -202,7 +234,8 @@ void ZAV_Thread::create(void* argument) {
 ZAV_ThreadError ZAV_Thread::exit_thread() {
     {
         ZAV_Mutex::Lock guard(threadsmutex(), B_FALSE);
-        if (!caller_is_self()) return ZAV_ThreadError::MapOSError(22);
+        // Without a run, what calls this is a destructor of the thread's, and the thread has ended already.
+        if (!caller_is_self() || ownRun == nullptr) return ZAV_ThreadError::MapOSError(22);
         delete ownRun;
     }
     ZAV_SetThreadLinkHead(nullptr);

@@ -106,6 +106,8 @@ protected:
     void FinishThread();
 
 private:
+    struct ZAV_LOCAL OverFork;
+
     virtual void run() = 0;
     virtual void cleanup();
 

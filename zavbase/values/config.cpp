@@ -4,6 +4,7 @@
 #include <new>
 
 #include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/process_hooks_internal.h>
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/strings/system_string.h>
 #include <zavbase/values/value_dict.h>
@@ -117,6 +118,12 @@ void ZAV_ConfigCleanup() {
     delete theConfig;
     theConfig = nullptr;
 }
+
+namespace {
+
+ZAV_ProcessHooks hooks(ZAV_ProcessHooks::kMade, nullptr, nullptr, ZAV_ConfigCleanup);
+
+} // namespace
 
 ZAV_UValDict* ZAV_ConfigGet() { return theConfig; }
 

@@ -15,9 +15,6 @@ timespec Deadline(uint32_t milliseconds);
 bool FutexWait(const void* word, uint32_t value, const timespec* deadline);
 void FutexWake(const void* word, uint32_t threads);
 
-/// Frees the write locks that the calling thread still holds. Called at the end of every thread.
-void AbandonWriteLocks();
-
 } // namespace zav_os
 
 #endif

@@ -1,18 +1,43 @@
 #include <zavbase/os/memory.h>
 
+#include <zavbase/os/lock.h>
+#include <zavbase/os/posix/thread_end.h>
+
 #include <cstdint>
+#include <mutex>
 #include <sys/mman.h>
 
 namespace zav_os {
 
 namespace {
 
-alignas(16) thread_local constinit unsigned char ownBlock[kThreadBlockSize] = {};
-
-struct BlockEnd {
-    ~BlockEnd() { atEnd(ownBlock); }
-    void (*const atEnd)(void*);
+struct Block {
+    alignas(16) unsigned char bytes[kThreadBlockSize];
+    Block* next;
+    Block** place; // what refers to it in the list; null when the thread has it not
+    bool ended;
 };
+
+constinit thread_local Block ownBlock = {};
+
+constinit Lock blocksLock;
+constinit Block* blocks = nullptr; // of all threads
+typedef void (*AtEnd)(void*);
+constinit AtEnd blockEnd = nullptr;
+
+void Enlist(Block& block) {
+    block.next = blocks;
+    block.place = &blocks;
+    if (blocks != nullptr) blocks->place = &block.next;
+    blocks = &block;
+}
+
+void Unlist(Block& block) {
+    *block.place = block.next;
+    if (block.next != nullptr) block.next->place = block.place;
+    block.place = nullptr;
+    block.ended = true;
+}
 
 } // namespace
 
@@ -29,9 +54,41 @@ void AdviseRandomUse(void* block, std::size_t size) {
 }
 
 void* ThreadBlock(void (*atEnd)(void*)) noexcept {
-    static const thread_local BlockEnd end{atEnd};
-    static_cast<void>(end);
-    return ownBlock;
+    if (ownBlock.place != nullptr) return ownBlock.bytes;
+    if (ownBlock.ended || !ArmThreadEnd()) return nullptr;
+    const std::lock_guard<Lock> guard(blocksLock);
+    blockEnd = atEnd;
+    Enlist(ownBlock);
+    return ownBlock.bytes;
+}
+
+void EndOwnBlock() noexcept {
+    if (ownBlock.place == nullptr) return;
+    {
+        const std::lock_guard<Lock> guard(blocksLock);
+        Unlist(ownBlock);
+    }
+    blockEnd(ownBlock.bytes);
+}
+
+void EndThreadBlocks() noexcept {
+    DisarmThreadEnds();
+    const std::lock_guard<Lock> guard(blocksLock);
+    while (Block* block = blocks) {
+        Unlist(*block);
+        blockEnd(block->bytes);
+    }
+}
+
+void BlocksBeforeFork() noexcept { blocksLock.lock(); }
+
+// The memory of the other threads will be that of new ones.
+void BlocksAfterFork(bool inChild) noexcept {
+    if (inChild) {
+        blocks = nullptr;
+        if (ownBlock.place != nullptr) Enlist(ownBlock);
+    }
+    blocksLock.unlock();
 }
 
 } // namespace zav_os

@@ -1,5 +1,6 @@
 #include <zavbase/os/process.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -26,15 +27,14 @@ void ReadText(const char* path, char (&text)[size]) {
 }
 
 uint32_t BootNumber() {
-    static const uint32_t number = [] {
-        char text[64];
-        ReadText("/proc/sys/kernel/random/boot_id", text);
-        uint32_t hash = 2166136261u;
-        for (const char* p = text; *p && *p != '\n'; ++p)
-            hash = (hash ^ static_cast<unsigned char>(*p)) * 16777619u;
-        return hash;
-    }();
-    return number;
+    static constinit std::atomic<uint32_t> known{0}; // found out twice by threads that meet here
+    if (uint32_t hash = known) return hash;
+    char text[64];
+    ReadText("/proc/sys/kernel/random/boot_id", text);
+    uint32_t hash = 2166136261u;
+    for (const char* p = text; *p && *p != '\n'; ++p)
+        hash = (hash ^ static_cast<unsigned char>(*p)) * 16777619u;
+    return known = hash;
 }
 
 } // namespace

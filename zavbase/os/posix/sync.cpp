@@ -1,4 +1,5 @@
 #include <zavbase/os/posix/futex.h>
+#include <zavbase/os/posix/thread_end.h>
 
 #include <bit>
 #include <cerrno>
@@ -135,14 +136,7 @@ static_assert(sizeof(Writer) <= kSectionSize);
 Writer& WriterOf(const ReadWrite& lock) { return *static_cast<Writer*>(lock.section); }
 
 // The write locks that this thread holds, a ring with no end element.
-thread_local Writer* heldWriters = nullptr;
-
-// Other threads than the library's call nothing at their end; this destructor does it for them.
-struct ThreadEnd {
-    bool armed = false;
-    ~ThreadEnd() { AbandonWriteLocks(); }
-};
-thread_local ThreadEnd threadEnd;
+thread_local constinit Writer* heldWriters = nullptr;
 
 // A thread's address may be the next one's when it has ended, but then it holds no write lock any more.
 void* ThisThread() { return __builtin_thread_pointer(); }
@@ -150,7 +144,7 @@ void* ThisThread() { return __builtin_thread_pointer(); }
 bool IsOwner(const Writer& writer) { return writer.thread.load(std::memory_order_relaxed) == ThisThread(); }
 
 void Note(Writer& writer) {
-    threadEnd.armed = true;
+    ArmThreadEnd(); // other threads than the library's call nothing at their end
     writer.thread.store(ThisThread(), std::memory_order_relaxed);
     writer.depth = 1;
     writer.previous = nullptr;
@@ -201,6 +195,7 @@ bool TakeWriteSide(const ReadWrite& lock, bool tryOnly) {
 
 } // namespace
 
+// At the end of every thread.
 void AbandonWriteLocks() {
     while (heldWriters) FreeWriteSide(*heldWriters);
 }

@@ -1,10 +1,13 @@
 #include <zavbase/os/thread.h>
 
+#include <zavbase/os/lock.h>
 #include <zavbase/os/posix/futex.h>
+#include <zavbase/os/posix/thread_end.h>
 
 #include <cerrno>
 #include <climits>
 #include <csetjmp>
+#include <mutex>
 #include <new>
 #include <pthread.h>
 #include <sys/resource.h>
@@ -26,17 +29,37 @@ struct Thread {
     std::atomic<uint32_t> state{0};
     std::atomic<bool> joined{false}; ///< one of the waiters joins; the others wait for the state
     std::atomic<int> owners{2};
+    Thread *next, *previous; ///< under threadsLock
     jmp_buf end;
 };
 
-thread_local Thread* self = nullptr;
+constinit Lock threadsLock;
+constinit Thread* threads = nullptr;
+
+void Enlist(Thread& thread) {
+    const std::lock_guard<Lock> guard(threadsLock);
+    thread.next = threads;
+    thread.previous = nullptr;
+    if (threads != nullptr) threads->previous = &thread;
+    threads = &thread;
+}
+
+void Unlist(Thread& thread) {
+    const std::lock_guard<Lock> guard(threadsLock);
+    (thread.previous != nullptr ? thread.previous->next : threads) = thread.next;
+    if (thread.next != nullptr) thread.next->previous = thread.previous;
+}
+
+thread_local constinit Thread* self = nullptr;
 
 Thread* Of(uintptr_t handle) {
     return handle == 0 || handle == UINTPTR_MAX ? nullptr : reinterpret_cast<Thread*>(handle);
 }
 
 void Drop(Thread* thread) {
-    if (thread->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) delete thread;
+    if (thread->owners.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+    Unlist(*thread);
+    delete thread;
 }
 
 void* Main(void* argument) noexcept {
@@ -77,17 +100,36 @@ int Create(Thread& thread, unsigned stackSize) {
 
 } // namespace
 
+void ThreadsBeforeFork() noexcept { threadsLock.lock(); }
+
+// In the child all other threads have ended, without a word: who waits for them finds that they have.
+void ThreadsAfterFork(bool inChild) noexcept {
+    threadsLock.unlock();
+    if (!inChild) return;
+    for (Thread *thread = threads, *next; thread != nullptr; thread = next) {
+        next = thread->next;
+        if (thread == self) {
+            thread->id = CurrentThreadId();
+            continue;
+        }
+        thread->joined = true;
+        if (thread->state.exchange(kEnded) != kEnded) Drop(thread);
+    }
+}
+
 uintptr_t ThreadStart(void (*entry)(void*), void* argument, unsigned stackSize, uint32_t& id) {
     Thread* thread = new (std::nothrow) Thread;
     int error = ENOMEM;
     if (thread) {
         thread->entry = entry;
         thread->argument = argument;
+        Enlist(*thread);
         error = Create(*thread, stackSize);
         if (error == 0) {
             id = IdOf(*thread);
             return reinterpret_cast<uintptr_t>(thread);
         }
+        Unlist(*thread);
         delete thread;
     }
     errno = error;

@@ -1,0 +1,7 @@
+#include <zavbase/os/fork.h>
+
+namespace zav_os {
+
+void AtFork(void (*)(), void (*)(bool)) {}
+
+} // namespace zav_os
