@@ -1,12 +1,14 @@
 #include <zavbase/events/ev_registration_internal.h>
 
 #include <zavbase/events/ev_port_internal.h>
+#include <zavbase/foundation/process_hooks_internal.h>
 
 // Never destroyed, and not constinit: not every platform builds a std::mutex at compile time.
 std::mutex& ZAV_EvRegistration::Lock() {
     static std::mutex* const lock = new std::mutex;
     return *lock;
 }
+static ZAV_LockOverFork<ZAV_EvRegistration::Lock> overFork(ZAV_ProcessHooks::kListeners);
 
 ZAV_EvRegistration::ZAV_EvRegistration(ZAV_EvPort* held, ZAV_EvHandlerBody* handler)
     : port(held), mHandler(handler), mNextOfPort(held->mTies), mPlaceOfPort(&held->mTies) {

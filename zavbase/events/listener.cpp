@@ -8,6 +8,7 @@
 #include <zavbase/events/trace_internal.h>
 #include <zavbase/foundation/exception.h>
 #include <zavbase/foundation/new_handler.h>
+#include <zavbase/foundation/process_hooks_internal.h>
 
 ZAV_DEFINE_CLASS(ZAV_Listener, ZAV_Link)
 
@@ -23,6 +24,8 @@ Table& TheTable() {
     static Table* table = new Table;
     return *table;
 }
+std::mutex& TableLock() { return TheTable().lock; }
+ZAV_LockOverFork<TableLock> overFork(ZAV_ProcessHooks::kListeners, [] { delete &TheTable(); });
 
 } // namespace
 

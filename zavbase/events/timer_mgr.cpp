@@ -12,6 +12,7 @@
 #include <zavbase/events/ticks_internal.h>
 #include <zavbase/events/timer_queue_internal.h>
 #include <zavbase/events/trace_internal.h>
+#include <zavbase/foundation/process_hooks_internal.h>
 #include <zavbase/threads/time.h>
 #include <zavbase/values/config.h>
 
@@ -57,7 +58,38 @@ public:
     ZAV_TimerMgr* mManager;
 };
 
+ZAV_LockOverFork<TheCreationLock> creationOverFork(ZAV_ProcessHooks::kTimerManager);
+
 } // namespace
+
+// The manager's own locks, which are as wide as the process. Who else used it is not in the child.
+struct ZAV_LOCAL ZAV_TimerMgr::OverFork {
+    struct Held {
+        explicit Held(ZAV_TimerMgr& manager)
+            : timers(manager.mTimersMutex, B_FALSE), wakeUp(manager.mWakeUp) {}
+        ZAV_Mutex::Lock timers;
+        ZAV_MutexSignaller::Lock wakeUp;
+    };
+
+    static void Lock() {
+        theUsers.fetch_add(1);
+        ZAV_TimerMgr* const manager = TheManager().load();
+        held = manager != nullptr ? new (place) Held(*manager) : nullptr;
+    }
+
+    static void Unlock(bool inChild) {
+        if (held != nullptr) held->~Held();
+        if (inChild)
+            theUsers = 0;
+        else
+            theUsers.fetch_sub(1);
+    }
+
+    alignas(Held) inline static unsigned char place[sizeof(Held)];
+    inline static Held* held;
+    static ZAV_ProcessHooks hooks;
+};
+ZAV_ProcessHooks ZAV_TimerMgr::OverFork::hooks(ZAV_ProcessHooks::kTimers, Lock, Unlock, nullptr);
 
 ZAV_EventTimer::ZAV_EventTimer(long id, unsigned long start, unsigned long timeout,
                                ZAV_EvHandlerBody* handler, long priority)

@@ -94,6 +94,8 @@ protected:
     ZAV_MutexSignaller mWakeUp;
 
 private:
+    struct ZAV_LOCAL OverFork;
+
     ZAV_TimerStore& Store();
     bool FireOne(std::uint32_t& now);
     void QueueTimer(ZAV_EventTimer* timer);

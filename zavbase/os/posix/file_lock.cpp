@@ -29,8 +29,11 @@ int OpenOrCreate(const char* path) {
 
 FileLock::FileLock() : mHandle(-1) {}
 
+// A child that was made meanwhile has a copy of the descriptor, so closing this one is not enough.
 FileLock::~FileLock() {
-    if (mHandle >= 0) close(static_cast<int>(mHandle));
+    if (mHandle < 0) return;
+    flock(static_cast<int>(mHandle), LOCK_UN);
+    close(static_cast<int>(mHandle));
 }
 
 uint32_t FileLock::Take(const char* path) {
