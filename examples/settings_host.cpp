@@ -6,7 +6,7 @@
 #include <iostream>
 #include <string>
 
-#include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/exception_context.h>
 #include <zavbase/foundation/new_handler.h>
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/platform/file.h>
@@ -146,14 +146,7 @@ int main() {
         AskForWhatIsNotSo();
         done = StoreAndCompare();
     }
-    ZAV_CATCH(ZAV_FileException, e) {
-        const ZAV_UValTextError& error = ZAV_GetUValTextError();
-        std::cerr << *e;
-        if (error.mLine > 0)
-            std::cerr << ", line " << error.mLine << ": " << error.mMessage << " at " << error.mFound;
-        std::cerr << "\n";
-    }
-    ZAV_CATCH(ZAV_Exception, e) { std::cerr << *e << "\n"; }
+    ZAV_CATCH(ZAV_Exception, e) { std::cerr << "settings_host: " << ZAV_ExceptionLine(e) << "\n"; }
     ZAV_CATCH_END
     ZAV_ConfigCleanup();
     ZAV_Tracer::SetStreamP("BASE", nullptr);

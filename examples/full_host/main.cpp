@@ -128,7 +128,7 @@ void LoadModules(const std::string& folder, ZAV_SharedLib& plugIn, ZAV_SharedLib
     texts.Collect(plugIn);
     ZAV_SharedLib missing;
     ZAV_TRY { missing.Load("no_such_module", folder.c_str()); }
-    ZAV_CATCH(ZAV_FileException, e) { std::cout << "  no_such_module: " << *e << std::endl; }
+    ZAV_CATCH(ZAV_FileException, e) { std::cout << "  " << ZAV_ExceptionLine(e) << std::endl; }
     ZAV_CATCH_END
 }
 
@@ -210,7 +210,7 @@ int main(int argc, char** argv) {
     SetNewHandler(); // out of memory is an exception, not the end of the process
     int result = 1;
     ZAV_TRY { result = argc == 3 && std::string(argv[1]) == "--look" ? LookAtLock(argv[2]) : Run(argv[0]); }
-    ZAV_CATCH(ZAV_Exception, e) { std::cerr << "full_host: " << *e << std::endl; }
+    ZAV_CATCH(ZAV_Exception, e) { std::cerr << "full_host: " << ZAV_ExceptionLine(e) << std::endl; }
     ZAV_CATCH_END
     return result;
 }

@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+#include <zavbase/foundation/exception_context.h>
+
 #include "tests/support/file_support.h"
 #include "tests/support/printed.h"
 #include "tests/support/thrown.h"
@@ -39,8 +41,11 @@ bool IsInProcess(const std::string& name) {
 }
 
 /// "code/number" of the exception that loading ends with, "loaded" without one.
+/// The line for a user names the module.
 std::string Outcome(ZAV_SharedLib& lib, bool strict = false) {
     const auto e = Thrown<ZAV_FileException>([&] { strict ? lib.LoadStrict() : lib.Load(); });
+    const std::string line = e ? ZAV_ExceptionLine(e.get()).Ptr() : "";
+    EXPECT_TRUE(!e || line.find(std::string(lib.GetFullPath().GetSystemString().Ptr()) + ": ") == 0) << line;
     EXPECT_EQ(!e, lib.IsLoaded() == B_TRUE);
     return e ? std::to_string(e->mCode) + "/" + std::to_string(e->mOsError) : "loaded";
 }

@@ -66,6 +66,10 @@ expect(2 "no/folder.json: " zavconf export back.bin no/folder.json)
 
 # Nothing is granted, left out or half read in silence.
 expect(2 "no name for a lock" zavlock pool lock a::b)
+expect(2 "^zavlock: ${DATA}/broken.zav:4:3: .*hierarchy" zavlock ${DATA}/broken.zav list)
+expect(2 "^zavlock: no/pool: File exception: " zavlock no/pool lock a)
+file(WRITE ${WORK}/through.txt "<< /a 5 >>")
+expect(2 "^zavlock: through.txt: .*lock .a:b." zavlock through.txt lock a:b)
 expect(0 "^NOBODY_HAS_LOCK" zavlock pool unlock a:b)
 foreach(count 5x -5 99999999999999999999999)
     expect(2 "^usage: zavtrace" zavtrace --count ${count})
@@ -77,6 +81,8 @@ file(WRITE ${WORK}/defs.txt "<< /t (x) /n 5 /two [ (x) (y) ] >>")
 expect(1 "no text: n\n.*no text: two\n" zavmsg extract --defs defs.txt -o ${odd}.de)
 expect(0 "^$" zavmsg check --defs ${odd}.de ${odd}.de)
 expect(2 "no/such.po: cannot be read" zavmsg import no/such.po)
+expect(2 "^zavmsg: ${DATA}/broken.zav:4:3: .*hierarchy" zavmsg extract --defs ${DATA}/broken.zav)
+expect(2 "^zavmsg: no/out: File exception: " zavmsg extract -o no/out)
 expect(2 "de.po: neither" zavmod info de.po)
 
 # What only a system with a shell can be made to do: full disks, lack of memory, pipes without a writer.

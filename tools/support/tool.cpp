@@ -9,7 +9,6 @@
 #include <zavbase/foundation/exception_context.h>
 #include <zavbase/foundation/new_handler.h>
 #include <zavbase/strings/byte_string.h>
-#include <zavbase/values/uval_text.h>
 
 #include "console.h"
 
@@ -52,20 +51,6 @@ int RunTool(const char* name, int argc, char** argv, int (*work)(int argc, char*
     } catch (const std::bad_alloc&) {
         return Tell(name, "out of memory", TOOL_NO_MEMORY);
     }
-}
-
-std::string FailureLine(const ZAV_Exception* e, const std::string& path) {
-    const ZAV_UValTextError& place = ZAV_GetUValTextError();
-    ZAV_ExceptionContext known;
-    known.mPath = path.c_str();
-    if (place.mLine > 0) {
-        known.mLine = place.mLine;
-        known.mColumn = place.mColumn;
-        known.mReason = place.mMessage;
-        known.mFound = place.mFound;
-    }
-    ZAV_AddExceptionContext(e, known);
-    return ZAV_ExceptionLine(e).Ptr();
 }
 
 std::filesystem::path PathOf(const std::string& name) { return std::u8string(name.begin(), name.end()); }

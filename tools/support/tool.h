@@ -4,8 +4,6 @@
 #include <filesystem>
 #include <string>
 
-class ZAV_Exception;
-
 /// Exit codes that mean the same in every tool; 1 and 3 are each tool's own.
 enum ToolExit { TOOL_DONE = 0, TOOL_TROUBLE = 2, TOOL_NO_MEMORY = 4 };
 
@@ -19,9 +17,6 @@ struct ToolFailure {
 /// throws ends as one line on standard error and an exit code, a lack of memory too; and what could not be
 /// written to standard output is never taken for done.
 int RunTool(const char* name, int argc, char** argv, int (*work)(int argc, char** argv));
-
-/// What a user is told of an exception that has to do with the file: path, place and reason.
-std::string FailureLine(const ZAV_Exception* e, const std::string& path);
 
 /// Names are UTF-8, which the paths of the standard library are not told on Windows.
 std::filesystem::path PathOf(const std::string& name);

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <vector>
 
-#include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/exception_context.h>
 #include <zavbase/platform/file.h>
 #include <zavbase/values/uval_text.h>
 #include <zavbase/values/uval_text_check.h>
@@ -71,7 +71,10 @@ void Guard(const std::string& path, Exit exit, Operation operation) {
         (void)e;
         ZAV_RETHROW;
     }
-    ZAV_CATCH(ZAV_Exception, e) { trouble = FailureLine(e, path); }
+    ZAV_CATCH(ZAV_Exception, e) {
+        ZAV_AddExceptionContext(e, {path.c_str()});
+        trouble = ZAV_ExceptionLine(e).Ptr();
+    }
     ZAV_CATCH_END
     if (!trouble.empty()) throw ToolFailure{exit, trouble};
 }

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <iostream>
 
-#include <zavbase/foundation/exception.h>
+#include <zavbase/foundation/exception_context.h>
 #include <zavbase/i18n/i18n_resource.h>
 #include <zavbase/platform/shared_lib.h>
 #include <zavbase/strings/rune.h>
@@ -108,7 +108,7 @@ int CheckFile(const std::string& path, const Definitions& wanted) {
     ZAV_TRY { language.ReadFile(path.c_str()); }
     ZAV_CATCH(ZAV_Exception, e) {
         isRead = false;
-        std::cerr << "zavmsg: " << FailureLine(e, path) << "\n";
+        std::cerr << "zavmsg: " << ZAV_ExceptionLine(e) << "\n";
     }
     ZAV_CATCH_END
     if (!isRead) return TROUBLE;
