@@ -1,6 +1,7 @@
 #include "exact.h"
 
 #include <charconv>
+#include <cmath>
 #include <memory>
 #include <sstream>
 
@@ -15,6 +16,11 @@ template <class... Number>
 std::string Digits(Number... number) {
     char digits[40];
     return std::string(digits, std::to_chars(digits, digits + sizeof digits, number...).ptr);
+}
+
+std::string DoubleText(double number) {
+    const bool isWhole = std::fabs(number) < 1e18 && std::trunc(number) == number;
+    return isWhole ? Digits(static_cast<long long>(number)) : Digits(number, std::chars_format::general, 15);
 }
 
 long CountOf(const ZAV_UVal& value) { return value.GetDimension() > 0 ? value.GetDimension() : 1; }
@@ -71,7 +77,7 @@ std::string ElementText(ZAV_UVal& value, long index) {
     case UVAL_FLOAT:
         return Digits(value.GetFloatValue(index));
     case UVAL_DOUBLE:
-        return Digits(value.GetDoubleValue(index), std::chars_format::general, 15);
+        return DoubleText(value.GetDoubleValue(index));
     case UVAL_ULONG:
         return Digits(value.GetULongValue(index));
     default:

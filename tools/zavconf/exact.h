@@ -6,7 +6,8 @@
 
 #include <zavbase/values/value_dict.h>
 
-/// The element in full: reals with all digits that count (15 of a double), unsigned longs without sign.
+/// The element in full: unsigned longs without sign, whole doubles with all their digits, other doubles with
+/// 15, which is what reading a decimal text keeps.
 std::string ElementText(ZAV_UVal& value, long index);
 
 /// The path of an entry under another, for people: of a very long one the end.
