@@ -202,12 +202,11 @@ bool ZAV_Set::StandsInLongCluster(uint32_t slot) const {
 
 ZAV_CltObject* ZAV_Set::Remove(const ZAV_CltObject* o) {
     if (!o) return ZAV_Nil();
+    --mCount;
+    ++zav_slots::HeaderOf(mContents.mArray).mMoves;
     if (Index() && ProbesItself()) {
         const ZAV_SetIndex::Sought key(o);
-        if (key.mKnown) {
-            --mCount;
-            return ZAV_OrNil(Index()->Take(mContents.mArray, key, o));
-        }
+        if (key.mKnown) return ZAV_OrNil(Index()->Take(mContents.mArray, key, o));
     }
     const int i = FindIndexOf(o);
     ZAV_CltObject* e = i < 0 ? ZAV_Nil() : mContents.mArray[i];
@@ -217,8 +216,6 @@ ZAV_CltObject* ZAV_Set::Remove(const ZAV_CltObject* o) {
         else
             CloseGap(static_cast<uint32_t>(i));
     }
-    ++zav_slots::HeaderOf(mContents.mArray).mMoves;
-    --mCount;
     return e;
 }
 

@@ -48,7 +48,7 @@ bool HasKey(const ZAV_CltObject* stored, const zav_strong::KeyView& sought) {
 
 ZAV_SetIndex::ZAV_SetIndex(uint32_t nbits)
     : mNbits(nbits), mMask((1u << nbits) - 1), mCount(0), mHashes(nullptr), mOccupied(nullptr),
-      mFull(nullptr), mSteps(0), mEntryBits(0), mEntryMask(0), mEntries(nullptr) {}
+      mFull(nullptr), mSteps(0), mIsPending(false), mEntryBits(0), mEntryMask(0), mEntries(nullptr) {}
 
 ZAV_SetIndex::~ZAV_SetIndex() {
     std::free(mOccupied);

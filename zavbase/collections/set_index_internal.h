@@ -1,9 +1,11 @@
 #ifndef ZAVBASE_COLLECTIONS_SET_INDEX_INTERNAL_H
 #define ZAVBASE_COLLECTIONS_SET_INDEX_INTERNAL_H
 
+#include <atomic>
 #include <bit>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 
 #include <zavbase/collections/strong_hash_internal.h>
 
@@ -69,15 +71,16 @@ public:
     bool Add(ZAV_CltObject** slots, ZAV_CltObject* o, const Sought& key, uint32_t hash);
     /// Takes the element with the key out, which is that of `o`, and returns it; null if there is none.
     ZAV_CltObject* Take(ZAV_CltObject** slots, const Sought& key, const ZAV_CltObject* o);
-    /// Puts the slots right. Needs no memory, and looks at no element.
+    /// Puts the slots right. Needs no memory, and looks at no element. Threads that only read may do so, and
+    /// call Find and SlotOf, at the same time.
     void Settle(ZAV_CltObject** slots) {
-        if (IsPending()) PutRight(slots);
+        if (mIsPending.load(std::memory_order_acquire)) PutRight(slots);
     }
 
     // These are for slots that are settled.
 
     /// The slot of an element found.
-    uint32_t SlotOf(ZAV_CltObject* const* slots, const Place& place);
+    uint32_t SlotOf(ZAV_CltObject* const* slots, const Place& place) const;
     /// The first empty slot from the home slot of a hash down; NONE when the table is full.
     uint32_t EmptyFrom(uint32_t hash) const { return EmptyDown(HomeOf(hash)); }
     /// The first occupied slot from `slot` up; NONE if there is none.
@@ -95,7 +98,7 @@ private:
     struct Entry {
         ZAV_CltObject* mElement; ///< null when free
         uint32_t mStrong;
-        uint32_t mSlot; ///< where it was put, or NOTED and the place among mAdded
+        uint32_t mSlot; ///< where it was last seen, or NOTED and the place among mAdded
         zav_strong::Brief mBrief;
     };
     struct Hashes {
@@ -158,10 +161,9 @@ private:
     bool MakeEntries(uint32_t nbits);
     bool GrowEntries();
     Entry& FreeEntryFor(uint32_t strong);
-    bool IsPending() const { return mRemoved.Size() + mAdded.Size() != 0; }
     bool AddEntry(ZAV_CltObject* o, const Sought& key, uint32_t slot);
-    bool Locate(ZAV_CltObject* const* slots, Entry& e, uint32_t steps);
-    bool IsFarFromTheEnd(ZAV_CltObject* const* slots, Entry& e);
+    uint32_t Locate(ZAV_CltObject* const* slots, const Entry& e, uint32_t steps) const;
+    bool IsFarFromTheEnd(ZAV_CltObject* const* slots, const Entry& e);
     bool Note(ZAV_CltObject** slots, Entry& e, uint32_t hash);
     void PutRight(ZAV_CltObject** slots);
     void CloseGaps(ZAV_CltObject** slots, const Removed* first, const Removed* last);
@@ -181,6 +183,8 @@ private:
     uint64_t* mOccupied; // a bit for each slot
     uint64_t* mFull;     // a bit for each word of mOccupied
     uint64_t mSteps;
+    std::atomic<bool> mIsPending; // whether there are notes
+    std::mutex mSettling;
     Notes<Removed> mRemoved;
     Notes<Added> mAdded;
 

@@ -27,36 +27,38 @@ uint32_t ClearBitUp(const uint64_t* bits, uint32_t from, uint32_t n) {
 
 } // namespace
 
-// No element is moved down the table; so where it was put, or above, up to its home.
-bool ZAV_SetIndex::Locate(ZAV_CltObject* const* slots, Entry& e, uint32_t steps) {
-    uint32_t slot = e.mSlot;
+// No element is moved down the table: it is where it was last seen, or above, up to its home.
+uint32_t ZAV_SetIndex::Locate(ZAV_CltObject* const* slots, const Entry& e, uint32_t steps) const {
+    const std::atomic_ref<uint32_t> seen(const_cast<Entry&>(e).mSlot);
+    uint32_t slot = seen.load(std::memory_order_relaxed);
     for (uint32_t n = 0; slots[slot] != e.mElement; ++n, slot = (slot + 1) & mMask)
-        if (n == steps) return false;
-    mSteps += ((slot - e.mSlot) & mMask) + 1;
-    e.mSlot = slot;
-    return true;
+        if (n == steps) return NONE;
+    seen.store(slot, std::memory_order_relaxed);
+    return slot;
 }
 
-uint32_t ZAV_SetIndex::SlotOf(ZAV_CltObject* const* slots, const Place& place) {
-    return Locate(slots, mEntries[place.mEntry], mMask) ? mEntries[place.mEntry].mSlot : NONE;
+uint32_t ZAV_SetIndex::SlotOf(ZAV_CltObject* const* slots, const Place& place) const {
+    return Locate(slots, mEntries[place.mEntry], mMask);
 }
 
 ZAV_CltObject* ZAV_SetIndex::Take(ZAV_CltObject** slots, const Sought& key, const ZAV_CltObject* o) {
     const Place place = Find(key);
     if (!place.mElement) return nullptr;
     Entry& e = mEntries[place.mEntry];
-    if ((IsPending() || IsFarFromTheEnd(slots, e)) && Note(slots, e, o->Hash())) return place.mElement;
+    const bool isLater = mIsPending.load(std::memory_order_relaxed) || IsFarFromTheEnd(slots, e);
+    if (isLater && Note(slots, e, o->Hash())) return place.mElement;
     Settle(slots);
-    Locate(slots, e, mMask);
-    Remove(slots, e.mSlot);
+    Remove(slots, Locate(slots, e, mMask));
     return place.mElement;
 }
 
 // Whether closing the gap of the element may take long. A table more than half full, which growing prevents
 // unless the set's count is wrong, may have no end to its clusters: there nothing is put off.
-bool ZAV_SetIndex::IsFarFromTheEnd(ZAV_CltObject* const* slots, Entry& e) {
+bool ZAV_SetIndex::IsFarFromTheEnd(ZAV_CltObject* const* slots, const Entry& e) {
     if (mCount > mMask / 2 + 1) return false;
-    return !Locate(slots, e, AT_ONCE) || ((e.mSlot - EmptyDown(e.mSlot)) & mMask) > AT_ONCE;
+    const uint32_t before = e.mSlot, slot = Locate(slots, e, AT_ONCE);
+    mSteps += slot == NONE ? AT_ONCE : ((slot - before) & mMask) + 1;
+    return slot == NONE || ((slot - EmptyDown(slot)) & mMask) > AT_ONCE;
 }
 
 void ZAV_SetIndex::Remove(ZAV_CltObject** slots, uint32_t slot) {
@@ -82,6 +84,7 @@ bool ZAV_SetIndex::Note(ZAV_CltObject** slots, Entry& e, uint32_t hash) {
         mAdded[e.mSlot & ~NOTED].mElement = nullptr;
     else if (!mRemoved.Push({e.mElement, hash}))
         return false;
+    mIsPending.store(true, std::memory_order_relaxed);
     EraseEntry(e);
     --mCount;
     if (mRemoved.Size() + mAdded.Size() > mCount / 2 + 1024) Settle(slots);
@@ -89,7 +92,8 @@ bool ZAV_SetIndex::Note(ZAV_CltObject** slots, Entry& e, uint32_t hash) {
 }
 
 bool ZAV_SetIndex::Add(ZAV_CltObject** slots, ZAV_CltObject* o, const Sought& key, uint32_t hash) {
-    if (IsPending() && mCount <= mMask && mAdded.Push({o, key.mStrong, hash})) {
+    if (mIsPending.load(std::memory_order_relaxed) && mCount <= mMask &&
+        mAdded.Push({o, key.mStrong, hash})) {
         if (AddEntry(o, key, NOTED | (mAdded.Size() - 1))) return true;
         mAdded.Pop();
     }
@@ -101,6 +105,8 @@ bool ZAV_SetIndex::Add(ZAV_CltObject** slots, ZAV_CltObject* o, const Sought& ke
 }
 
 void ZAV_SetIndex::PutRight(ZAV_CltObject** slots) {
+    const std::lock_guard<std::mutex> guard(mSettling);
+    if (!mIsPending.load(std::memory_order_relaxed)) return;
     // Cluster by cluster, each once.
     for (Removed& r : mRemoved) r.mHash = TopOf(HomeOf(r.mHash));
     std::sort(mRemoved.begin(), mRemoved.end(), [](const Removed& a, const Removed& b) {
@@ -115,12 +121,14 @@ void ZAV_SetIndex::PutRight(ZAV_CltObject** slots) {
         const uint32_t slot = EmptyFrom(a.mHash);
         slots[slot] = a.mElement;
         mHashes[slot] = {a.mStrong, a.mHash};
+        // (An entry's other fields are what other readers look at now.)
         EntryOf(a.mStrong, a.mElement).mSlot = slot;
         Occupy(slot);
     }
     mSteps += mAdded.Size();
     mRemoved.Clear();
     mAdded.Clear();
+    mIsPending.store(false, std::memory_order_release);
 }
 
 uint32_t ZAV_SetIndex::TopOf(uint32_t slot) const {
