@@ -82,7 +82,7 @@ TEST(ValueDictFile, TheErrorAndTheTraceAreOfTheLastFile) {
     };
     for (const Row& row :
          {Row{bytes.substr(0, 30) + "x", 0, "Binary value file is malformed near byte 30\n"},
-          Row{"\3bad", 0, "Binary value file is malformed near byte 3\n"},
+          Row{"\3bad", 0, "Binary value file is malformed near byte 0\n"},
           Row{"% x\n7", 1, "Error in object hierarchy\n"}, Row{"", 1, "Error in object hierarchy\n"}}) {
         ZAV_UValDict dict;
         EXPECT_FALSE(ReadValue("\n\n<< 5"));
