@@ -56,7 +56,7 @@ TEST(ByteString, SplicesAppendsAndAssignsAsTheModelDoes) {
         const unsigned size = static_cast<unsigned>(model.size());
         const unsigned pos = random() % (size + 1), len = random() % (size - pos + 1);
         const unsigned from = random() % (size + 1), n = random() % (size - from + 1);
-        const std::string sources[] = {model, model.substr(from, n), model.substr(from),
+        const std::string sources[] = {model, model.substr(from, n), model.c_str() + from,
                                        std::string(random() % 20, static_cast<char>('a' + i % 26))};
         const unsigned kind = random() % 4;
         const auto withSource = [&](auto use) {
@@ -82,8 +82,8 @@ TEST(ByteString, SplicesAppendsAndAssignsAsTheModelDoes) {
         ASSERT_EQ(own.Ptr()[own.Length()], '\0');
         ASSERT_GT(own.Capacity() + 2, own.Length()) << i;
         if (model.size() <= 300) continue;
-        own.Empty();
-        model.clear();
+        model = std::string("a\0b", 3);
+        own = ZAV_String(model.data(), 3);
     }
 }
 
@@ -121,6 +121,8 @@ TEST(ByteString, NulBytesSurviveCopiesAndSums) {
     t(1, 1) = s;
     t += s;
     EXPECT_EQ(bytes(t), "a" + raw + "c" + raw);
+    t(5, 3) = ZAV_String("x\0y", 3);
+    EXPECT_EQ(bytes(t), "a" + raw + "c" + std::string("x\0y", 3)) << "in place, too";
     EXPECT_STREQ((s + 'c' + nullptr).Ptr(), "a");
 }
 

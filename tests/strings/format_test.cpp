@@ -49,6 +49,48 @@ TEST(Format, Reals) {
     EXPECT_EQ(made("%.400f", 1.0), "1." + std::string(400, '0'));
 }
 
+TEST(Format, HexadecimalReals) {
+    EXPECT_EQ(made("%a|%a|%a|%A|%La", 1.0, -2.5, 0.0, 0.1, 1.5L),
+              "0x1p+0|-0x1.4p+1|0x0p+0|0X1.999999999999AP-4|0x1.8p+0");
+    EXPECT_EQ(made("%.1a|%10.2a|%-9a|%+a|%010a|%#.0a", 1.9375, 1.0, 1.0, 1.0, -1.0, 1.0),
+              "0x1.fp+0| 0x1.00p+0|0x1p+0   |+0x1p+0|-0x0001p+0|0x1.p+0");
+    EXPECT_EQ(made("%a|%8A|%.70a", std::nan(""), std::numeric_limits<double>::infinity(), 1.0),
+              "nan|     INF|0x1." + std::string(70, '0') + "p+0");
+}
+
+// Each conversion is followed by one that shows whether it took exactly its argument.
+TEST(Format, EveryConversionThatCompilersLetPassTakesItsArgument) {
+    const auto expectTaken = [](std::initializer_list<const char*> conversions, auto argument) {
+        for (const std::string conversion : conversions) {
+            const std::string text = made(("%" + conversion + "|%s").c_str(), argument, "end");
+            EXPECT_EQ(text.substr(text.size() - 4), "|end") << conversion;
+            EXPECT_NE(text[0], '%') << conversion << ": printed, not left as it stands";
+        }
+    };
+    expectTaken(
+        {"d", "i", "o", "u", "x", "X", "b", "B", "c", "C", "lc", "hd", "hhx", "Id", "'d", "I32d", "Fd", "Nd"},
+        65);
+    expectTaken({"ld", "lu", "lx"}, 65L);
+    expectTaken({"lld", "llu", "Ld", "Lx", "qd", "jd", "I64d"}, 65LL);
+    expectTaken({"zd", "zu", "Zu", "td", "zx"}, size_t{65});
+    expectTaken({"e", "E", "f", "F", "g", "G", "a", "A", "lf", "la", "Fe", "FE", "Ff", "Fg", "FG"}, 65.5);
+    expectTaken({"Le", "Lf", "LF", "Lg", "La", "LA"}, 65.5L);
+    expectTaken({"s", "hs", "p", "-8s", ".1s"}, "text");
+    expectTaken({"ls", "S"}, L"text");
+    int count = 0;
+    expectTaken({"n"}, &count);
+    EXPECT_EQ(made("%b|%#b|%#B|%08.4b|%-4b|%hhb", 5, 5, 5, 5, 1, 257), "101|0b101|0B101|    0101|1   |1");
+    EXPECT_EQ(made("%Fe|%Fg", 1.5, 1.5), "1.500000e+00|1.5") << "F before a letter is a prefix";
+}
+
+TEST(Format, ArgumentsByNumber) {
+    EXPECT_EQ(made("%2$s %1$d %2$-3s|", 5, "x"), "x 5 x  |");
+    EXPECT_EQ(made("%6$s %1$lld %2$c %3$Lf %4$f %5$ld", 1LL << 40, 'c', 1.5L, 2.5, -1L, "s"),
+              "s 1099511627776 c 1.500000 2.500000 -1");
+    EXPECT_EQ(made("%3$*1$d|%2$.*1$f|%3$-*1$d|", 4, 1.5, 7), "   7|1.5000|7   |");
+    EXPECT_EQ(made("%100$d %0$d"), "%100$d %0$d") << "these are no numbers of arguments";
+}
+
 TEST(Format, TextsAndTheRest) {
     const char* const null = nullptr;
     EXPECT_EQ(made("%s|%5s|%-5s|%.2s|%5.1s|%s", "abc", "abc", "abc", "abc", "abc", null),

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <random>
 
 #include <zavbase/strings/utf_string.h>
@@ -161,6 +162,33 @@ TEST(UTFString, ComparesAsItsBaseWhateverTheOperands) {
     const ZAV_String s("a\0b", 3), t("a\0c", 3);
     EXPECT_TRUE(u == s && s == u && !(u == v) && !(s == v) && !(u == t));
     EXPECT_TRUE(!(u != v) && !(s != v) && !(v != s)) << "!= ends at the NUL on either side";
+}
+
+// The first of these locales that the system has knows bytes of UTF-8 as blanks and as letters.
+TEST(UTFString, BytesOfRunesAreOfNoClass) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    for (const char* name : {".1252", "en_US.ISO-8859-1", "C"})
+        if (std::setlocale(LC_ALL, name)) break;
+    for (unsigned r = 0x80; r < 0x10000; ++r) {
+        const Rune rune = static_cast<Rune>(r);
+        char text[4] = {};
+        runetochar(text, &rune);
+        ZAV_UTFString u = ZAV_UTFString(" \t") + text + "aZ" + text + "\n ";
+        u.TrimLeft();
+        u.TrimRight();
+        ASSERT_EQ(u.Ptr(), text + std::string("aZ") + text) << r;
+        u.ToUpper();
+        u(0, 1).ToUpper();
+        ASSERT_EQ(u.Ptr(), text + std::string("AZ") + text) << r;
+        u.ToLower();
+        u(0, 3).ToLower();
+        ASSERT_EQ(u.Ptr(), text + std::string("az") + text) << r;
+    }
+    std::istringstream is(" \n\xA0x");
+    ZAV_UTFString line;
+    line.ReadLine(is, B_TRUE);
+    EXPECT_STREQ(line, "#x") << "cleaned, not skipped";
+    std::setlocale(LC_ALL, before.c_str());
 }
 
 template <class Text>

@@ -1,27 +1,19 @@
 #include <zavbase/strings/byte_string.h>
 
-#include <cctype>
+#include <algorithm>
 #include <cstdint>
 
+#include <zavbase/strings/char_class_internal.h>
 #include <zavbase/strings/number_text_internal.h>
+#include <zavbase/strings/text_length_internal.h>
 #include <zavbase/strings/utf_string.h>
 
 namespace {
 
-unsigned lengthOf(const char* p) { return p ? static_cast<unsigned>(std::strlen(p)) : 0; }
-
-void toLower(char* p, unsigned n) {
-    for (char* end = p + n; p != end; ++p)
-        if (std::isupper(static_cast<unsigned char>(*p))) *p = static_cast<char>(*p + 32);
-}
-
-void toUpper(char* p, unsigned n) {
-    for (char* end = p + n; p != end; ++p)
-        if (std::islower(static_cast<unsigned char>(*p))) *p = static_cast<char>(*p - 32);
-}
+using zav_text::LengthOf;
 
 ZAV_String sum(const char* p1, unsigned n1, const char* p2, unsigned n2) {
-    ZAV_String s(n1 + n2);
+    ZAV_String s(zav_text::Checked(uint64_t{n1} + n2));
     s.Append(p1, n1);
     return s.Append(p2, n2);
 }
@@ -40,7 +32,7 @@ ZAV_String::ZAV_String(char c, unsigned int n) {
     mData[n] = '\0';
 }
 
-ZAV_String::ZAV_String(const char* p) : ZAV_String(p, lengthOf(p)) {}
+ZAV_String::ZAV_String(const char* p) : ZAV_String(p, LengthOf(p)) {}
 
 ZAV_String::ZAV_String(const unsigned char* p)
     : ZAV_String(p ? reinterpret_cast<const char*>(p) + 1 : nullptr, p ? p[0] : 0u) {}
@@ -58,7 +50,7 @@ ZAV_String& ZAV_String::operator=(const ZAV_SubStr& s) {
 }
 
 ZAV_String& ZAV_String::operator=(const char* p) {
-    assignCopy(lengthOf(p), p);
+    assignCopy(LengthOf(p), p);
     return *this;
 }
 
@@ -72,7 +64,7 @@ ZAV_String& ZAV_String::operator+=(const ZAV_SubStr& s) {
     return *this;
 }
 
-ZAV_String& ZAV_String::operator+=(const char* p) { return Append(p, lengthOf(p)); }
+ZAV_String& ZAV_String::operator+=(const char* p) { return Append(p, LengthOf(p)); }
 
 ZAV_String& ZAV_String::Append(const char* p, unsigned int n) {
     concatInPlace(n, p);
@@ -97,16 +89,16 @@ ZAV_String ZAV_String::operator+(const ZAV_UTFSubString& u) const {
     return *this + static_cast<const ZAV_SubStr&>(u);
 }
 
-ZAV_String ZAV_String::operator+(const char* p) const { return sum(mData, mLength, p, lengthOf(p)); }
+ZAV_String ZAV_String::operator+(const char* p) const { return sum(mData, mLength, p, LengthOf(p)); }
 
 ZAV_String ZAV_String::operator+(char c) const { return sum(mData, mLength, &c, 1); }
 
-ZAV_String operator+(const char* p, const ZAV_String& s) { return sum(p, lengthOf(p), s.Ptr(), s.Length()); }
+ZAV_String operator+(const char* p, const ZAV_String& s) { return sum(p, LengthOf(p), s.Ptr(), s.Length()); }
 
 ZAV_String operator+(char c, const ZAV_String& s) { return sum(&c, 1, s.Ptr(), s.Length()); }
 
 ZAV_String operator+(const char* p, const ZAV_SubString& s) {
-    return sum(p, static_cast<unsigned>(std::strlen(p)), s.Ptr(), s.Length());
+    return sum(p, LengthOf(p), s.Ptr(), s.Length());
 }
 
 ZAV_SubString ZAV_String::operator()(unsigned int pos, unsigned int len) {
@@ -129,12 +121,12 @@ ZAV_String& ZAV_String::ToAscii() {
 }
 
 ZAV_String& ZAV_String::ToLower() {
-    toLower(mData, mLength);
+    zav_text::ToLower(mData, mLength, zav_text::kAllBytes);
     return *this;
 }
 
 ZAV_String& ZAV_String::ToUpper() {
-    toUpper(mData, mLength);
+    zav_text::ToUpper(mData, mLength, zav_text::kAllBytes);
     return *this;
 }
 
@@ -166,7 +158,7 @@ ZAV_SubString& ZAV_SubString::operator=(const ZAV_Str& s) {
 }
 
 ZAV_SubString& ZAV_SubString::operator=(const char* p) {
-    replace(p, lengthOf(p));
+    replace(p, LengthOf(p));
     return *this;
 }
 
@@ -178,23 +170,25 @@ ZAV_String ZAV_SubString::operator+(const ZAV_Str& s) const {
     return sum(mStart, mLength, s.Ptr(), s.Size());
 }
 
-ZAV_String ZAV_SubString::operator+(const char* p) const {
-    return sum(mStart, mLength, p, static_cast<unsigned>(std::strlen(p)));
-}
+ZAV_String ZAV_SubString::operator+(const char* p) const { return sum(mStart, mLength, p, LengthOf(p)); }
 
 unsigned int ZAV_SubString::Position() const { return static_cast<unsigned>(mStart - mOwner->Ptr()); }
 
 ZAV_SubString& ZAV_SubString::ToLower() {
-    toLower(mStart, mLength);
+    zav_text::ToLower(mStart, mLength, zav_text::kAllBytes);
     return *this;
 }
 
 ZAV_SubString& ZAV_SubString::ToUpper() {
-    toUpper(mStart, mLength);
+    zav_text::ToUpper(mStart, mLength, zav_text::kAllBytes);
     return *this;
 }
 
-int ZAV_SubString::compare(const char* p) const { return ZAV_SubStr::compare(p ? p : "", lengthOf(p)); }
+// No range is as long as the length that stands for all longer texts, so nothing is lost by it.
+int ZAV_SubString::compare(const char* p) const {
+    const size_t length = p ? std::strlen(p) : 0;
+    return ZAV_SubStr::compare(p ? p : "", static_cast<unsigned>((std::min)(length, size_t{UINT32_MAX})));
+}
 
 double ZAV_atof(const char* text, char decimalSeparator) {
     return zav_number::ParseReal(text, SIZE_MAX, decimalSeparator);

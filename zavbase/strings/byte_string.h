@@ -1,6 +1,7 @@
 #ifndef ZAVBASE_STRINGS_BYTE_STRING_H
 #define ZAVBASE_STRINGS_BYTE_STRING_H
 
+#include <climits>
 #include <cstdarg>
 #include <cstddef>
 #include <cstring>
@@ -24,6 +25,13 @@ class ZAV_UTFSubString;
 #define ZAV_PRINTF_LIKE(FORMAT, ARGS)
 #endif
 
+/// A room of any integer type as the 32 bits that a string takes. One that does not fit is the largest, which
+/// the allocator refuses.
+template <class Int>
+constexpr unsigned int ZAV_Room(Int n) {
+    return static_cast<unsigned long long>(n) > UINT_MAX ? UINT_MAX : static_cast<unsigned int>(n);
+}
+
 /// The library's byte string: ZAV_Str (buffer, stream reads, trimming) with construction from text,
 /// concatenation, search, comparison and formatting. It adds no data.
 ///
@@ -37,7 +45,7 @@ public:
     /// Empty, with room for `n` characters: ZAV_String('x') is an empty string with room for 120.
     explicit ZAV_String(unsigned int n) : ZAV_Str(n) {}
     template <class Int, std::enable_if_t<std::is_integral_v<Int>, int> = 0>
-    explicit ZAV_String(Int n) : ZAV_Str(static_cast<unsigned int>(n)) {}
+    explicit ZAV_String(Int n) : ZAV_Str(ZAV_Room(n)) {}
     ZAV_String(const ZAV_String& s) : ZAV_Str(s) {}
     ZAV_String(const ZAV_Str& s) : ZAV_Str(s) {}
     ZAV_String(const ZAV_SubStr& s) : ZAV_Str(s) {}
@@ -100,10 +108,12 @@ public:
     ZAV_String& ToLower();
     ZAV_String& ToUpper();
 
-    /// printf-style; replaces the text. Conversions c d i o u x X e E f F g G s p n with flags, width and
-    /// precision. Numbers come out the same on every platform and in every locale: exponents of at least two
-    /// digits, %p as upper-case hexadecimal. Arguments may point into this string. %ls and %S take wchar_t
-    /// text, of which only ASCII is kept.
+    /// printf-style; replaces the text. Every conversion that the compiler's check of the arguments lets pass
+    /// takes its argument: c d i o u x X b B e E f F g G a A s p n, with flags, width and precision, "*" and
+    /// "%2$s" too. Numbers come out the same on every platform and in every locale: exponents of at least two
+    /// digits, %p as upper-case hexadecimal. F before a conversion letter is a size prefix without meaning;
+    /// %I64d and %I32d tell the size as on Windows. Arguments may point into this string. %ls and %S take
+    /// wchar_t text, of which only ASCII is kept.
     ZAV_String& Format(const char* fmt, ...) ZAV_PRINTF_LIKE(2, 3);
     ZAV_String& FormatV(const char* fmt, va_list args);
 

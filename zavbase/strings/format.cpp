@@ -1,46 +1,103 @@
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <climits>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <vector>
 
 #include <zavbase/strings/byte_string.h>
+#include <zavbase/strings/format_spec_internal.h>
+#include <zavbase/strings/text_length_internal.h>
 
 namespace {
 
-enum class Size { Char, Short, Int, Long, LongLong, Pointer, LongDouble };
+using zav_format::Argument;
+using zav_format::Conversion;
+using zav_format::Size;
+using zav_text::Checked;
 
-struct Conversion {
-    bool left = false;
-    bool plus = false;
-    bool blank = false;
-    bool alternate = false;
-    bool zero = false;
-    unsigned width = 0;
-    int precision = -1; // -1: none given
-    Size size = Size::Int;
-    char letter = '\0';
+// The arguments, taken one after the other; before each of them the next may be chosen by its number.
+class Arguments {
+public:
+    Arguments(const char* fmt, va_list args) : mFormat(fmt) {
+        va_copy(mFirst, args);
+        va_copy(mNext, args);
+    }
+    ~Arguments() {
+        va_end(mNext);
+        va_end(mFirst);
+    }
+    Arguments(const Arguments&) = delete;
+    Arguments& operator=(const Arguments&) = delete;
+
+    /// 0 leaves it at the next one.
+    void Choose(int number) {
+        if (number == zav_format::kNextArgument) return;
+        if (mKinds.empty()) findKinds();
+        va_end(mNext);
+        va_copy(mNext, mFirst);
+        for (int i = 1; i < number; ++i) skip(mKinds[static_cast<size_t>(i)]);
+    }
+
+    int Int() { return va_arg(mNext, int); }
+    long Long() { return va_arg(mNext, long); }
+    long long LongLong() { return va_arg(mNext, long long); }
+    ptrdiff_t Difference() { return va_arg(mNext, ptrdiff_t); }
+    void* Pointer() { return va_arg(mNext, void*); }
+    double Double() { return va_arg(mNext, double); }
+    long double LongDouble() { return va_arg(mNext, long double); }
+
+private:
+    // An argument can only be stepped over when its type is known, which is that of the conversion that
+    // prints it.
+    void findKinds() {
+        mKinds.assign(zav_format::kMostNumbered + 1, Argument::Int);
+        for (const char* p = mFormat; (p = std::strchr(p, '%')) != nullptr;) {
+            Conversion c;
+            p = zav_format::Read(p + 1, c);
+            if (c.number != 0) mKinds[static_cast<size_t>(c.number)] = zav_format::ArgumentOf(c);
+            if (*p != '\0') ++p;
+        }
+    }
+
+    void skip(Argument kind) {
+        switch (kind) {
+        case Argument::Long:
+            Long();
+            break;
+        case Argument::LongLong:
+            LongLong();
+            break;
+        case Argument::Pointer:
+            Pointer();
+            break;
+        case Argument::Double:
+            Double();
+            break;
+        case Argument::LongDouble:
+            LongDouble();
+            break;
+        case Argument::Int:
+            Int();
+            break;
+        case Argument::None:
+            break;
+        }
+    }
+
+    const char* mFormat;
+    va_list mFirst;
+    va_list mNext;
+    std::vector<Argument> mKinds; // by number; empty until one is chosen
 };
-
-bool contains(const char* set, char c) { return c != '\0' && std::strchr(set, c) != nullptr; }
-
-int readNumber(const char*& p) {
-    int n = 0;
-    for (; *p >= '0' && *p <= '9'; ++p) n = n > (INT_MAX - 9) / 10 ? INT_MAX : n * 10 + (*p - '0');
-    return n;
-}
 
 // Formats without the C run-time, whose results differ between platforms and with the locale. The text is
 // built apart from the string that asked for it, because arguments may point into that string.
 class Formatter {
 public:
-    Formatter(va_list args) : mText(112u) { va_copy(mArgs, args); }
-    ~Formatter() { va_end(mArgs); }
-    Formatter(const Formatter&) = delete;
-    Formatter& operator=(const Formatter&) = delete;
+    Formatter(const char* fmt, va_list args) : mArgs(fmt, args), mText(112u) {}
 
     void Run(const char* fmt) {
         while (*fmt != '\0') {
@@ -63,7 +120,7 @@ public:
 
 private:
     void ordinary(const char* from, const char* to) {
-        const unsigned n = static_cast<unsigned>(to - from);
+        const unsigned n = Checked(static_cast<size_t>(to - from));
         mText.Append(from, n);
         mEstimate += n;
     }
@@ -71,10 +128,10 @@ private:
     // Returns what follows the conversion.
     const char* convert(const char* const start) {
         Conversion c;
-        const char* p = readFlags(start + 1, c);
-        p = readWidth(p, c);
-        p = readSize(p, c);
-        c.letter = *p;
+        const char* const p = zav_format::Read(start + 1, c);
+        mEstimate += 2 * c.alternate;
+        takeWidth(c);
+        mArgs.Choose(c.number);
         switch (c.letter) {
         case 'c':
         case 'C':
@@ -92,9 +149,13 @@ private:
         case 'u':
         case 'x':
         case 'X':
+        case 'b':
+        case 'B':
         case 'p':
             unsignedInteger(c);
             break;
+        case 'a':
+        case 'A':
         case 'e':
         case 'f':
         case 'g':
@@ -116,80 +177,16 @@ private:
         return p + 1;
     }
 
-    const char* readFlags(const char* p, Conversion& c) {
-        for (;; ++p) {
-            switch (*p) {
-            case '-':
-                c.left = true;
-                break;
-            case '+':
-                c.plus = true;
-                break;
-            case ' ':
-                c.blank = true;
-                break;
-            case '0':
-                c.zero = true;
-                break;
-            case '#':
-                c.alternate = true;
-                mEstimate += 2;
-                break;
-            default:
-                return p;
-            }
-        }
-    }
-
-    const char* readWidth(const char* p, Conversion& c) {
-        if (*p == '*') {
-            const int width = va_arg(mArgs, int);
+    void takeWidth(Conversion& c) {
+        if (c.widthFrom != zav_format::kNotGiven) {
+            mArgs.Choose(c.widthFrom);
+            const int width = mArgs.Int();
             if (width < 0) c.left = true;
             c.width = width < 0 ? 0u - static_cast<unsigned>(width) : static_cast<unsigned>(width);
-            ++p;
-        } else {
-            c.width = static_cast<unsigned>(readNumber(p));
         }
-        if (*p != '.') return p;
-        if (*++p == '*') {
-            c.precision = (std::max)(va_arg(mArgs, int), -1);
-            return p + 1;
-        }
-        c.precision = readNumber(p);
-        return p;
-    }
-
-    // The old memory-model prefixes N and F mean nothing; F alone is a conversion.
-    static const char* readSize(const char* p, Conversion& c) {
-        switch (*p) {
-        case 'N':
-            return p + 1;
-        case 'F':
-            return contains("cCsSdiopuxXn", p[1]) ? p + 1 : p;
-        case 'L':
-            c.size = Size::LongDouble;
-            return p + 1;
-        case 'z':
-        case 't':
-            c.size = Size::Pointer;
-            return p + 1;
-        case 'j':
-            c.size = Size::LongLong;
-            return p + 1;
-        case 'h':
-            c.size = p[1] == 'h' ? Size::Char : Size::Short;
-            return p + (p[1] == 'h' ? 2 : 1);
-        case 'l':
-            c.size = p[1] == 'l' ? Size::LongLong : Size::Long;
-            return p + (p[1] == 'l' ? 2 : 1);
-        case 'I':
-            if (p[1] == '6' && p[2] == '4') {
-                c.size = Size::LongLong;
-                return p + 3;
-            }
-            return p[1] == '3' && p[2] == '2' ? p + 3 : p;
-        default:
-            return p;
+        if (c.precisionFrom != zav_format::kNotGiven) {
+            mArgs.Choose(c.precisionFrom);
+            c.precision = (std::max)(mArgs.Int(), -1);
         }
     }
 
@@ -216,7 +213,7 @@ private:
         if (!c.left && !zeros) fill(' ', missing);
         mText += prefix;
         if (!c.left && zeros) fill('0', missing);
-        mText.Append(body, static_cast<unsigned>(n));
+        mText.Append(body, Checked(n));
         if (c.left) fill(' ', missing);
     }
 
@@ -227,15 +224,23 @@ private:
     }
 
     void character(const Conversion& c) {
-        const int value = va_arg(mArgs, int);
+        const int value = mArgs.Int();
         const char ch = isWide(c) ? narrow(value) : static_cast<char>(value);
         estimateText(c, 2);
         put(c, "", &ch, 1, false);
     }
 
+    // Up to the NUL, which need not be there when a precision is given.
+    static size_t boundedLength(const char* p, int precision) {
+        if (precision < 0) return std::strlen(p);
+        const size_t most = static_cast<size_t>(precision);
+        const void* const end = std::memchr(p, '\0', most);
+        return end ? static_cast<size_t>(static_cast<const char*>(end) - p) : most;
+    }
+
     void text(const Conversion& c) {
         const size_t most = c.precision < 0 ? SIZE_MAX : static_cast<size_t>(c.precision);
-        const void* const arg = va_arg(mArgs, const void*);
+        const void* const arg = mArgs.Pointer();
         ZAV_String narrowed;
         const char* p = static_cast<const char*>(arg);
         if (arg == nullptr) {
@@ -245,48 +250,52 @@ private:
                 narrowed += narrow(*w < 0x80 ? static_cast<int>(*w) : -1);
             p = narrowed.Ptr();
         }
-        size_t n = 0;
-        while (n < most && p[n] != '\0') ++n;
+        const size_t n = boundedLength(p, c.precision);
         estimateText(c, (std::max)(n, size_t{1}));
         put(c, "", p, n, false);
     }
 
-    int64_t signedArgument(Size size) {
-        switch (size) {
-        case Size::Char:
-            return static_cast<signed char>(va_arg(mArgs, int));
-        case Size::Short:
-            return static_cast<short>(va_arg(mArgs, int));
-        case Size::Long:
-            return va_arg(mArgs, long);
-        case Size::LongLong:
-            return va_arg(mArgs, long long);
-        case Size::Pointer:
-            return va_arg(mArgs, ptrdiff_t);
+    // What the argument is: the conversions narrow it to what they print.
+    int64_t integer(const Conversion& c) {
+        switch (zav_format::ArgumentOf(c)) {
+        case Argument::Long:
+            return mArgs.Long();
+        case Argument::LongLong:
+            return mArgs.LongLong();
+        case Argument::Pointer:
+            return mArgs.Difference();
         default:
-            return va_arg(mArgs, int);
+            return mArgs.Int();
         }
     }
 
-    uint64_t unsignedArgument(Size size) {
-        switch (size) {
+    int64_t signedArgument(const Conversion& c) {
+        const int64_t value = integer(c);
+        if (c.size == Size::Char) return static_cast<signed char>(value);
+        if (c.size == Size::Short) return static_cast<short>(value);
+        return value;
+    }
+
+    uint64_t unsignedArgument(const Conversion& c) {
+        const int64_t value = integer(c);
+        switch (c.size) {
         case Size::Char:
-            return static_cast<unsigned char>(va_arg(mArgs, unsigned));
+            return static_cast<unsigned char>(value);
         case Size::Short:
-            return static_cast<unsigned short>(va_arg(mArgs, unsigned));
+            return static_cast<unsigned short>(value);
+        case Size::Int:
+            return static_cast<unsigned>(value);
         case Size::Long:
-            return va_arg(mArgs, unsigned long);
-        case Size::LongLong:
-            return va_arg(mArgs, unsigned long long);
+            return static_cast<unsigned long>(value);
         case Size::Pointer:
-            return va_arg(mArgs, size_t);
+            return static_cast<size_t>(value);
         default:
-            return va_arg(mArgs, unsigned);
+            return static_cast<uint64_t>(value);
         }
     }
 
     void signedInteger(const Conversion& c) {
-        const int64_t value = signedArgument(c.size);
+        const int64_t value = signedArgument(c);
         const uint64_t magnitude =
             value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
         putDigits(c, sign(c, value < 0), magnitude, 10, c.precision);
@@ -294,19 +303,19 @@ private:
 
     void unsignedInteger(const Conversion& c) {
         if (c.letter == 'p') {
-            const uintptr_t address = reinterpret_cast<uintptr_t>(va_arg(mArgs, void*));
+            const uintptr_t address = reinterpret_cast<uintptr_t>(mArgs.Pointer());
             return putDigits(c, "", address, 16, static_cast<int>(2 * sizeof address));
         }
-        const uint64_t value = unsignedArgument(c.size);
-        const int base = c.letter == 'o' ? 8 : c.letter == 'u' ? 10 : 16;
-        const char* prefix = "";
-        if (c.alternate && base == 16 && value != 0) prefix = c.letter == 'x' ? "0x" : "0X";
-        putDigits(c, prefix, value, base, c.precision);
+        const uint64_t value = unsignedArgument(c);
+        const int base = c.letter == 'o' ? 8 : c.letter == 'u' ? 10 : (c.letter | 0x20) == 'b' ? 2 : 16;
+        const char prefix[] = {'0', c.letter, '\0'};
+        const bool withPrefix = c.alternate != 0 && (base == 2 || base == 16) && value != 0;
+        putDigits(c, withPrefix ? prefix : "", value, base, c.precision);
     }
 
     void putDigits(const Conversion& c, const char* prefix, uint64_t value, int base, int precision) {
-        estimateNumber(c);
-        char digits[24];
+        if (base != 2) estimateNumber(c);
+        char digits[64];
         size_t n = 0;
         if (value != 0 || precision != 0)
             n = static_cast<size_t>(std::to_chars(digits, digits + sizeof digits, value, base).ptr - digits);
@@ -330,10 +339,11 @@ private:
     }
 
     void real(const Conversion& c) {
-        const double value = c.size == Size::LongDouble ? static_cast<double>(va_arg(mArgs, long double))
-                                                        : va_arg(mArgs, double);
-        if (c.letter != 'E') estimateNumber(c);
-        const int precision = c.precision < 0 ? 6 : c.precision;
+        const bool hexadecimal = (c.letter | 0x20) == 'a';
+        const double value =
+            c.size == Size::LongDouble ? static_cast<double>(mArgs.LongDouble()) : mArgs.Double();
+        if (c.letter != 'E' && !hexadecimal) estimateNumber(c);
+        const int precision = c.precision < 0 && !hexadecimal ? 6 : c.precision;
         const double magnitude = std::fabs(value);
         const bool finite = std::isfinite(value);
         char local[400];
@@ -351,15 +361,22 @@ private:
             std::memcpy(p, std::isnan(value) ? "nan" : "inf", n = 3);
         }
         if (c.letter <= 'Z') upper(p, n);
-        put(c, sign(c, std::signbit(value) && !std::isnan(value)), p, n, c.zero && finite);
+        char prefix[4] = {};
+        std::strcpy(prefix, sign(c, std::signbit(value) && !std::isnan(value)));
+        if (hexadecimal && finite) std::strcat(prefix, c.letter == 'a' ? "0x" : "0X");
+        put(c, prefix, p, n, c.zero && finite);
     }
 
     static size_t realDigits(char* p, size_t room, const Conversion& c, double value, int precision) {
         const char letter = static_cast<char>(c.letter | 0x20);
+        if (letter == 'a') {
+            const size_t n = hexadecimalDigits(p, room, value, precision);
+            return c.alternate && !std::memchr(p, '.', n) ? addPoint(p, n, 'p') : n;
+        }
         if (letter != 'g') {
             const auto format = letter == 'e' ? std::chars_format::scientific : std::chars_format::fixed;
             const size_t n = digits(p, room, value, format, precision);
-            return c.alternate && precision == 0 ? addPoint(p, n) : n;
+            return c.alternate && precision == 0 ? addPoint(p, n, 'e') : n;
         }
         if (precision == 0) precision = 1;
         if (!c.alternate) return digits(p, room, value, std::chars_format::general, precision);
@@ -369,16 +386,23 @@ private:
         const int exponent = std::atoi(std::strrchr(p, 'e') + 1);
         if (exponent >= -4 && exponent < precision)
             n = digits(p, room, value, std::chars_format::fixed, precision - 1 - exponent);
-        return std::memchr(p, '.', n) ? n : addPoint(p, n);
+        return std::memchr(p, '.', n) ? n : addPoint(p, n, 'e');
     }
 
     static size_t digits(char* p, size_t room, double value, std::chars_format format, int precision) {
         return static_cast<size_t>(std::to_chars(p, p + room - 2, value, format, precision).ptr - p);
     }
 
+    // As many digits as it takes, unless the precision tells.
+    static size_t hexadecimalDigits(char* p, size_t room, double value, int precision) {
+        const auto format = std::chars_format::hex;
+        if (precision >= 0) return digits(p, room, value, format, precision);
+        return static_cast<size_t>(std::to_chars(p, p + room - 2, value, format).ptr - p);
+    }
+
     // Behind the digits and before the exponent.
-    static size_t addPoint(char* p, size_t n) {
-        const char* const exponent = static_cast<const char*>(std::memchr(p, 'e', n));
+    static size_t addPoint(char* p, size_t n, char exponentLetter) {
+        const char* const exponent = static_cast<const char*>(std::memchr(p, exponentLetter, n));
         const size_t at = exponent ? static_cast<size_t>(exponent - p) : n;
         std::memmove(p + at + 1, p + at, n - at);
         p[at] = '.';
@@ -386,7 +410,7 @@ private:
     }
 
     void storeCount(const Conversion& c) {
-        void* const to = va_arg(mArgs, void*);
+        void* const to = mArgs.Pointer();
         const int n = static_cast<int>(mText.Length());
         switch (c.size) {
         case Size::Char:
@@ -399,6 +423,7 @@ private:
             *static_cast<long*>(to) = n;
             break;
         case Size::LongLong:
+        case Size::LongDouble:
             *static_cast<long long*>(to) = n;
             break;
         case Size::Pointer:
@@ -410,7 +435,7 @@ private:
         }
     }
 
-    va_list mArgs;
+    Arguments mArgs;
     ZAV_String mText;
     uint64_t mEstimate = 0;
 };
@@ -426,8 +451,9 @@ ZAV_String& ZAV_String::Format(const char* fmt, ...) {
 }
 
 ZAV_String& ZAV_String::FormatV(const char* fmt, va_list args) {
-    Formatter formatter(args);
-    formatter.Run(fmt ? fmt : "");
+    if (fmt == nullptr) fmt = "";
+    Formatter formatter(fmt, args);
+    formatter.Run(fmt);
     const unsigned length = static_cast<unsigned>(std::strlen(formatter.Text()));
     ReSize(formatter.Estimate());
     if (length > mCapacity) ReSize(length);

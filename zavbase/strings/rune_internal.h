@@ -11,6 +11,8 @@ size_t CountRunes(const char* s);
 size_t CountRunes(const char* s, size_t n);
 bool IsValid(const char* s);
 bool IsValid(const char* s, size_t n);
+/// Whether byte `at` of the range is the second or third byte of a rune.
+bool IsInsideRune(const char* s, size_t n, size_t at);
 
 } // namespace zav_utf
 

@@ -166,6 +166,12 @@ bool IsValid(const char* s, size_t n) {
     return true;
 }
 
+bool IsInsideRune(const char* s, size_t n, size_t at) {
+    const Range r{reinterpret_cast<const Byte*>(s), n};
+    return isContinuation(r.at(at)) &&
+           ((at >= 1 && usedUpBy(r, at - 1) >= 1) || (at >= 2 && usedUpBy(r, at - 2) == 2));
+}
+
 size_t CountRunes(const char* s) { return CountRunes(s, std::strlen(s)); }
 
 bool IsValid(const char* s) { return IsValid(s, std::strlen(s)); }

@@ -1,22 +1,20 @@
 #include <zavbase/strings/str.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <istream>
-#include <new>
 #include <ostream>
+
+#include <zavbase/strings/char_class_internal.h>
+#include <zavbase/strings/text_length_internal.h>
 
 char ZAV_Str::sEmpty[1] = {'\0'};
 
 namespace {
 
 constexpr uint64_t kLargestRoom = 0xFFFFFFF0u;
-
-// What does not fit becomes a request that the allocator refuses: the program has a policy for that.
-const volatile size_t refusedSize = SIZE_MAX - 64;
 
 uint64_t capacityFor(uint64_t length) { return (length / 16 + 1) * 16; }
 
@@ -32,14 +30,6 @@ void copyBytes(char* to, const char* from, size_t n) {
     if (n != 0) std::memmove(to, from, n);
 }
 
-bool isSpace(int c) { return std::isspace(c) != 0; }
-
-unsigned skippedSpace(const char* text) {
-    unsigned n = 0;
-    while (isSpace(static_cast<unsigned char>(text[n]))) ++n;
-    return n;
-}
-
 // A read that finds nothing to consume, not even a delimiter, fails: a loop on the state of the stream ends.
 bool canRead(std::istream& is) {
     if (!is.good())
@@ -52,8 +42,8 @@ bool canRead(std::istream& is) {
 } // namespace
 
 char* ZAV_Str::newBuffer(uint64_t room) {
-    const bool fits = room <= (std::min)(kLargestRoom, uint64_t{SIZE_MAX / 2});
-    void* block = ::operator new(fits ? static_cast<size_t>(room) + sizeof(Room) + 1 : refusedSize);
+    if (room > (std::min)(kLargestRoom, uint64_t{SIZE_MAX / 2})) zav_text::Refuse();
+    void* block = ::operator new(static_cast<size_t>(room) + sizeof(Room) + 1);
     const Room stored = static_cast<Room>(room);
     std::memcpy(block, &stored, sizeof stored);
     return static_cast<char*>(block) + sizeof stored;
@@ -94,7 +84,7 @@ void ZAV_Str::allocBuffer(unsigned int n) {
 
 void ZAV_Str::allocCopy(ZAV_Str& dest, int count, int index, int extra) const {
     const unsigned n = static_cast<unsigned>(count);
-    dest.allocBuffer(n + static_cast<unsigned>(extra));
+    dest.allocBuffer(zav_text::Checked(uint64_t{n} + static_cast<unsigned>(extra)));
     copyBytes(dest.mData, mData + index, n);
     dest.mLength = n;
     dest.mData[n] = '\0';
@@ -205,17 +195,19 @@ void ZAV_Str::Empty() {
 
 int ZAV_Str::Compare(const ZAV_Str& s) const { return std::strcmp(mData, s.mData); }
 
-void ZAV_Str::TrimLeft() {
-    const unsigned n = skippedSpace(mData);
+void ZAV_Str::TrimLeft() { cutFront(zav_text::LeadingSpace(mData, zav_text::kAllBytes)); }
+
+void ZAV_Str::TrimRight() { trimEnd(zav_text::kAllBytes); }
+
+void ZAV_Str::cutFront(unsigned int n) {
     if (n == 0) return;
     mLength -= n;
     std::memmove(mData, mData + n, size_t{mLength} + 1);
 }
 
-void ZAV_Str::TrimRight() {
-    const unsigned length = static_cast<unsigned>(std::strlen(mData));
-    unsigned end = length;
-    while (end > 0 && isSpace(static_cast<unsigned char>(mData[end - 1]))) --end;
+void ZAV_Str::trimEnd(int below) {
+    const unsigned length = zav_text::LengthOf(mData);
+    const unsigned end = zav_text::TrimmedLength(mData, length, below);
     if (end == length) return;
     mData[end] = '\0';
     mLength = end;
@@ -230,7 +222,7 @@ int ZAV_Str::getChar(std::istream& is) {
 
 int ZAV_Str::getCharSw(std::istream& is) {
     int c = getChar(is);
-    while (is.good() && isSpace(c)) c = getChar(is);
+    while (is.good() && zav_text::IsSpace(c)) c = getChar(is);
     return c;
 }
 
@@ -241,9 +233,14 @@ void ZAV_Str::appendRead(char c) {
 }
 
 void ZAV_Str::readToDelim(std::istream& is, char delim, boolean_t skipWhite) {
+    readSkipping(is, delim, skipWhite ? zav_text::kAllBytes : 0);
+}
+
+void ZAV_Str::readSkipping(std::istream& is, char delim, int below) {
     if (!canRead(is)) return;
     const int end = static_cast<unsigned char>(delim);
-    int c = skipWhite ? getCharSw(is) : getChar(is);
+    int c = getChar(is);
+    while (is.good() && zav_text::IsSpace(c, below)) c = getChar(is);
     for (; is.good() && c != end; c = getChar(is)) appendRead(static_cast<char>(c));
 }
 

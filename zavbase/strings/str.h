@@ -104,6 +104,7 @@ protected:
 
 private:
     friend class ZAV_SubStr;
+    friend class ZAV_UTFString;
 
     // The characters a buffer really has room for stand in front of it. They may be more than mCapacity:
     // appending makes room ahead while the visible capacity keeps growing by 16, so that a long run of
@@ -119,6 +120,9 @@ private:
     bool holds(const char* p) const;
     static char* newBuffer(uint64_t room);
     void appendRead(char c);
+    void cutFront(unsigned int n);
+    void trimEnd(int below);
+    void readSkipping(std::istream& is, char delim, int below);
     void terminate();
 
     static char sEmpty[1];

@@ -1,5 +1,7 @@
 #include <zavbase/strings/system_string.h>
 
+#include <algorithm>
+#include <climits>
 #include <memory>
 #include <ostream>
 
@@ -18,6 +20,9 @@ ZAV_TextEncodingConverter& converter() {
 
 ZAV_ProcessHooks hooks(
     ZAV_ProcessHooks::kMade, [] { converter(); }, nullptr, [] { delete &converter(); });
+
+// A room that a long cannot tell: what does not fit in the rest fails.
+long longOf(size_t room) { return static_cast<long>((std::min)(room, size_t{LONG_MAX})); }
 
 } // namespace
 
@@ -63,7 +68,7 @@ int ZAV_SystemString::Set(const ZAV_String& s) {
 int ZAV_SystemString::Set(const ZAV_UTFString& u) {
     const size_t room = 4 * size_t{u.Length()} + 1;
     const std::unique_ptr<char[]> text(new char[room]);
-    const int result = converter().Utf2Text(u, text.get(), static_cast<long>(room));
+    const int result = converter().Utf2Text(u, text.get(), longOf(room));
     mString = text.get();
     dropUtf();
     return result;
@@ -80,7 +85,7 @@ ZAV_UTFString& ZAV_SystemString::GetUtfString() {
     if (mUtfString == nullptr) {
         const size_t room = 4 * size_t{mString.Size()} + 1;
         const std::unique_ptr<char[]> utf(new char[room]);
-        converter().Text2Utf(mString, utf.get(), static_cast<long>(room));
+        converter().Text2Utf(mString, utf.get(), longOf(room));
         mUtfString = new ZAV_UTFString(utf.get());
     }
     return *mUtfString;

@@ -2,13 +2,11 @@
 
 #include <ostream>
 
+#include <zavbase/strings/char_class_internal.h>
 #include <zavbase/strings/rune_internal.h>
+#include <zavbase/strings/text_length_internal.h>
 
-namespace {
-
-unsigned lengthOf(const char* p) { return p ? static_cast<unsigned>(std::strlen(p)) : 0; }
-
-} // namespace
+using zav_text::LengthOf;
 
 ZAV_UTFString::ZAV_UTFString(const ZAV_UTFSubString& u) : ZAV_String(static_cast<const ZAV_SubStr&>(u)) {}
 
@@ -67,7 +65,7 @@ ZAV_UTFString& ZAV_UTFString::operator+=(const ZAV_UTFSubString& u) {
     return *this;
 }
 
-ZAV_UTFString& ZAV_UTFString::operator+=(const char* p) { return Append(p, lengthOf(p)); }
+ZAV_UTFString& ZAV_UTFString::operator+=(const char* p) { return Append(p, LengthOf(p)); }
 
 ZAV_UTFString& ZAV_UTFString::operator+=(const ZAV_Str& s) { return Append(s.Ptr(), s.Size()); }
 
@@ -85,7 +83,7 @@ namespace {
 // Appending cleans what needs it: the overload of the second operand decides.
 template <class First, class Second>
 ZAV_UTFString sum(const First& first, unsigned n1, const Second& second, unsigned n2) {
-    ZAV_UTFString s(n1 + n2);
+    ZAV_UTFString s(zav_text::Checked(uint64_t{n1} + n2));
     s += first;
     s += second;
     return s;
@@ -101,7 +99,7 @@ ZAV_UTFString ZAV_UTFString::operator+(const ZAV_UTFSubString& u) const {
     return sum(*this, mLength, u, u.Size());
 }
 
-ZAV_UTFString ZAV_UTFString::operator+(const char* p) const { return sum(*this, mLength, p, lengthOf(p)); }
+ZAV_UTFString ZAV_UTFString::operator+(const char* p) const { return sum(*this, mLength, p, LengthOf(p)); }
 
 ZAV_UTFString ZAV_UTFString::operator+(const ZAV_Str& s) const { return sum(*this, mLength, s, s.Size()); }
 
@@ -115,14 +113,14 @@ ZAV_UTFString ZAV_UTFString::operator+(const ZAV_SubString& s) const {
 
 ZAV_UTFString ZAV_UTFString::operator+(char c) const { return sum(*this, mLength, c, 1); }
 
-ZAV_UTFString operator+(const char* p, const ZAV_UTFString& u) { return sum(p, lengthOf(p), u, u.Size()); }
+ZAV_UTFString operator+(const char* p, const ZAV_UTFString& u) { return sum(p, LengthOf(p), u, u.Size()); }
 
-ZAV_UTFString operator+(const char* p, const ZAV_UTFSubString& u) { return sum(p, lengthOf(p), u, u.Size()); }
+ZAV_UTFString operator+(const char* p, const ZAV_UTFSubString& u) { return sum(p, LengthOf(p), u, u.Size()); }
 
 unsigned int ZAV_UTFString::Length() const { return static_cast<unsigned>(utflen(mData)); }
 
 ZAV_UTFSubString ZAV_UTFString::operator()(unsigned int pos, unsigned int len) {
-    char* const start = mData + utfbytepos(mData, pos);
+    char* const start = mData + static_cast<unsigned>(utfbytepos(mData, pos));
     return ZAV_UTFSubString(this, start, static_cast<unsigned>(utfnsize(start, len)));
 }
 
@@ -154,8 +152,22 @@ ZAV_UTFString& ZAV_UTFString::FormatV(const char* fmt, va_list args) {
     return *this;
 }
 
+void ZAV_UTFString::TrimLeft() { cutFront(zav_text::LeadingSpace(mData, zav_text::kAscii)); }
+
+void ZAV_UTFString::TrimRight() { trimEnd(zav_text::kAscii); }
+
+ZAV_String& ZAV_UTFString::ToLower() {
+    zav_text::ToLower(mData, mLength, zav_text::kAscii);
+    return *this;
+}
+
+ZAV_String& ZAV_UTFString::ToUpper() {
+    zav_text::ToUpper(mData, mLength, zav_text::kAscii);
+    return *this;
+}
+
 std::istream& ZAV_UTFString::ReadLine(std::istream& is, boolean_t skipWhite) {
-    readToDelim(is, '\n', skipWhite);
+    readSkipping(is, '\n', skipWhite ? zav_text::kAscii : 0);
     clean(0);
     return is;
 }
@@ -202,6 +214,16 @@ ZAV_UTFSubString& ZAV_UTFSubString::operator=(const char* p) { return *this = ZA
 ZAV_UTFSubString& ZAV_UTFSubString::operator=(const ZAV_Str& s) { return *this = ZAV_UTFString(s); }
 
 ZAV_UTFSubString& ZAV_UTFSubString::operator=(const ZAV_SubStr& s) { return *this = ZAV_UTFString(s); }
+
+ZAV_SubString& ZAV_UTFSubString::ToLower() {
+    zav_text::ToLower(mStart, mLength, zav_text::kAscii);
+    return *this;
+}
+
+ZAV_SubString& ZAV_UTFSubString::ToUpper() {
+    zav_text::ToUpper(mStart, mLength, zav_text::kAscii);
+    return *this;
+}
 
 unsigned int ZAV_UTFSubString::Length() const {
     return static_cast<unsigned>(zav_utf::CountRunes(mStart, mLength));

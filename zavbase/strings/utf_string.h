@@ -10,15 +10,20 @@
 /// Text that comes in (const char*, ZAV_String, ZAV_SubString, streams, Format) is taken as it is when
 /// isutfstr accepts it; otherwise every one of its bytes with the top bit set becomes "#". So the text is
 /// always valid, unless it is changed through the byte operations inherited from ZAV_String: At, Find(char),
-/// FindOneOf, ReverseFind, FindAndReplace, ToLower and ToUpper work on bytes here too. Comparisons are the
-/// inherited ones; byte order is rune order.
+/// FindOneOf, ReverseFind and FindAndReplace work on bytes here too. Comparisons are the inherited ones; byte
+/// order is rune order.
+///
+/// Trimming, blanks skipped by ReadLine, ToLower and ToUpper know ASCII only: bytes from 0x80 up are parts of
+/// runes and stay, whatever the locale says of them. These calls hide those of the base; they are not
+/// virtual, so through a `ZAV_String&` or `ZAV_Str&` the base's run and follow the locale, which in a
+/// one-byte locale may change or cut such bytes.
 class ZAV_API ZAV_UTFString : public ZAV_String {
 public:
     ZAV_UTFString() {}
     /// Empty, with room for `n` bytes.
     explicit ZAV_UTFString(unsigned int n) : ZAV_String(n) {}
     template <class Int, std::enable_if_t<std::is_integral_v<Int>, int> = 0>
-    explicit ZAV_UTFString(Int n) : ZAV_String(static_cast<unsigned int>(n)) {}
+    explicit ZAV_UTFString(Int n) : ZAV_String(ZAV_Room(n)) {}
     ZAV_UTFString(const ZAV_UTFString& u) : ZAV_String(u) {}
     ZAV_UTFString(const ZAV_UTFSubString& u);
     ZAV_UTFString(const char* p);
@@ -72,6 +77,12 @@ public:
     ZAV_UTFString& Format(const char* fmt, ...) ZAV_PRINTF_LIKE(2, 3);
     ZAV_UTFString& FormatV(const char* fmt, va_list args);
 
+    void TrimLeft();
+    void TrimRight();
+    /// Return this string as the byte string that it is.
+    ZAV_String& ToLower();
+    ZAV_String& ToUpper();
+
     /// As ZAV_Str's, then the whole text is made valid. A line ends at a line feed only; a carriage return
     /// before it is kept.
     std::istream& ReadLine(std::istream& is, boolean_t skipWhite = B_FALSE);
@@ -96,6 +107,9 @@ public:
     /// Both in runes.
     unsigned int Length() const;
     int Position() const;
+    /// ASCII only.
+    ZAV_SubString& ToLower();
+    ZAV_SubString& ToUpper();
 
 private:
     friend class ZAV_UTFString;
