@@ -40,6 +40,9 @@ TEST(I18nMsg, ReplacesOneOccurrenceForEachArgument) {
         {"text", {{"", "x"}}, "xtext", "text"},
         {"aaa", {{"aa", "b"}, {"aa", "c"}, {"a", "d"}}, "bd", "bd"},
         {"\xE2\x82\xAC<<a>>", {{"<<a>>", "\xC3\xA4"}}, "\xE2\x82\xAC\xC3\xA4", "\xE2\x82\xAC\xC3\xA4"},
+        {"\xE2\x82\xAC \x82", {{"\x82", "x"}}, "\xE2\x82\xAC \x82", "\xE2\x82\xAC x"},
+        {"\xC2\x82 \x82", {{"\x82", "x"}}, "\xC2\x82 \x82", "\xC2\x82 x"},
+        {"\x82\xE2\x82\xAC", {{"\x82", "x"}}, "x\xE2\x82\xAC", "x\xE2\x82\xAC"},
         {"<<<a>>-<<a>>>", {{"<<a>>", v.c_str()}, {"<<a>>", v.c_str()}}, both, both},
     };
     for (const auto& row : rows) {
@@ -48,6 +51,25 @@ TEST(I18nMsg, ReplacesOneOccurrenceForEachArgument) {
         EXPECT_EQ(row.mEvolving, Formatted(msg)) << row.mText;
         EXPECT_EQ(row.mOnePass, msg.FormatOnce("en", nullptr, nullptr).Ptr()) << row.mText;
     }
+}
+
+TEST(I18nMsg, FindsNoTagBehindANul) {
+    const auto bytes = [](const char* text, size_t n) {
+        return ZAV_UTFString(text, static_cast<unsigned>(n));
+    };
+    ZAV_I18nMsg msg(bytes("<<a>>\0<<a>>", 11));
+    msg.AddArg("<<a>>", bytes("1\0<<b>>", 7), ZAV_I18N_STRING);
+    msg.AddArg("<<a>>", "2", ZAV_I18N_STRING);
+    msg.AddArg("<<b>>", "3", ZAV_I18N_STRING);
+    const ZAV_UTFString expected = bytes("1\0<<b>>\0<<a>>", 13);
+    EXPECT_TRUE(msg.Format("", nullptr, nullptr) == expected &&
+                msg.FormatOnce("", nullptr, nullptr) == expected);
+    ZAV_I18nMsg longer("<<a>><<b>>");
+    longer.AddArg("<<a>>", "a longer text", ZAV_I18N_STRING);
+    longer.AddArg("<<b>>", bytes("x\0", 2), ZAV_I18N_STRING);
+    longer.AddArg("longer", "b", ZAV_I18N_STRING);
+    EXPECT_TRUE(longer.Format("", nullptr, nullptr) == bytes("a b textx\0", 10))
+        << "before it they are found";
 }
 
 TEST(I18nMsg, LooksTextsUpInTheRightResource) {
@@ -111,6 +133,12 @@ TEST(I18nMsg, NumbersReadTheSameEverywhere) {
     const std::pair<std::string, const char*> rows[] = {
         {Formatted(5u, "%05lu%%"), "00005%"},
         {Formatted(4294967295ull, "%llx"), "ffffffff"},
+        {Formatted(5000000000ll, "%d|"), "5000000000|"},
+        {Formatted(-5000000000ll, "%+15ld"), "    -5000000000"},
+        {Formatted(18446744073709551615ull, "%hu"), "18446744073709551615"},
+        {Formatted(-1ll, "%X"), "FFFFFFFFFFFFFFFF"},
+        {Formatted(65ll, "%c"), "65"},
+        {Formatted(65, "%Fd %Fd"), "65 %Fd"},
         {Formatted(static_cast<long>(4294967295u), "%I64d"), "-1"},
         {Formatted(1.5, "%.3e"), "1.500e+00"},
         {Formatted(7L, "%s and %s"), "7 and %s"},

@@ -4,6 +4,8 @@
 #include <zavbase/i18n/i18n_msg_arg.h>
 #include <zavbase/i18n/i18n_resource.h>
 #include <zavbase/i18n/number_format_internal.h>
+#include <zavbase/strings/rune_internal.h>
+#include <zavbase/strings/text_length_internal.h>
 
 #include <algorithm>
 #include <cstring>
@@ -71,6 +73,17 @@ void ZAV_I18nMsg::AddArg(const char* tag, long value, const char* format, ZAV_I1
 void ZAV_I18nMsg::AddArg(const char* tag, unsigned long value, const char* format, ZAV_I18nMsgArgType type) {
     ZAV_NumberFormat numbers(format, "diouxXc", 'u');
     AddArg(tag, ZAV_UTFString(numbers.Apply(static_cast<uint32_t>(value))), type);
+}
+
+void ZAV_I18nMsg::AddArg(const char* tag, long long value, const char* format, ZAV_I18nMsgArgType type) {
+    ZAV_NumberFormat numbers(format, "diouxX", 'd', "ll");
+    AddArg(tag, ZAV_UTFString(numbers.Apply(value)), type);
+}
+
+void ZAV_I18nMsg::AddArg(const char* tag, unsigned long long value, const char* format,
+                         ZAV_I18nMsgArgType type) {
+    ZAV_NumberFormat numbers(format, "diouxX", 'u', "ll");
+    AddArg(tag, ZAV_UTFString(numbers.Apply(value)), type);
 }
 
 void ZAV_I18nMsg::AddArg(const char* tag, double value, const char* format, ZAV_I18nMsgArgType type) {
@@ -165,18 +178,19 @@ public:
         if (mData != mOnStack) delete[] mData;
     }
 
-    bool Find(const ZAV_UTFString& tag, unsigned& at) const {
-        size_t found = std::string_view(mData, mTextLength).find({tag.Ptr(), tag.Size()});
-        at = static_cast<unsigned>(found);
-        return found != std::string_view::npos;
+    // As ZAV_UTFString::Find: when the first place is inside a rune, the text is taken not to have it.
+    bool Find(const ZAV_UTFString& tag, size_t& at) const {
+        at = std::string_view(mData, mTextLength).find({tag.Ptr(), tag.Size()});
+        return at != std::string_view::npos && !zav_utf::IsInsideRune(mData, mTextLength, at);
     }
 
-    void Splice(unsigned at, unsigned length, const ZAV_UTFString& with) {
-        MakeRoom(mLength - length + with.Size());
+    void Splice(size_t at, size_t length, const ZAV_UTFString& with) {
+        const unsigned after = zav_text::Checked(uint64_t{mLength} - length + with.Size());
+        MakeRoom(after);
         std::memmove(mData + at + with.Size(), mData + at + length, mLength - at - length);
         std::memcpy(mData + at, with.Ptr(), with.Size());
-        mLength = mLength - length + with.Size();
-        unsigned textLength = static_cast<unsigned>(std::strlen(with.Ptr()));
+        mLength = after;
+        const size_t textLength = std::strlen(with.Ptr());
         mTextLength = textLength < with.Size() ? at + textLength : mTextLength - length + textLength;
     }
 
@@ -186,16 +200,18 @@ public:
 private:
     void MakeRoom(unsigned length) {
         if (length <= mRoom) return;
-        char* data = new char[length + length / 2];
+        const uint64_t ahead = uint64_t{length} + length / 2;
+        const unsigned room = static_cast<unsigned>((std::min)(ahead, uint64_t{UINT32_MAX}));
+        char* data = new char[room];
         std::memcpy(data, mData, mLength);
         if (mData != mOnStack) delete[] mData;
         mData = data;
-        mRoom = length + length / 2;
+        mRoom = room;
     }
 
     char* mData;
     unsigned mLength;
-    unsigned mTextLength; // up to the first NUL: tags are not looked for behind it
+    size_t mTextLength; // up to the first NUL: tags are not looked for behind it
     unsigned mRoom;
     char mOnStack[500];
 };
@@ -208,7 +224,7 @@ ZAV_UTFString ZAV_I18nMsgFormatter::Format(const ZAV_I18nMsg& msg) const {
     WorkText work(found);
     for (const ZAV_I18nMsgArg& arg : Args(msg)) {
         const ZAV_I18nMsg& value = arg.GetMsg();
-        unsigned at;
+        size_t at;
         if (!work.Find(arg.GetTag(), at)) continue;
         if (IsMessage(arg))
             work.Splice(at, arg.GetTag().Size(), Format(value));
@@ -221,10 +237,12 @@ ZAV_UTFString ZAV_I18nMsgFormatter::Format(const ZAV_I18nMsg& msg) const {
     return text;
 }
 
-// The argument takes the first occurrence of its tag that overlaps no other argument's.
+// The argument takes the first occurrence of its tag that overlaps no other argument's and no rune.
 void ZAV_I18nMsgFormatter::Claim(std::vector<Place>& places, const char* text, const ZAV_I18nMsgArg& arg) {
     if (arg.GetTag().IsEmpty()) return;
+    const size_t length = std::strlen(text);
     for (const char* p = text; (p = std::strstr(p, arg.GetTag().Ptr())); ++p) {
+        if (zav_utf::IsInsideRune(text, length, static_cast<size_t>(p - text))) continue;
         Place place = {static_cast<unsigned>(p - text), &arg};
         auto overlaps = [&](const Place& o) { return place.mStart < o.End() && o.mStart < place.End(); };
         if (std::any_of(places.begin(), places.end(), overlaps)) continue;

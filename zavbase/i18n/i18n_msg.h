@@ -68,11 +68,13 @@ public:
     void AddArg(const char* tag, const ZAV_UTFString& value, ZAV_I18nMsgArgType type);
     void AddArg(const char* tag, const ZAV_I18nMsg& sub, ZAV_I18nMsgArgType type);
     /// Adds a number as text, formatted by the first conversion of a printf-style `format`. Length letters
-    /// are ignored: integers have 32 bits everywhere. A conversion that does not suit the number ("%s", "%n",
-    /// or "%d" for a double) is replaced by the usual one, a "*" counts as absent, and the text does not
-    /// depend on the process's locale.
+    /// are ignored: int and long have 32 bits everywhere, long long 64. A conversion that does not suit the
+    /// number ("%s", "%n", "%d" for a double, or "%c" for a long long) is replaced by the usual one, a "*"
+    /// counts as absent, and the text does not depend on the process's locale.
     void AddArg(const char* tag, long value, const char* format, ZAV_I18nMsgArgType type);
     void AddArg(const char* tag, unsigned long value, const char* format, ZAV_I18nMsgArgType type);
+    void AddArg(const char* tag, long long value, const char* format, ZAV_I18nMsgArgType type);
+    void AddArg(const char* tag, unsigned long long value, const char* format, ZAV_I18nMsgArgType type);
     void AddArg(const char* tag, double value, const char* format, ZAV_I18nMsgArgType type);
     void AddArg(const char* tag, int value, const char* format, ZAV_I18nMsgArgType type) {
         AddArg(tag, static_cast<long>(value), format, type);
@@ -80,18 +82,12 @@ public:
     void AddArg(const char* tag, unsigned value, const char* format, ZAV_I18nMsgArgType type) {
         AddArg(tag, static_cast<unsigned long>(value), format, type);
     }
-    void AddArg(const char* tag, long long value, const char* format, ZAV_I18nMsgArgType type) {
-        AddArg(tag, static_cast<long>(value), format, type);
-    }
-    void AddArg(const char* tag, unsigned long long value, const char* format, ZAV_I18nMsgArgType type) {
-        AddArg(tag, static_cast<unsigned long>(value), format, type);
-    }
-
     /// The text in language `lang`. The identifier is looked up in `resources`, or, if it begins with "+++",
     /// in `baseResources` without these three characters; without a resource it is its own text. Then each
     /// argument in turn replaces the first occurrence of its tag in the text as it stands by then: a tag that
     /// occurs twice needs two arguments, and a tag that an earlier argument brought in is replaced too. A tag
-    /// without argument stays, an argument without tag is left out.
+    /// without argument stays, an argument without tag is left out. Tags are looked for up to a NUL, and are
+    /// never found inside a rune.
     ZAV_UTFString Format(const char* lang, ZAV_I18nResource* resources,
                          ZAV_I18nResource* baseResources) const;
     /// The same in one pass: tags are looked for in the text of the resource only, so those that occur inside

@@ -1,12 +1,14 @@
 #include <zavbase/i18n/number_format_internal.h>
 
-#include <cctype>
+#include <algorithm>
 #include <cstring>
 
-ZAV_NumberFormat::ZAV_NumberFormat(const char* format, const char* suitable, char usual) {
+#include <zavbase/strings/format_spec_internal.h>
+
+ZAV_NumberFormat::ZAV_NumberFormat(const char* format, const char* suitable, char usual, const char* length) {
     const char* p = TakeLiteral(format ? format : "%", mBefore);
     if (!*p) return; // no conversion: the number does not show
-    p = TakeConversion(p + 1, suitable, usual);
+    p = TakeConversion(p + 1, suitable, usual, length);
     while (*p) {
         p = TakeLiteral(p, mAfter);
         if (*p) mAfter += *p++;
@@ -22,22 +24,27 @@ const char* ZAV_NumberFormat::TakeLiteral(const char* p, ZAV_String& text) {
     return p;
 }
 
-const char* ZAV_NumberFormat::TakeConversion(const char* p, const char* suitable, char usual) {
+const char* ZAV_NumberFormat::TakeConversion(const char* p, const char* suitable, char usual,
+                                             const char* length) {
+    zav_format::Conversion c;
+    p = zav_format::Read(p, c);
     mConversion = "%";
-    for (; *p && std::strchr("-+ #0", *p); ++p) mConversion += *p;
-    p = TakeDigits(p);
-    if (*p == '.') {
-        mConversion += *p;
-        p = TakeDigits(p + 1);
+    if (c.left) mConversion += '-';
+    if (c.plus) mConversion += '+';
+    if (c.blank) mConversion += ' ';
+    if (c.zero) mConversion += '0';
+    if (c.alternate != 0) mConversion += '#';
+    if (c.width > 0) AddNumber(static_cast<int>((std::min)(c.width, 999u)));
+    if (c.precision >= 0) {
+        mConversion += '.';
+        AddNumber((std::min)(c.precision, 999));
     }
-    if (std::strncmp(p, "I64", 3) == 0 || std::strncmp(p, "I32", 3) == 0) p += 3;
-    while (*p && std::strchr("hlLqjzt", *p)) ++p;
+    mConversion += length;
     mConversion += *p && std::strchr(suitable, *p) ? *p : usual;
     return *p ? p + 1 : p;
 }
 
-const char* ZAV_NumberFormat::TakeDigits(const char* p) {
-    for (int digits = 0; *p == '*' || std::isdigit(static_cast<unsigned char>(*p)); ++p)
-        if (*p != '*' && ++digits <= 3) mConversion += *p;
-    return p;
+void ZAV_NumberFormat::AddNumber(int n) {
+    ZAV_String digits;
+    mConversion += digits.Format("%d", n);
 }

@@ -4,14 +4,14 @@
 #include <zavbase/strings/byte_string.h>
 
 /// A printf-style format cut around its first conversion, which is made to fit one number, whatever the
-/// format asks for: no length letters, no "*", at most three digits of width and of precision. Later
+/// format asks for: the number's own length letters, no "*", a width and a precision of at most 999. Later
 /// conversions are plain text.
 struct ZAV_NumberFormat {
     /// `suitable` lists the conversion letters that may stay; any other becomes `usual`. A null format is one
-    /// conversion of the usual kind.
-    ZAV_NumberFormat(const char* format, const char* suitable, char usual);
+    /// conversion of the usual kind. `length` is the length letters of the number.
+    ZAV_NumberFormat(const char* format, const char* suitable, char usual, const char* length = "");
 
-    /// The text of `value`, which must be an int, unsigned or double that suits the conversion.
+    /// The text of `value`, which must be of the type that the letters and `length` stand for.
     template <class Number>
     ZAV_String Apply(Number value) const {
         ZAV_String number;
@@ -25,8 +25,8 @@ struct ZAV_NumberFormat {
 
 private:
     const char* TakeLiteral(const char* p, ZAV_String& text);
-    const char* TakeConversion(const char* p, const char* suitable, char usual);
-    const char* TakeDigits(const char* p);
+    const char* TakeConversion(const char* p, const char* suitable, char usual, const char* length);
+    void AddNumber(int n);
 };
 
 #endif
