@@ -63,12 +63,26 @@ TEST(Sort, EveryKindOfElement) {
         }
         for (const Objects& objects : kinds) ExpectSorts(objects);
     }
-    // Text ends at a NUL for the order: all are equal, and so are the empty ones.
-    Objects nuls;
-    for (const char* tail : {"d", "c", "b", "a"})
-        nuls.emplace_back(new ZAV_CltString(ZAV_String("sameprefix\0", 11) + tail));
-    for (int i = 0; i < 3; ++i) nuls.emplace_back(new ZAV_CltString(ZAV_String()));
-    ExpectSorts(nuls);
+    // Text ends at a NUL for the order: all are equal, and so are the empty ones. A sort that looked behind
+    // the NUL would put the first in another order, and read beyond the one byte that the others share.
+    for (const ZAV_String& start :
+         {ZAV_String("sameprefix\0", 11), ZAV_String("8letters\0", 9), ZAV_String("a\0", 2)}) {
+        Objects nuls;
+        ZAV_OrderedCltn c;
+        for (const char* tail : {"d", "c", "b", "a"}) {
+            nuls.emplace_back(new ZAV_CltString(start + tail));
+            c.Add(nuls.back().get());
+        }
+        c.Sort();
+        for (int i = 0; i < 4; ++i) EXPECT_EQ(c[i], nuls[static_cast<size_t>(i)].get()) << start;
+    }
+    Objects empty;
+    for (int i = 0; i < 3; ++i) {
+        ZAV_CltString* const text = new ZAV_CltString("x");
+        text->Empty();
+        empty.emplace_back(text);
+    }
+    ExpectSorts(empty);
 }
 
 TEST(Sort, WhatHasNoOrderLosesNothing) {
