@@ -66,7 +66,7 @@ TEST(Sort, EveryKindOfElement) {
     // Text ends at a NUL for the order: all are equal, and so are the empty ones. A sort that looked behind
     // the NUL would put the first in another order, and read beyond the one byte that the others share.
     for (const ZAV_String& start :
-         {ZAV_String("sameprefix\0", 11), ZAV_String("8letters\0", 9), ZAV_String("a\0", 2)}) {
+         {ZAV_String("sameprefix\0", 11), ZAV_String("8letters\0", 9), ZAV_String("a\0behind", 8)}) {
         Objects nuls;
         ZAV_OrderedCltn c;
         for (const char* tail : {"d", "c", "b", "a"}) {

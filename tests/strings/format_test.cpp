@@ -87,6 +87,8 @@ TEST(Format, ArgumentsByNumber) {
     EXPECT_EQ(made("%2$s %1$d %2$-3s|", 5, "x"), "x 5 x  |");
     EXPECT_EQ(made("%6$s %1$lld %2$c %3$Lf %4$f %5$ld", 1LL << 40, 'c', 1.5L, 2.5, -1L, "s"),
               "s 1099511627776 c 1.500000 2.500000 -1");
+    EXPECT_EQ(made("%5$s %1$a %2$La %3$p %4$b", 1.0, 1.0L, nullptr, 2, "x").substr(0, 16),
+              "x 0x1p+0 0x1p+0 ");
     EXPECT_EQ(made("%3$*1$d|%2$.*1$f|%3$-*1$d|", 4, 1.5, 7), "   7|1.5000|7   |");
     EXPECT_EQ(made("%100$d %0$d"), "%100$d %0$d") << "these are no numbers of arguments";
 }
