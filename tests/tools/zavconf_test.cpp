@@ -53,8 +53,9 @@ TEST(ZavconfJson, NamesWhatItCannotKeep) {
         {"[]", {"the whole text: an empty array becomes an empty dictionary"}},
     };
     for (const auto& [json, losses] : rows) EXPECT_EQ(ReadJson(json).mLosses, losses) << json;
-    EXPECT_EQ(Listed(R"(["\ud800\u0041\ud83d\ude00\udbff"])"), "|- 0 => (String)\xEF\xBF\xBD"
-                                                               "A\xF0\x9F\x98\x80\xEF\xBF\xBD\n");
+    EXPECT_EQ(Listed(R"({"s":["\ud800\u0041\ud83d\ude00\udbff", "\ud83d\ue000"]})"),
+              "|- s => (String#2) {\xEF\xBF\xBD"
+              "A\xF0\x9F\x98\x80\xEF\xBF\xBD,\xEF\xBF\xBD\xEE\x80\x80,}\n");
 }
 
 TEST(ZavconfJson, RefusesWhatIsNotJson) {
