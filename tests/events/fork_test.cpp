@@ -64,28 +64,31 @@ protected:
     const std::vector<Work> kWork = {
         {"values",
          [] {
-             ZAV_UValDict dict(16);
-             for (const char* key : {"a", "b", "c"}) dict.SetUVal(key, new ZAV_UValString);
+             std::vector<std::unique_ptr<ZAV_UValLong>> more(300); // than a thread has at hand
+             for (auto& value : more) value = std::make_unique<ZAV_UValLong>();
          }},
         {"trace", [] { ZAV_TRACE(traceCache, "FORK", 1, "a line of " << 3 << " parts"); }},
         {"tracer table", [] { ZAV_Tracer::SetMask("FORK", 1); }},
         {"current thread", [] { ZAV_Thread::CurrentThread(); }},
         {"queue length", [this] { mDispatcher.QueueLength(); }},
         {"listeners",
-         [this] {
+         [] {
+             ZAV_EvDispatcher dispatcher;
              Listener listener;
-             mDispatcher.RemoveListener(&listener);
+             dispatcher.AddListener(&listener);
          }},
         {"timers",
          [this] { ZAV_TimerMgr::RemoveTimer(ZAV_TimerMgr::AddTimer(100000, mHandler.GetBody(), 0)); }},
         {"timer manager", [this] { ZAV_TimerMgr::InitializeListener(B_FALSE, &mDispatcher); }},
         {"exceptions",
          [] {
-             try {
-                 ZAV_UValDict().ReadFile("no such file");
-             } catch (ZAV_Exception* e) {
-                 e->Delete();
-             }
+             ZAV_FileException exception(6, 0);
+             ZAV_AddExceptionContext(&exception, {.mPath = "a path"});
+         }},
+        {"stream buffers",
+         [] {
+             ZAV_FuncStrmbuf buffer(nullptr, nullptr);
+             buffer.sputc('x');
          }},
         {"system strings", [] { ZAV_SystemString(ZAV_UTFString("x")); }},
     };
