@@ -85,6 +85,8 @@ TEST(AllocMem, ASizeOfZeroKeepsTheBlockOneThatWrapsLosesIt) {
     ref = ZAV_AllocMemRef(0xFFFFFFF8ul, 15);
     EXPECT_FALSE(ref->IsAllocated());
     EXPECT_TRUE(ref->Allocate(8, 7));
+    const unsigned long wide = static_cast<unsigned long>(0x100000008ull); // 8 where long has 32 bits
+    EXPECT_EQ(wide == 8, ref->Reallocate(wide, 7) || ref->Reallocate(8, wide - 1));
 }
 
 // In a child process, since there is no way back.

@@ -38,6 +38,8 @@ struct SlowSink : std::streambuf {
         mWriting = false;
         return size;
     }
+    int sync() override { return ++mFlushes, 0; }
+    int mFlushes = 0;
     std::atomic<bool> mWriting{false}, mWasShared{false};
     std::vector<std::string> mLines;
 };
@@ -92,11 +94,13 @@ TEST(Tracer, LinesOfManyThreadsArriveWholeAndOneAtATime) {
 
 TEST(Tracer, AStreamTakenAwayGetsNoMore) {
     TraceCapture restores(0x10);
-    SlowSink sink;
+    SlowSink sink, tiedSink;
+    std::ostream tied(&tiedSink);
     auto os = std::make_unique<std::ostream>(&sink);
+    os->tie(&tied);
     ZAV_Tracer::SetStreamP(tr_base_name, os.get());
     ZAV_BASE_TRACE(0x10, "lost " << (ZAV_Tracer::SetStreamP(tr_base_name, nullptr), "on its way"));
-    EXPECT_TRUE(sink.mLines.empty());
+    EXPECT_TRUE(sink.mLines.empty() && tiedSink.mFlushes == 0);
 
     ZAV_Tracer::SetStreamP(tr_base_name, os.get());
     std::thread tracing([] { ZAV_BASE_TRACE(0x10, "a line that is being written"); });
@@ -123,6 +127,7 @@ TEST(Tracer, ConfiguredFromADictionary) {
 TEST(TracerZ, TableTakesThirtyNames) {
     ZAV_Tracer::FindOrCreate(tr_base_name);
     ZAV_Tracer* unnamed = ZAV_Tracer::FindOrCreate("");
+    EXPECT_EQ(unnamed, ZAV_Tracer::FindOrCreate(nullptr));
     unsigned before = NamedSlots();
     long mask = 77;
     EXPECT_EQ(0, ZAV_Tracer::GetMask("CLAIMED", &mask));

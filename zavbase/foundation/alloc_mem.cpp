@@ -15,12 +15,12 @@ ZAV_AllocMemBody::ZAV_AllocMemBody(const ZAV_AllocMemBody& other) = default;
 ZAV_AllocMemBody::~ZAV_AllocMemBody() { Free(); }
 
 boolean_t ZAV_AllocMemBody::Allocate(unsigned long size, unsigned long align) {
-    if (static_cast<uint32_t>(size) == 0) return B_FALSE;
+    if (size == 0) return B_FALSE;
     return Take(size, align, "ZAV_AllocMemBody::Allocate(%u,%u) failed to allocate memory\n");
 }
 
 boolean_t ZAV_AllocMemBody::Reallocate(unsigned long size, unsigned long align) {
-    if (static_cast<uint32_t>(size) == 0) return B_FALSE;
+    if (size == 0) return B_FALSE;
     ::operator delete(mPointer);
     mPointer = nullptr;
     return Take(size, align, "ZAV_AllocMemBody::Reallocate(%u,%u) failed to allocate memory\n");
@@ -44,10 +44,11 @@ void ZAV_AllocMemBody::MemSet(unsigned char c) {
 }
 
 boolean_t ZAV_AllocMemBody::Take(unsigned long size, unsigned long align, const char* failure) {
+    // What is wider than 32 bits is refused: cut, it would be a block smaller than the caller asked for.
     uint32_t wanted = static_cast<uint32_t>(size);
     uint32_t mask = static_cast<uint32_t>(align);
     void* block = nullptr;
-    if (wanted <= UINT32_MAX - mask) {
+    if (wanted == size && mask == align && wanted <= UINT32_MAX - mask) {
         try {
             block = ::operator new(static_cast<size_t>(wanted) + mask);
         } catch (...) {

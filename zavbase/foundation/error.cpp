@@ -3,6 +3,7 @@
 #include <zavbase/foundation/tracer.h>
 #include <zavbase/values/dict_path.h>
 
+#include <memory>
 #include <new>
 
 constinit const char* const ERR_BASE_PARAMETER_SPEC = "ERR_BASE_PARAMETER_SPEC";
@@ -43,12 +44,12 @@ ZAV_String& ZAV_ErrorException::ToString(ZAV_String& s) const {
 void ZAV_ThrowErrorException(const ZAV_Error& error) { throw new (std::nothrow) ZAV_ErrorException(error); }
 
 void ZAV_ThrowInternalError(const ZAV_Error& error) {
-    ZAV_ErrorException* exception = new (std::nothrow) ZAV_ErrorException;
-    if (!exception) throw exception;
+    std::unique_ptr<ZAV_ErrorException> exception(new (std::nothrow) ZAV_ErrorException);
+    if (!exception) throw exception.release();
     exception->mError.Set(ZAV_UTFString(ERR_BASE_INTERNAL));
     exception->mError.AddArg("<<detail>>", error, ZAV_I18N_SUBERROR);
-    ZAV_BASE_TRACE(0x1, exception);
-    throw exception;
+    ZAV_BASE_TRACE(0x1, exception.get());
+    throw exception.release();
 }
 
 void ZAV_ThrowParamSpecError(const ZAV_DictPath& path, const char* text) {

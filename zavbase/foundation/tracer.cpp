@@ -14,6 +14,7 @@
 #include <atomic>
 #include <cstring>
 #include <iterator>
+#include <memory>
 #include <mutex>
 #include <sstream>
 
@@ -111,6 +112,7 @@ ZAV_Tracer::~ZAV_Tracer() {
 }
 
 ZAV_Tracer* ZAV_Tracer::FindOrCreate(const char* name) {
+    if (!name) name = "";
     const std::lock_guard<zav_os::Lock> lock(theTableLock);
     ZAV_Tracer* free = nullptr;
     for (ZAV_Tracer& slot : theTable.slots) {
@@ -181,11 +183,15 @@ std::ostream* ZAV_TraceLine::Sink(ZAV_Tracer*& cache, const char* name, long lev
     return (Shared(tracer->mMask).load() & level) ? stream : nullptr;
 }
 
-// The parts are formatted as the sink itself would format them.
-ZAV_TraceLine::ZAV_TraceLine(std::ostream& sink) : mSink(sink), mParts(new std::ostringstream) {
+// The parts are formatted as the sink itself would format them. They flush nothing that the sink is tied to:
+// the sink does that when it gets the line.
+ZAV_TraceLine::ZAV_TraceLine(std::ostream& sink) : mSink(sink), mParts(nullptr) {
+    std::unique_ptr<std::ostringstream> parts(new std::ostringstream);
     const LineLock lock;
-    if (IsInUse(&sink)) mParts->copyfmt(sink);
-    mParts->exceptions(std::ios_base::goodbit);
+    if (IsInUse(&sink)) parts->copyfmt(sink);
+    parts->exceptions(std::ios_base::goodbit);
+    parts->tie(nullptr);
+    mParts = parts.release();
 }
 
 ZAV_TraceLine::~ZAV_TraceLine() { delete mParts; }

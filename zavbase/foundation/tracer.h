@@ -30,7 +30,7 @@ public:
     ~ZAV_Tracer();
 
     /// The tracer called `name`, taking a free slot for a new name; null when the table is full. An empty
-    /// name gets a free slot but does not name it.
+    /// or null name gets a free slot but does not name it.
     static ZAV_Tracer* FindOrCreate(const char* name);
 
     /// Both find or create the tracer; 0, or -1 when no slot could be had. SetStreamP waits until a line that
