@@ -35,7 +35,7 @@ int OnTheOtherThread(Use use) {
 
 // 0, or what went wrong.
 int Cycle(const char* path) {
-    uint32_t error = 0;
+    zav_os::ModuleError error;
     void* const module = zav_os::OpenModule(path, error);
     if (module == nullptr) return 1;
     const Use use = reinterpret_cast<Use>(zav_os::FindSymbol(module, "UseLibrary", error));
