@@ -31,7 +31,7 @@ protected:
 } // namespace
 
 TEST_F(I18nResource, FallsBackFromLanguageToDefaultsToIdentifier) {
-    Write("nl", "<< /BOTH (nederlands) /NUMBER 5 zavlong /group << /IN (binnen) >> /BAD (caf\xE9)"
+    Write("nl", "\xEF\xBB\xBF<< /BOTH (nederlands) /NUMBER 5 zavlong /group << /IN (binnen) >> /BAD (caf\xE9)"
                 "   /UTF (\xE2\x82\xAC) zavutfstring /LIST [ (eerste) (tweede) ] >>");
     ZAV_UValDict defs;
     for (const char* id : {"BOTH", "NUMBER", "DEFAULT", "group:DEEP"}) ZAV_I18nDef2Dict(&defs, id, "default");
@@ -68,6 +68,25 @@ TEST_F(I18nResource, CutsKeysAndFollowsTheSeparatorInForce) {
     ZAV_DictPath::SetSeparator('/');
     EXPECT_EQ("a/b", Get(resource, "a/b", ""));
     ZAV_DictPath::SetSeparator(':');
+}
+
+// What an entry becomes when later definitions replace it, or add to its dictionary.
+TEST_F(I18nResource, DefinitionsMayComeOneByOne) {
+    ZAV_I18nResource resource;
+    const auto add = [&](const char* text) {
+        std::istringstream is(text);
+        ZAV_UVal* defs = nullptr;
+        ZAV_ReadUValTxt(is, defs);
+        resource.SetDefaultDefs(defs);
+        delete defs;
+    };
+    add("<< /a (1) /b (2) /g:c (3) /g:d (4) >>");
+    add("<< /a << /x (5) >> /g:d (6) /b 7 >>");
+    add("<< /g:e:f (8) /h (9) >>");
+    const std::pair<const char*, const char*> rows[] = {{"a", "a"},   {"a:x", "5"}, {"b", "b"},
+                                                        {"g:c", "3"}, {"g:d", "6"}, {"g:e:f", "8"},
+                                                        {"h", "9"},   {"g", "g"}};
+    for (const auto& [id, text] : rows) EXPECT_EQ(text, Get(resource, id, "")) << id;
 }
 
 TEST_F(I18nResource, AFileThatFailsIsReportedOnceAndNotReadAgain) {

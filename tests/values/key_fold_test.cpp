@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <zavbase/values/key_fold_internal.h>
+#include <zavbase/values/dict_help_internal.h>
 
 namespace {
 
@@ -27,7 +27,7 @@ std::string AnyKey(std::mt19937& random) {
     return key;
 }
 
-uint64_t Steps(ZAV_UValDict& dict) { return ZAV_KeyFold::IfAny(*dict.GetValuePtr())->Steps(); }
+uint64_t Steps(ZAV_UValDict& dict) { return ZAV_DictHelp::IfAny(*dict.GetValuePtr())->mFold.Steps(); }
 
 TEST(KeyFold, FindsWhatTheWalkFinds) {
     std::mt19937 random(815);
@@ -98,6 +98,29 @@ TEST(KeyFold, TakesAStepForManyKeysThatDifferInCaseOnly) {
     for (unsigned i = 0; i < count; ++i) ASSERT_NE(dict.AssocAt(variant(i + count).c_str()), nullptr);
     EXPECT_EQ(dict.AssocAt(variant(count).c_str()), Walked(dict, variant(count)));
     EXPECT_LT(Steps(dict), 4 * count);
+}
+
+// Two dictionaries looked through in turn, keys at random, and entries removed where the loop stands.
+TEST(KeyOrder, TakesTheSameStepsForEachKeyHoweverManyThereAre) {
+    const int count = 20000;
+    ZAV_UValDict dict, other;
+    for (int i = 0; i < count; ++i) {
+        dict.SetEntry(("k" + std::to_string(i)).c_str(), nullptr);
+        other.SetEntry(("x" + std::to_string(i)).c_str(), nullptr);
+    }
+    for (int i = 0; i < count; ++i) {
+        const int at = static_cast<int>(i * 7919l % count);
+        ASSERT_EQ(dict.GetKey(i), "k" + std::to_string(i));
+        ASSERT_EQ(other.GetKey(at), "x" + std::to_string(at));
+    }
+    for (int i = 0; i < static_cast<int>(dict.GetSize()); ++i) {
+        dict.RemoveEntry(dict.GetKey(i));
+        ASSERT_EQ(dict.GetKey(i), "k" + std::to_string(2 * i + 1));
+        const int last = static_cast<int>(other.GetSize()) - 1;
+        if (i % 2) other.RemoveEntry(other.GetKey(last - i / 2));
+    }
+    for (ZAV_UValDict* d : {&dict, &other})
+        EXPECT_LT(ZAV_DictHelp::IfAny(*d->GetValuePtr())->mOrder.Steps(), 3u * count);
 }
 
 } // namespace

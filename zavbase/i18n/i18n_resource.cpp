@@ -13,6 +13,7 @@
 #include <memory>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 ZAV_DEFINE_CLASS(ZAV_I18nResource, ZAV_Object)
@@ -29,7 +30,9 @@ public:
     void Share() { ++mHolders; }
     bool Leave() { return --mHolders == 0; } // whether nobody is left
 
-    void Prepare();
+    /// Makes ready what has come from `defs`, which may be this itself. Others are not looked at, so that
+    /// definitions may come one by one.
+    void Prepare(ZAV_UValDict& defs);
     const ZAV_UTFString* Find(const ZAV_UTFString& id) const;
 
 private:
@@ -37,6 +40,8 @@ private:
     static void MakeUtf(ZAV_AssocUVal& entry);
 
     std::atomic<int> mHolders{1};
+    void PutIndex(ZAV_AssocUVal& entry);
+
     std::unordered_map<std::string_view, const ZAV_UTFString*> mIndex;
 };
 
@@ -55,20 +60,31 @@ void Texts::MakeUtf(ZAV_AssocUVal& entry) {
     delete entry.Value(utf.release());
 }
 
-void Texts::Prepare() {
-    std::vector<ZAV_UValDict*> open{this}; // a file may nest deeper than the stack
+void Texts::PutIndex(ZAV_AssocUVal& entry) {
+    const std::string_view key(entry.Key(), entry.KeyLength());
+    if (const ZAV_UTFString* text = TextOf(entry.Value()))
+        mIndex[key] = text;
+    else
+        mIndex.erase(key);
+}
+
+void Texts::Prepare(ZAV_UValDict& defs) {
+    std::vector<std::pair<ZAV_UValDict*, ZAV_UValDict*>> open{
+        {&defs, this}}; // may nest deeper than the stack
     while (!open.empty()) {
-        ZAV_UValDict* dict = open.back();
+        const auto [from, to] = open.back();
         open.pop_back();
-        for (ZAV_AssocUVal* e = dict->GetNextAssoc(nullptr); e; e = dict->GetNextAssoc(e)) {
-            if (!e->Value()) continue;
-            MakeUtf(*e);
-            if (ZAV_IsDict(e->Value())) open.push_back(static_cast<ZAV_UValDict*>(e->Value()));
+        for (ZAV_AssocUVal* e = from->GetNextAssoc(nullptr); e; e = from->GetNextAssoc(e)) {
+            ZAV_AssocUVal* here = from == to ? e : to->AssocAt(e->Key(), e->KeyLength());
+            if (!here || !here->Value()) continue;
+            if (ZAV_IsDict(e->Value()) && ZAV_IsDict(here->Value()))
+                open.emplace_back(static_cast<ZAV_UValDict*>(e->Value()),
+                                  static_cast<ZAV_UValDict*>(here->Value()));
+            else
+                MakeUtf(*here);
+            if (to == this) PutIndex(*here);
         }
     }
-    mIndex.clear();
-    for (ZAV_AssocUVal* e = GetNextAssoc(nullptr); e; e = GetNextAssoc(e))
-        if (const ZAV_UTFString* text = TextOf(e->Value())) mIndex[{e->Key(), e->KeyLength()}] = text;
 }
 
 // An identifier is a path. The index serves those of one key, which is not so long that it would be cut.
@@ -135,7 +151,7 @@ Texts* ReadLanguage(const ZAV_SystemString& base, const ZAV_String& lang) {
     ZAV_TRY { texts->ReadFile(file); }
     ZAV_CATCH(ZAV_Exception, e) { ZAV_BASE_TRACE(0x1, "Error reading I18n file '" << file << "'"); }
     ZAV_CATCH_END
-    texts->Prepare();
+    texts->Prepare(*texts);
     return texts.release();
 }
 
@@ -167,8 +183,9 @@ void ZAV_I18nResource::SetDefaultDefs(ZAV_Object* defs) {
         texts = new Texts;
         mDicts.AddAssoc(new ZAV_CltString(kDefaultDefs), texts);
     }
-    static_cast<ZAV_UValDict*>(defs)->CopyTo(texts);
-    texts->Prepare();
+    ZAV_UValDict& added = *static_cast<ZAV_UValDict*>(defs);
+    added.CopyTo(texts);
+    texts->Prepare(added);
 }
 
 const ZAV_UTFString& ZAV_I18nResource::GetResource(const ZAV_UTFString& id, const ZAV_String& lang) {

@@ -28,25 +28,6 @@ ZAV_AssocUVal* ZAV_WalkIgnoringCase(const ZAV_Set& table, const char* key, uint3
     }));
 }
 
-ZAV_KeyFold* ZAV_KeyFold::IfAny(const ZAV_Set& table) {
-    return static_cast<ZAV_KeyFold*>(ZAV_SetAccess::Helper(table).load(std::memory_order_acquire));
-}
-
-// Threads that read the dictionary at once may get here at once.
-ZAV_KeyFold* ZAV_KeyFold::Of(const ZAV_Set& table) {
-    if (ZAV_KeyFold* there = IfAny(table)) return there;
-    std::unique_ptr<ZAV_KeyFold> fold(new (std::nothrow) ZAV_KeyFold);
-    void* there = nullptr;
-    if (fold && ZAV_SetAccess::Helper(table).compare_exchange_strong(there, fold.get()))
-        return fold.release();
-    return static_cast<ZAV_KeyFold*>(there);
-}
-
-void ZAV_KeyFold::Drop(const ZAV_Set& table) {
-    delete IfAny(table);
-    ZAV_SetAccess::Helper(table).store(nullptr, std::memory_order_relaxed);
-}
-
 void ZAV_KeyFold::NoteKeyChange() { theKeyChanges.fetch_add(1, std::memory_order_relaxed); }
 
 ZAV_AssocUVal* ZAV_KeyFold::Find(const ZAV_UValDict& dict, const ZAV_Set& table, const char* key,

@@ -14,20 +14,11 @@
 /// entries for each key that is not there. What is found is what the walk finds: of several entries that
 /// differ in case only, the one in the lowest slot, by the rules of case that hold at the call.
 ///
-/// Made when it is first needed, dropped and made anew when the locale's case rules or a key in a dictionary
+/// Filled when it is first needed, and anew when the locale's case rules or a key in a dictionary
 /// have changed. Several threads may look up at once, as they may read the dictionary. Its memory is
 /// optional: where there is none, the table is walked.
 class ZAV_LOCAL ZAV_KeyFold {
 public:
-    /// Dictionaries up to this size are walked.
-    static constexpr uint32_t MOST_WALKED = 16;
-
-    /// The index of a dictionary's table, made if there is none; null without memory.
-    static ZAV_KeyFold* Of(const ZAV_Set& table);
-    /// The index, if there is one.
-    static ZAV_KeyFold* IfAny(const ZAV_Set& table);
-    static void Drop(const ZAV_Set& table);
-
     /// To be called when the key of an entry in a dictionary with others has changed.
     static void NoteKeyChange();
 

@@ -11,7 +11,7 @@
 
 #include <zavbase/collections/set_access_internal.h>
 #include <zavbase/foundation/tracer.h>
-#include <zavbase/values/key_fold_internal.h>
+#include <zavbase/values/dict_help_internal.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict_internal.h>
 
@@ -24,11 +24,20 @@ constinit std::atomic<std::size_t> theRemovals{0};
 
 /// Where this thread's last GetKey was, so that a loop over all keys does not walk the list again for each.
 struct KeyCursor {
+    bool IsAt(const ZAV_UValDict* dict) const {
+        return mDict == dict && mRemovals == theRemovals.load(std::memory_order_relaxed);
+    }
+    /// The number of an entry of the dictionary, if it is known; else -1.
+    int IndexOf(const ZAV_UValDict* dict, const ZAV_AssocUVal* entry) const {
+        return IsAt(dict) && mEntry == entry ? mIndex : -1;
+    }
+
     const ZAV_UValDict* mDict;
     std::size_t mRemovals;
     int mIndex;
     const ZAV_AssocUVal* mEntry;
 };
+constexpr int LONG_WAY = 8; // from the cursor, in entries
 thread_local constinit KeyCursor theKeyCursor{nullptr, 0, 0, nullptr};
 
 unsigned int KeyLength(const char* key) {
@@ -72,7 +81,7 @@ ZAV_UValDict::ZAV_UValDict(const ZAV_UValDict& other) : ZAV_UValDict(other.mSet.
 }
 
 ZAV_UValDict::~ZAV_UValDict() {
-    ZAV_KeyFold::Drop(mSet);
+    ZAV_DictHelp::Drop(mSet);
     Clear();
 }
 
@@ -196,9 +205,11 @@ const char* ZAV_UValDict::GetKey(int i) const {
     if (i < 0 || i >= size) return nullptr;
     KeyCursor& cursor = theKeyCursor;
     const std::size_t removals = theRemovals.load(std::memory_order_relaxed);
-    if (cursor.mDict != this || cursor.mRemovals != removals || i < cursor.mIndex / 2)
-        cursor = {this, removals, 0, mFirst};
+    if (!cursor.IsAt(this) || i < cursor.mIndex / 2) cursor = {this, removals, 0, mFirst};
     if (size - 1 - i < std::abs(i - cursor.mIndex)) cursor = {this, removals, size - 1, mLast};
+    if (ZAV_DictHelp* help = std::abs(i - cursor.mIndex) > LONG_WAY ? ZAV_DictHelp::Of(mSet) : nullptr)
+        if (const ZAV_AssocUVal* entry = help->mOrder.At(*this, static_cast<uint32_t>(i)))
+            cursor = {this, removals, i, entry};
     for (; cursor.mIndex < i; ++cursor.mIndex) cursor.mEntry = cursor.mEntry->mNext;
     for (; cursor.mIndex > i; --cursor.mIndex) cursor.mEntry = cursor.mEntry->mPrev;
     return cursor.mEntry->mKey;
@@ -217,8 +228,8 @@ ZAV_AssocUVal* ZAV_UValDict::AssocAt(const char* key, unsigned int length) const
 }
 
 ZAV_AssocUVal* ZAV_UValDict::FindIgnoringCase(const char* key, unsigned int length) const {
-    ZAV_KeyFold* fold = GetSize() > ZAV_KeyFold::MOST_WALKED ? ZAV_KeyFold::Of(mSet) : nullptr;
-    return fold ? fold->Find(*this, mSet, key, length) : ZAV_WalkIgnoringCase(mSet, key, length);
+    ZAV_DictHelp* help = GetSize() > ZAV_DictHelp::MOST_WALKED ? ZAV_DictHelp::Of(mSet) : nullptr;
+    return help ? help->mFold.Find(*this, mSet, key, length) : ZAV_WalkIgnoringCase(mSet, key, length);
 }
 
 ZAV_UVal* ZAV_UValDict::SetEntry(const char* key, ZAV_UVal* uval) {
@@ -250,7 +261,7 @@ void ZAV_UValDict::Adopt(ZAV_AssocUVal* entry) {
     entry->mNext = nullptr;
     (mLast ? mLast->mNext : mFirst) = entry;
     mLast = entry;
-    if (ZAV_KeyFold* fold = ZAV_KeyFold::IfAny(mSet)) fold->Add(*entry);
+    if (ZAV_DictHelp* help = ZAV_DictHelp::IfAny(mSet)) help->mFold.Add(*entry);
 }
 
 void ZAV_UValDict::AdoptAll(ZAV_AssocUVal* chain) {
@@ -263,9 +274,13 @@ void ZAV_UValDict::AdoptAll(ZAV_AssocUVal* chain) {
 
 /// Takes an entry out; it is then a chain of one.
 void ZAV_UValDict::Unlink(ZAV_AssocUVal* entry) {
+    const int index = theKeyCursor.IndexOf(this, entry);
     theRemovals.fetch_add(1, std::memory_order_relaxed);
     mSet.Remove(entry);
-    if (ZAV_KeyFold* fold = ZAV_KeyFold::IfAny(mSet)) fold->Remove(*entry, GetSize());
+    if (ZAV_DictHelp* help = ZAV_DictHelp::IfAny(mSet)) {
+        help->mFold.Remove(*entry, GetSize());
+        help->mOrder.Remove(*entry, index);
+    }
     (entry->mPrev ? entry->mPrev->mNext : mFirst) = entry->mNext;
     (entry->mNext ? entry->mNext->mPrev : mLast) = entry->mPrev;
     entry->mPrev = entry->mNext = nullptr;
@@ -276,7 +291,7 @@ ZAV_AssocUVal* ZAV_UValDict::TakeAll() {
     ZAV_AssocUVal* chain = mFirst;
     if (chain) {
         theRemovals.fetch_add(1, std::memory_order_relaxed);
-        if (ZAV_KeyFold* fold = ZAV_KeyFold::IfAny(mSet)) fold->Clear();
+        if (ZAV_DictHelp* help = ZAV_DictHelp::IfAny(mSet)) help->Clear();
         mSet.Clear();
         mFirst = mLast = nullptr;
     }

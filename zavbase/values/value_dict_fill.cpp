@@ -5,7 +5,7 @@
 #include <utility>
 
 #include <zavbase/collections/set_access_internal.h>
-#include <zavbase/values/key_fold_internal.h>
+#include <zavbase/values/dict_help_internal.h>
 #include <zavbase/values/value_dict_internal.h>
 
 ZAV_UValDict::Chain::Chain(Chain&& other) noexcept
@@ -73,7 +73,7 @@ void ZAV_UValDict::Filler::Store(ZAV_UValDict& dict, Chain& chain) {
     for (uint32_t slot = 0; slot < mSlots.size(); ++slot)
         if (mSlots[slot] != NONE) ZAV_SetAccess::Store(dict.mSet, slot, mEntries[mSlots[slot]]);
     ZAV_SetAccess::Stored(dict.mSet, chain.mCount);
-    if (ZAV_KeyFold* fold = ZAV_KeyFold::IfAny(dict.mSet)) fold->Clear();
+    if (ZAV_DictHelp* help = ZAV_DictHelp::IfAny(dict.mSet)) help->Clear();
     dict.mLast = chain.mLast;
     dict.mFirst = chain.Release();
 }
