@@ -3,16 +3,23 @@
 #include <cstring>
 #include <ostream>
 
+#include <zavbase/strings/text_length_internal.h>
+
 constinit char ZAV_DictPath::sSeparator = ':';
 
 namespace {
-unsigned int TextLength(const char* text) { return text ? static_cast<unsigned int>(std::strlen(text)) : 0; }
+
+/// The room for a path and `text` behind it, with a separator. Texts beyond 32 bits are refused.
+unsigned int RoomFor(unsigned int length, const char* text) {
+    return zav_text::Checked(uint64_t{length} + zav_text::LengthOf(text) + 1);
+}
+
 } // namespace
 
 ZAV_DictPath::ZAV_DictPath() : mFirstKey(nullptr), mEnd(nullptr), mSize(0) { CountAll(); }
 
-ZAV_DictPath::ZAV_DictPath(const char* text) : mPath(TextLength(text) + 1), mSize(0) {
-    AddKeys(text, TextLength(text));
+ZAV_DictPath::ZAV_DictPath(const char* text) : mPath(RoomFor(0, text)), mSize(0) {
+    AddKeys(text, zav_text::LengthOf(text));
 }
 
 ZAV_DictPath::ZAV_DictPath(const ZAV_String& text) : ZAV_DictPath(text.Ptr()) {}
@@ -23,9 +30,9 @@ ZAV_DictPath::ZAV_DictPath(const ZAV_DictPath& other)
 }
 
 ZAV_DictPath::ZAV_DictPath(const ZAV_DictPath& base, const char* text)
-    : mPath(base.CountedLength() + TextLength(text) + 1), mSize(base.mSize) {
+    : mPath(RoomFor(base.CountedLength(), text)), mSize(base.mSize) {
     mPath.Append(base.mFirstKey, base.CountedLength());
-    AddKeys(text, TextLength(text));
+    AddKeys(text, zav_text::LengthOf(text));
 }
 
 ZAV_DictPath::~ZAV_DictPath() = default;
@@ -41,7 +48,18 @@ ZAV_DictPath& ZAV_DictPath::operator=(const ZAV_DictPath& other) {
 // The text may lie inside this path, so it is parsed before this one changes.
 ZAV_DictPath& ZAV_DictPath::operator=(const char* text) { return *this = ZAV_DictPath(text); }
 ZAV_DictPath& ZAV_DictPath::operator=(const ZAV_String& text) { return *this = ZAV_DictPath(text); }
-ZAV_DictPath& ZAV_DictPath::operator+=(const char* text) { return *this = ZAV_DictPath(*this, text); }
+
+// Many keys may come one after the other: the path grows where it is, unless dropped keys stand behind its
+// end.
+ZAV_DictPath& ZAV_DictPath::operator+=(const char* text) {
+    if (CountedLength() != mPath.Length()) return *this = ZAV_DictPath(*this, text);
+    const ZAV_DictPath added(text);
+    mPath.Append(added.mFirstKey, added.CountedLength());
+    mSize += added.mSize;
+    CountAll();
+    return *this;
+}
+
 ZAV_DictPath ZAV_DictPath::operator+(const char* text) const { return ZAV_DictPath(*this, text); }
 
 ZAV_DictPath& ZAV_DictPath::operator--() {
