@@ -11,11 +11,13 @@ namespace zav_os {
 
 namespace {
 
+enum class State : unsigned char { Unused, Listed, Ended };
+
 struct Block {
     alignas(16) unsigned char bytes[kThreadBlockSize];
     Block* next;
-    Block** place; // what refers to it in the list; null when the thread has it not
-    bool ended;
+    Block** place; // what refers to it in the list
+    State state;
 };
 
 constinit thread_local Block ownBlock = {};
@@ -30,13 +32,13 @@ void Enlist(Block& block) {
     block.place = &blocks;
     if (blocks != nullptr) blocks->place = &block.next;
     blocks = &block;
+    block.state = State::Listed;
 }
 
 void Unlist(Block& block) {
     *block.place = block.next;
     if (block.next != nullptr) block.next->place = block.place;
-    block.place = nullptr;
-    block.ended = true;
+    block.state = State::Ended;
 }
 
 } // namespace
@@ -54,8 +56,8 @@ void AdviseRandomUse(void* block, std::size_t size) {
 }
 
 void* ThreadBlock(void (*atEnd)(void*)) noexcept {
-    if (ownBlock.place != nullptr) return ownBlock.bytes;
-    if (ownBlock.ended || !ArmThreadEnd()) return nullptr;
+    if (ownBlock.state == State::Listed) return ownBlock.bytes;
+    if (ownBlock.state == State::Ended || !ArmThreadEnd()) return nullptr;
     const std::lock_guard<Lock> guard(blocksLock);
     blockEnd = atEnd;
     Enlist(ownBlock);
@@ -63,7 +65,7 @@ void* ThreadBlock(void (*atEnd)(void*)) noexcept {
 }
 
 void EndOwnBlock() noexcept {
-    if (ownBlock.place == nullptr) return;
+    if (ownBlock.state != State::Listed) return;
     {
         const std::lock_guard<Lock> guard(blocksLock);
         Unlist(ownBlock);
@@ -86,7 +88,7 @@ void BlocksBeforeFork() noexcept { blocksLock.lock(); }
 void BlocksAfterFork(bool inChild) noexcept {
     if (inChild) {
         blocks = nullptr;
-        if (ownBlock.place != nullptr) Enlist(ownBlock);
+        if (ownBlock.state == State::Listed) Enlist(ownBlock);
     }
     blocksLock.unlock();
 }
