@@ -74,13 +74,20 @@ std::uint32_t ZAV_TimerQueue::TicksToGo(std::uint32_t now, std::uint32_t limit) 
 }
 
 void ZAV_TimerQueue::Reach(std::uint32_t now) {
-    if (!mStarted) {
-        mStarted = true;
-        mNow = mReached = now;
-        return;
-    }
+    if (mTable.Count() == 0) return Restart(now);
     const std::uint32_t passed = now - static_cast<std::uint32_t>(mNow);
     if (passed < kLeap) mNow += passed;
+}
+
+// Without timers there is no order to keep. And nobody may have told the time for longer than the ticks take
+// to wrap: what passed since would look like less.
+void ZAV_TimerQueue::Restart(std::uint32_t now) {
+    mNow = mReached = now;
+    if (mPlaceCount == 0) return;
+    for (std::vector<Place>& places : mPlaces) places.clear();
+    mUsed = 0;
+    mFront = 0;
+    mPlaceCount = 0;
 }
 
 int ZAV_TimerQueue::BucketOf(Time due) const { return static_cast<int>(std::bit_width(due ^ mReached)); }

@@ -49,6 +49,7 @@ private:
     static const int kBuckets = 64;
 
     void Reach(std::uint32_t now);
+    void Restart(std::uint32_t now);
     int BucketOf(Time due) const;
     int FirstBucket() const;
     Time FirstDue(int bucket) const { return bucket == 0 ? mReached : mEarliest[bucket]; }
@@ -61,7 +62,6 @@ private:
 
     ZAV_TimerTable mTable;
     Time mNow = 0;
-    bool mStarted = false;
     Time mReached = 0; // due time of bucket 0; not after mNow
     std::vector<Place> mPlaces[kBuckets];
     Time mEarliest[kBuckets] = {};
