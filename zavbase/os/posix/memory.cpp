@@ -11,13 +11,12 @@ namespace zav_os {
 
 namespace {
 
-enum class State : unsigned char { Unused, Listed, Ended };
-
 struct Block {
     alignas(16) unsigned char bytes[kThreadBlockSize];
     Block* next;
-    Block** place; // what refers to it in the list
-    State state;
+    Block** place; // what refers to it in the list; like next, others change it under the lock
+    bool listed;   // the thread has it; for the thread alone
+    bool ended;
 };
 
 constinit thread_local Block ownBlock = {};
@@ -32,13 +31,14 @@ void Enlist(Block& block) {
     block.place = &blocks;
     if (blocks != nullptr) blocks->place = &block.next;
     blocks = &block;
-    block.state = State::Listed;
+    block.listed = true;
 }
 
 void Unlist(Block& block) {
     *block.place = block.next;
     if (block.next != nullptr) block.next->place = block.place;
-    block.state = State::Ended;
+    block.listed = false;
+    block.ended = true;
 }
 
 } // namespace
@@ -56,8 +56,8 @@ void AdviseRandomUse(void* block, std::size_t size) {
 }
 
 void* ThreadBlock(void (*atEnd)(void*)) noexcept {
-    if (ownBlock.state == State::Listed) return ownBlock.bytes;
-    if (ownBlock.state == State::Ended || !ArmThreadEnd()) return nullptr;
+    if (ownBlock.listed) return ownBlock.bytes;
+    if (ownBlock.ended || !ArmThreadEnd()) return nullptr;
     const std::lock_guard<Lock> guard(blocksLock);
     blockEnd = atEnd;
     Enlist(ownBlock);
@@ -65,7 +65,7 @@ void* ThreadBlock(void (*atEnd)(void*)) noexcept {
 }
 
 void EndOwnBlock() noexcept {
-    if (ownBlock.state != State::Listed) return;
+    if (!ownBlock.listed) return;
     {
         const std::lock_guard<Lock> guard(blocksLock);
         Unlist(ownBlock);
@@ -88,7 +88,7 @@ void BlocksBeforeFork() noexcept { blocksLock.lock(); }
 void BlocksAfterFork(bool inChild) noexcept {
     if (inChild) {
         blocks = nullptr;
-        if (ownBlock.state == State::Listed) Enlist(ownBlock);
+        if (ownBlock.listed) Enlist(ownBlock);
     }
     blocksLock.unlock();
 }
