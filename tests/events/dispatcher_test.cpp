@@ -89,11 +89,19 @@ TEST_F(Dispatcher, AnInactiveHandlerGetsNothing) {
     EXPECT_EQ(mCleanups, 1);
 
     Post(2);
+    Post(3);
     EXPECT_EQ(mHandler->QueueEvent(nullptr, 0), 0);
+    EXPECT_EQ(Printed(*mHandler), "mRefCount=4"); // the test's reference, the list's, two events
     mDispatcher->RemoveEvHandler(*mRef);
     mDispatcher->RemoveEvHandler(never);
+    EXPECT_EQ(Printed(*mHandler), "mRefCount=3");
+    EXPECT_EQ(mDispatcher->QueueLength(), 2u);
+    mRef.reset(); // the queued events alone hold the handler
+    EXPECT_EQ(NewHandlers(), 2);
     EXPECT_EQ(Once(), Numbers{});
-    EXPECT_EQ(mCleanups, 2);
+    EXPECT_EQ(mCleanups, 3);
+    EXPECT_EQ(mDispatcher->QueueLength(), 0u);
+    EXPECT_EQ(NewHandlers(), 1);
 }
 
 TEST_F(Dispatcher, DoesWhatTheResultBitsSay) {
@@ -182,6 +190,11 @@ TEST_F(Dispatcher, AHandlerMovesBetweenDispatchersAndOutlivesThem) {
     EXPECT_EQ(Printed(*mHandler), "mRefCount=14");
     EXPECT_EQ(Once(), (Numbers{2, 2, 2}));
     EXPECT_EQ(Printed(*mHandler), "mRefCount=11");
+    mDispatcher->RemoveEvHandler(*mRef); // is still in other lists
+    mDispatcher->AddEvHandler(*mRef);
+    Post(2);
+    mDispatcher->RemoveEvHandler(*mRef);
+    EXPECT_EQ(Printed(*mHandler), "mRefCount=11"); // a list's reference fewer, an event more
     for (auto* dispatcher : {&other, &mDispatcher}) {
         (*dispatcher)->AddEvHandler(*mRef);
         Post(3);
@@ -189,7 +202,7 @@ TEST_F(Dispatcher, AHandlerMovesBetweenDispatchersAndOutlivesThem) {
         EXPECT_FALSE(mHandler->IsActive());
         EXPECT_EQ(mHandler->QueueEvent(std::unique_ptr<Numbered>(New(4)).get(), 0), -1);
     }
-    EXPECT_EQ(mCleanups, 5);
+    EXPECT_EQ(mCleanups, 6);
 }
 
 TEST_F(Dispatcher, StopWaitsForTheHandlersOfARunningDispatch) {
@@ -223,6 +236,8 @@ TEST_F(Dispatcher, StopBeforeDispatchGoesStraightToTheEnd) {
     EXPECT_EQ(mCleanups, 1);
     EXPECT_EQ(listener.mCalls, 0);
     Post(2); // a stopped dispatcher still takes events
+    mRef.reset();
+    EXPECT_EQ(NewHandlers(), 1);
     EXPECT_EQ(Once(), Numbers{});
     EXPECT_EQ(mCleanups, 2);
 }
@@ -277,6 +292,8 @@ TEST_F(Dispatcher, ListenersMayLeaveAndBeDestroyedDuringAPoll) {
     mDispatcher->AddListener(&first); // is in one at a time
     Once();
     EXPECT_EQ(first.mCalls, 1);
+    other.Dispatch(DISPATCH_ONCE);
+    EXPECT_EQ(first.mCalls, 2);
 }
 
 } // namespace

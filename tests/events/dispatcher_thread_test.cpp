@@ -77,7 +77,24 @@ TEST_F(DispatcherStress, AccountsForEveryEvent) {
     EXPECT_EQ(outOfOrder, 0);
 }
 
-// Producers and the destructor of their dispatcher, with nothing in between.
+// Threads that come late share the places where events are counted, each 32nd the same one.
+TEST_F(DispatcherStress, LiveObjectsAreCountedOnManyThreads) {
+    std::atomic<int> turn{0};
+    OnThreads(97, [&](int t) {
+        while (turn != t) std::this_thread::yield();
+        std::make_unique<ZAV_EventStart>();
+        ++turn;
+        while (turn != 97) std::this_thread::yield();
+        for (int i = 0; t % 32 == 0 && i < 200000; ++i) {
+            const ZAV_EventStart event;
+            const ZAV_EvHandlerBody handler;
+            if (i % 8 == 0) ZAV_EvDispatcher();
+        }
+    });
+}
+
+// Producers and the destructor of their dispatcher, with nothing in between; and none of their events may get
+// into the next dispatcher.
 TEST_F(DispatcherStress, ADispatcherMayGoWhileOthersPost) {
     int made = 0;
     for (int round = 0; round < 60; ++round) {
@@ -90,7 +107,9 @@ TEST_F(DispatcherStress, ADispatcherMayGoWhileOthersPost) {
         });
         while (posted < round % 7) std::this_thread::yield();
         dispatcher.reset();
+        const ZAV_EvDispatcher next;
         producer.join();
+        EXPECT_EQ(next.QueueLength(), 0u);
         made += posted;
     }
     EXPECT_EQ(mCleanedUp + mRefused, made);

@@ -15,6 +15,9 @@ typedef std::vector<long> Ids;
 // The tick count that the library sees; it stands still until set.
 std::atomic<Ticks> fakeTicks{0};
 
+thread_local std::function<void()> inTickCount;
+std::atomic<bool> entered{false}, slept{false};
+
 // The queue only hands the pointers out again, so they may be numbers; 0 is none.
 ZAV_EventTimer* TimerNumber(int id) {
     return reinterpret_cast<ZAV_EventTimer*>(static_cast<std::uintptr_t>(id));
@@ -107,6 +110,20 @@ TEST(TimerQueue, WaitsForTimesBeyondTwoToThe31) {
     }
 }
 
+// A dispatcher without timers does not tell the time, perhaps for nearly as long as the ticks take to wrap.
+TEST(TimerQueue, StandingEmptyForDaysDelaysNothing) {
+    ZAV_TimerQueue queue;
+    Ticks now = 5000;
+    for (const bool cancelled : {false, true}) {
+        queue.Insert(TimerNumber(1), 1, now, 10);
+        EXPECT_EQ(NumberOf(cancelled ? queue.Cancel(1) : queue.TakeDue(now + 10)), 1);
+        now -= 30000;
+        queue.Insert(TimerNumber(2), 2, now, 10);
+        EXPECT_EQ(NumberOf(queue.TakeDue(now + 9)), 0);
+        EXPECT_EQ(NumberOf(queue.TakeDue(now + 10)), 2);
+    }
+}
+
 TEST(TimerQueue, ToleratesAReadingThatWasOvertaken) {
     ZAV_TimerQueue queue;
     queue.Insert(TimerNumber(1), 1, 5000, 1000);
@@ -193,6 +210,21 @@ TEST_F(TimerMgr, AStoppedManagerFiresOneTimerAPoll) {
     EXPECT_EQ(After(0), (Ids{first, second}));
 }
 
+// A thread is kept inside the manager until the one that cleans up sleeps: looking and yielding alone would
+// starve a thread of lower priority.
+TEST_F(TimerMgr, CleaningUpSleepsWhileTheManagerIsUsed) {
+    std::thread user([this] {
+        inTickCount = [] {
+            entered = true;
+            while (!slept) std::this_thread::yield();
+        };
+        mHandler->RegisterTimer(1);
+    });
+    while (!entered) std::this_thread::yield();
+    ZAV_TimerMgr::CleanupListener();
+    user.join();
+}
+
 TEST_F(TimerMgr, OutlivesItsDispatcher) {
     ZAV_TimerMgr::CleanupListener();
     {
@@ -259,6 +291,12 @@ TEST_F(TimerMgr, ATimerBodyNotifiesOnceItsTimeIsUp) {
 
 } // namespace
 
-uint32_t zav_os::TickCount() { return fakeTicks; }
+uint32_t zav_os::TickCount() {
+    if (inTickCount) inTickCount();
+    return fakeTicks;
+}
 
-void zav_os::Sleep(uint32_t milliseconds) { fakeTicks += milliseconds; }
+void zav_os::Sleep(uint32_t milliseconds) {
+    fakeTicks += milliseconds;
+    if (milliseconds != 0) slept = true;
+}

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include <zavbase/events/count_internal.h>
-#include <zavbase/events/ev_port_internal.h>
-#include <zavbase/events/ev_registration_internal.h>
+#include <zavbase/events/ev_state_internal.h>
+#include <zavbase/events/ev_tie_internal.h>
 #include <zavbase/events/event.h>
+#include <zavbase/events/held_handler_internal.h>
 #include <zavbase/events/listener.h>
-#include <zavbase/events/listener_internal.h>
 #include <zavbase/events/trace_internal.h>
 #include <zavbase/foundation/new_handler.h>
 
@@ -19,68 +19,36 @@ namespace {
 
 const unsigned long kLongestInterval = 2147483; // milliseconds; the signaller counts microseconds in an int
 
-// The time from when posts see the dispatcher sleep; under its signaller.
-class Sleeping {
-public:
-    Sleeping(ZAV_EvPort& port, std::atomic<std::int32_t>& waiting) : mPort(port), mWaiting(waiting) {
-        mWaiting = 1;
-    }
-    ~Sleeping() {
-        mWaiting = 0;
-        mPort.EndSleep();
-    }
-    Sleeping(const Sleeping&) = delete;
-    Sleeping& operator=(const Sleeping&) = delete;
-
-private:
-    ZAV_EvPort& mPort;
-    std::atomic<std::int32_t>& mWaiting;
-};
-
 } // namespace
 
 int ZAV_EvDispatcher::instance_counter = 0;
 ZAV_EvDispatcher::EventTracerFn ZAV_EvDispatcher::mEventTracerFn = nullptr;
 
 ZAV_EvDispatcher::ZAV_EvDispatcher() : mWaiting(0), mStopping(0) {
-    mQueue.Add(new ZAV_EvPort(this));
+    mQueue.Add(new ZAV_EvState(*this));
     ZAV_CountLive(instance_counter, 1);
 }
 
 // Closed first: handlers may be busy posting on other threads and would never let the cleanup end.
 ZAV_EvDispatcher::~ZAV_EvDispatcher() {
-    ZAV_EvPort& port = Port();
-    port.Close();
+    State().mIntake.Close();
     Cleanup();
     DropHandlers();
     DropListeners();
-    mQueue.Clear();
-    port.Release();
+    mQueue.ClearAndDestroy();
     ZAV_CountLive(instance_counter, -1);
 }
 
-ZAV_EvPort& ZAV_EvDispatcher::Port() const { return *static_cast<ZAV_EvPort*>(mQueue.First()); }
-
-void ZAV_EvDispatcher::AddListener(ZAV_Listener* listener) {
-    if (mStopping != 0 || listener == nullptr || !zav_listeners::Claim(listener, this)) return;
-    mListeners.Add(listener);
-}
-
-// The address is only compared until it is found in the list: the listener may be gone.
-void ZAV_EvDispatcher::RemoveListener(ZAV_Listener* listener) {
-    if (listener == nullptr) return;
-    for (auto* scope = ZAV_EvPort::Dispatching::Innermost(); scope != nullptr; scope = scope->Outer())
-        if (scope->mNextListener == listener) scope->mNextListener = listener->NextLink();
-    if (mListeners.Remove(static_cast<const ZAV_Link*>(listener)) != nullptr)
-        zav_listeners::Release(listener);
-}
+ZAV_EvState& ZAV_EvDispatcher::State() const { return *static_cast<ZAV_EvState*>(mQueue.First()); }
 
 void ZAV_EvDispatcher::AddEvHandler(const ZAV_EvHandlerRef& handler) {
     if (mStopping != 0) return;
     auto entry = std::make_unique<ZAV_EvHandlerRef>(handler);
-    ZAV_EvPort& port = Port();
-    ZAV_Mutex::Lock lock(port.mHandlersLock, B_FALSE);
-    entry->GetBody()->Attach(&port);
+    ZAV_EvState& state = State();
+    ZAV_EvTie& tie = handler->Tie();
+    ZAV_Mutex::Lock lock(state.mHandlersLock, B_FALSE);
+    tie.SetPort(&state.mPort);
+    tie.Listed();
     mHandlers.Add(entry.release());
 }
 
@@ -92,12 +60,13 @@ void ZAV_EvDispatcher::RemoveHandler(ZAV_EvHandlerBody* handler) {
     std::unique_ptr<ZAV_Link> entry;
     bool lastWhenStopping = false;
     {
-        ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
+        ZAV_Mutex::Lock lock(State().mHandlersLock, B_FALSE);
         ZAV_Link* link = static_cast<ZAV_Link*>(mHandlers.First());
         while (!link->IsListEnd() && !static_cast<ZAV_EvHandlerRef*>(link)->IsRefEqual(handler))
             link = link->NextLink();
         if (link->IsListEnd()) return;
-        handler->Detach(&Port());
+        handler->Tie().SetPort(nullptr);
+        handler->Tie().Unlisted();
         entry.reset(mHandlers.Remove(static_cast<const ZAV_Link*>(link)));
         lastWhenStopping = mHandlers.IsEmpty() && mStopping != 0;
     }
@@ -105,30 +74,27 @@ void ZAV_EvDispatcher::RemoveHandler(ZAV_EvHandlerBody* handler) {
 }
 
 bool ZAV_EvDispatcher::HasHandlers() {
-    ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
+    ZAV_Mutex::Lock lock(State().mHandlersLock, B_FALSE);
     return !mHandlers.IsEmpty();
 }
 
+// The handlers still refer to the port: a stopped dispatcher takes events as long as it exists.
 void ZAV_EvDispatcher::DropHandlers() {
     for (;;) {
         std::unique_ptr<ZAV_Link> entry;
-        ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
+        ZAV_Mutex::Lock lock(State().mHandlersLock, B_FALSE);
         if (mHandlers.IsEmpty()) return;
         entry.reset(mHandlers.RemoveFirst());
-        static_cast<ZAV_EvHandlerRef*>(entry.get())->GetBody()->Settle(&Port());
+        static_cast<ZAV_EvHandlerRef*>(entry.get())->GetBody()->Tie().Unlisted();
     }
-}
-
-void ZAV_EvDispatcher::DropListeners() {
-    while (!mListeners.IsEmpty()) RemoveListener(static_cast<ZAV_Listener*>(mListeners.First()));
 }
 
 void ZAV_EvDispatcher::QueueEvent(ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority) {
     if (event == nullptr) return;
-    if (handler->IsActive())
-        Port().Send(handler->TieTo(&Port()), handler, event, priority);
-    else
-        ZAV_EvPort::Discard(event);
+    if (!handler->IsActive()) return ZAV_Event::Discard(event);
+    ZAV_EvPort& port = State().mPort;
+    port.Enter();
+    event->PostTo(port, handler, priority);
 }
 
 void ZAV_EvDispatcher::Stop() {
@@ -139,7 +105,7 @@ void ZAV_EvDispatcher::Stop() {
 // What happens before it is seen by a dispatcher that is just going to sleep.
 void ZAV_EvDispatcher::SignalChange() {
     ZAV_MutexSignaller::Lock lock(mSignaller);
-    ++Port().mChanges;
+    ++State().mChanges;
     if (mWaiting != 0) mSignaller.Signal();
 }
 
@@ -150,17 +116,17 @@ void ZAV_EvDispatcher::Wake() {
 }
 
 void ZAV_EvDispatcher::SetWakeUpInterval(unsigned long ms) {
-    Port().mWakeUpInterval = static_cast<std::uint32_t>(ms < kLongestInterval ? ms : kLongestInterval);
+    State().mWakeUpInterval = static_cast<std::uint32_t>(ms < kLongestInterval ? ms : kLongestInterval);
 }
 
-unsigned long ZAV_EvDispatcher::WakeUpInterval() const { return Port().mWakeUpInterval; }
+unsigned long ZAV_EvDispatcher::WakeUpInterval() const { return State().mWakeUpInterval; }
 
-unsigned long ZAV_EvDispatcher::QueueLength() const { return Port().Length(); }
+unsigned long ZAV_EvDispatcher::QueueLength() const { return State().mPort.Length(); }
 
-unsigned long ZAV_EvDispatcher::QueueHighWater() const { return Port().HighWater(); }
+unsigned long ZAV_EvDispatcher::QueueHighWater() const { return State().mPort.HighWater(); }
 
 void ZAV_EvDispatcher::Dispatch(ZAV_EvDispatcherControl control) {
-    const ZAV_EvPort::Dispatching here(Port());
+    const ZAV_EvPort::Dispatching here(State().mPort);
     bool done = mStopping != 0;
     while (!done) {
         DispatchBatch();
@@ -178,41 +144,23 @@ void ZAV_EvDispatcher::Dispatch(ZAV_EvDispatcherControl control) {
 }
 
 void ZAV_EvDispatcher::DispatchBatch() {
-    ZAV_EvPort& port = Port();
-    std::uint32_t rest = port.Collect();
+    ZAV_EvIntake& intake = State().mIntake;
+    std::uint32_t rest = intake.Collect();
     do {
         PollListeners();
-        if (port.AtHand() < rest) rest = (std::min)(rest, port.Collect());
+        if (intake.AtHand() < rest) rest = (std::min)(rest, intake.Collect());
         if (rest == 0) return;
-        ZAV_Event* const event = port.Take();
+        ZAV_Event* const event = intake.Take();
         if (event == nullptr) return;
         if (event->mPriority < 1) --rest;
         try {
             ZAV_BASE_TRACE(0x0200, "DispatchEvent : event" << *event);
         } catch (...) { // the host's print of it
-            port.DiscardTaken(event);
+            ZAV_Event::DiscardQueued(event);
             throw;
         }
-        DispatchEvent(event);
+        Handle(event, ZAV_HeldHandler(event->TakeDestination(), ZAV_HeldHandler::kQueued));
     } while (rest != 0);
-}
-
-void ZAV_EvDispatcher::PollListeners() {
-    if (mListeners.IsEmpty()) return;
-    ZAV_Link*& next = ZAV_EvPort::Dispatching::Innermost()->mNextListener;
-    ZAV_Listener* current = nullptr;
-    ZAV_EXCEPTION_LINK link;
-    try {
-        for (next = static_cast<ZAV_Link*>(mListeners.First()); !next->IsListEnd();) {
-            current = static_cast<ZAV_Listener*>(next);
-            next = current->NextLink();
-            current->Listen(LISTEN_POLL);
-        }
-    } catch (ZAV_Exception* e) {
-        link.mException = e;
-        ZAV_TraceCaught("Removing a listener : Dispatch caught exception in Listen():", e);
-        RemoveListener(current);
-    }
 }
 
 namespace {
@@ -240,8 +188,11 @@ private:
 } // namespace
 
 void ZAV_EvDispatcher::DispatchEvent(ZAV_Event* event) {
-    ZAV_EvHandlerBody* const destination = event->TakeDestination();
-    const ZAV_HeldHandler handler(destination, destination->TieTo(&Port()));
+    Handle(event, ZAV_HeldHandler(event->TakeDestination(), ZAV_HeldHandler::kOwn));
+}
+
+// The hold on the handler ends last.
+void ZAV_EvDispatcher::Handle(ZAV_Event* event, const ZAV_HeldHandler& handler) {
     HandledEvent handled(event, event->mDestination);
     int flags = 0;
     {
@@ -266,12 +217,12 @@ int ZAV_EvDispatcher::HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler) {
 
 // Whether to end. The changes are counted from before the tests on, so that none of them is slept over.
 bool ZAV_EvDispatcher::EndOrSleep() {
-    ZAV_EvPort& port = Port();
-    if (mStopping == 0 && port.Collect() != 0) return false;
+    ZAV_EvState& state = State();
+    if (mStopping == 0 && state.mIntake.Collect() != 0) return false;
     unsigned seenChanges;
     {
         ZAV_MutexSignaller::Lock lock(mSignaller);
-        seenChanges = port.mChanges;
+        seenChanges = state.mChanges;
     }
     if (mStopping != 0) {
         if (!HasHandlers()) {
@@ -288,7 +239,7 @@ void ZAV_EvDispatcher::TraceRemainingHandlers() {
     if (ZAV_TraceLine::Sink(tr_base, tr_base_name, 0x0100) == nullptr) return;
     std::vector<const char*> names;
     {
-        ZAV_Mutex::Lock lock(Port().mHandlersLock, B_FALSE);
+        ZAV_Mutex::Lock lock(State().mHandlersLock, B_FALSE);
         for (ZAV_Link* link = static_cast<ZAV_Link*>(mHandlers.First()); !link->IsListEnd();
              link = link->NextLink())
             names.push_back(static_cast<ZAV_EvHandlerRef*>(link)->GetBody()->ClassName());
@@ -297,12 +248,34 @@ void ZAV_EvDispatcher::TraceRemainingHandlers() {
     for (const char* name : names) ZAV_BASE_TRACE(0x0100, "  --" << name);
 }
 
+namespace {
+
+// Marks the dispatcher as asleep for its scope; under the dispatcher's signaller.
+class Asleep {
+public:
+    Asleep(ZAV_EvPort& port, std::atomic<std::int32_t>& waiting) : mPort(port), mWaiting(waiting) {
+        mWaiting = 1;
+    }
+    ~Asleep() {
+        mWaiting = 0;
+        mPort.EndSleep();
+    }
+    Asleep(const Asleep&) = delete;
+    Asleep& operator=(const Asleep&) = delete;
+
+private:
+    ZAV_EvPort& mPort;
+    std::atomic<std::int32_t>& mWaiting;
+};
+
+} // namespace
+
 void ZAV_EvDispatcher::Sleep(unsigned seenChanges) {
-    ZAV_EvPort& port = Port();
+    ZAV_EvState& state = State();
     ZAV_MutexSignaller::Lock lock(mSignaller);
-    if (port.mChanges != seenChanges || !port.BeginSleep()) return;
-    const Sleeping sleeping(port, mWaiting);
-    const std::uint32_t interval = port.mWakeUpInterval;
+    if (state.mChanges != seenChanges || !state.mIntake.BeginSleep()) return;
+    const Asleep asleep(state.mPort, mWaiting);
+    const std::uint32_t interval = state.mWakeUpInterval;
     if (interval != 0)
         lock.TimedWait(static_cast<int>(interval * 1000));
     else
@@ -317,9 +290,7 @@ void ZAV_EvDispatcher::Finish() {
 }
 
 void ZAV_EvDispatcher::Cleanup() {
-    ZAV_EvPort& port = Port();
-    const ZAV_EvPort::Dispatching here(port);
-    while (port.DiscardNext()) {
+    while (State().mIntake.DiscardNext()) {
     }
 }
 

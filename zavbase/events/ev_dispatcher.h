@@ -8,6 +8,8 @@
 #include <zavbase/threads/signaller.h>
 #include <zavbase/threads/thread.h>
 
+class ZAV_EvState;
+class ZAV_HeldHandler;
 class ZAV_Listener;
 
 /// How long ZAV_EvDispatcher::Dispatch goes on. Any other value dispatches for ever, without sleeping.
@@ -92,12 +94,13 @@ protected:
     void DispatchEvent(ZAV_Event* event);
 
 private:
-    friend class ZAV_EvPort;
+    friend class ZAV_EvState;
 
-    ZAV_EvPort& Port() const;
+    ZAV_EvState& State() const;
     void TraceEvent(const char* text, ZAV_Event* event, ZAV_EvHandlerBody* handler);
     void DispatchBatch();
     void RemoveHandler(ZAV_EvHandlerBody* handler);
+    void Handle(ZAV_Event* event, const ZAV_HeldHandler& handler);
     int HandOver(ZAV_Event* event, ZAV_EvHandlerBody* handler);
     void PollListeners();
     bool HasHandlers();
@@ -113,7 +116,7 @@ private:
     ZAV_LinkedList mListeners;
     ZAV_LinkedList mHandlers;
     ZAV_MutexSignaller mSignaller;
-    ZAV_LinkedList mQueue; ///< its one link is the port, which holds the events by priority
+    ZAV_LinkedList mQueue; ///< its one link is the state, which holds the events by priority
     std::atomic<std::int32_t> mWaiting;
     std::atomic<std::int32_t> mStopping;
 

@@ -1,38 +1,16 @@
 #include <zavbase/events/ev_handler.h>
 
-#include <mutex>
+#include <memory>
 #include <ostream>
-#include <utility>
 
 #include <zavbase/events/count_internal.h>
 #include <zavbase/events/ev_port_internal.h>
-#include <zavbase/events/ev_registration_internal.h>
+#include <zavbase/events/ev_tie_internal.h>
 #include <zavbase/events/event.h>
-#include <zavbase/events/timer_mgr.h>
 
 ZAV_DEFINE_CLASS(ZAV_EvHandlerBody, ZAV_RefCount)
 ZAV_DEFINE_CLASS(ZAV_EvHandlerRef, ZAV_Ref)
 ZAV_DEFINE_CLASS(ZAV_EvHandlerHelper, ZAV_Object)
-
-namespace {
-
-bool IsOpen(const ZAV_EvRegistration* registration) {
-    return registration != nullptr && registration->active.load(std::memory_order_acquire) &&
-           !registration->port->IsClosed();
-}
-
-// Takes the tie to the port out from among those older than `current`; null when there is none.
-ZAV_EvRegistration* UnlinkTie(ZAV_EvRegistration* current, const ZAV_EvPort* port) {
-    for (ZAV_EvRegistration* newer = current; newer != nullptr; newer = newer->older) {
-        ZAV_EvRegistration* tie = newer->older;
-        if (tie == nullptr || tie->port != port) continue;
-        newer->older = tie->older;
-        return tie;
-    }
-    return nullptr;
-}
-
-} // namespace
 
 int ZAV_EvHandlerBody::instance_counter = 0;
 
@@ -46,78 +24,41 @@ ZAV_EvHandlerBody::ZAV_EvHandlerBody(const ZAV_EvHandlerBody& other)
 ZAV_EvHandlerBody& ZAV_EvHandlerBody::operator=(const ZAV_EvHandlerBody&) { return *this; }
 
 ZAV_EvHandlerBody::~ZAV_EvHandlerBody() {
-    if (ZAV_EvRegistration* tie = mDispatcher.load(std::memory_order_acquire)) {
-        std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
-        while (tie != nullptr) delete std::exchange(tie, tie->older);
-    }
+    delete mDispatcher.load(std::memory_order_acquire);
     ZAV_CountLive(instance_counter, -1);
 }
 
-// Queued events hold the handler too, wherever they are counted.
 void ZAV_EvHandlerBody::PrintOn(std::ostream& os) {
-    int count = mRefCount;
-    {
-        std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
-        for (const ZAV_EvRegistration* tie = mDispatcher; tie != nullptr; tie = tie->older)
-            count += tie->Queued();
-    }
-    os << "mRefCount=" << count;
+    ZAV_EvTie* const tie = mDispatcher.load(std::memory_order_acquire);
+    os << "mRefCount=" << (tie != nullptr ? tie->References() : mRefCount.load());
 }
 
 int ZAV_EvHandlerBody::QueueEvent(ZAV_Event* event, long priority) {
-    ZAV_EvRegistration* registration = mDispatcher.load(std::memory_order_acquire);
-    if (!IsOpen(registration)) return -1;
-    if (event != nullptr) registration->port->Send(registration, this, event, priority);
+    const ZAV_EvTie* const tie = mDispatcher.load(std::memory_order_acquire);
+    ZAV_EvPort* const port = tie != nullptr ? ZAV_EvPort::Enter(tie->mPort) : nullptr;
+    if (port == nullptr) return -1;
+    if (event != nullptr)
+        event->PostTo(*port, this, priority);
+    else
+        port->Leave();
     return 0;
 }
 
 boolean_t ZAV_EvHandlerBody::IsActive() const {
-    return ZAV_Bool(IsOpen(mDispatcher.load(std::memory_order_acquire)));
+    const ZAV_EvTie* const tie = mDispatcher.load(std::memory_order_acquire);
+    if (tie == nullptr) return B_FALSE;
+    const ZAV_EvPort* const port = tie->mPort.load(std::memory_order_acquire);
+    return ZAV_Bool(port != nullptr && !port->IsClosed());
 }
-
-long ZAV_EvHandlerBody::RegisterTimer(unsigned long ms) { return ZAV_TimerMgr::AddTimer(ms, this, 0); }
-
-void ZAV_EvHandlerBody::UnRegisterTimer(long id) { ZAV_TimerMgr::RemoveTimer(id); }
 
 int ZAV_EvHandlerBody::HandleEvent(ZAV_Event*) { return 2; }
 
-// Other threads may be posting through any of the ties, so none is taken apart; but they look at the current
-// one only at the beginning, so the order of the older ones may change.
-void ZAV_EvHandlerBody::Attach(ZAV_EvPort* port) {
-    std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
-    ZAV_EvRegistration* current = mDispatcher.load(std::memory_order_relaxed);
-    if (current == nullptr || current->port != port) {
-        ZAV_EvRegistration* tie = UnlinkTie(current, port);
-        if (tie == nullptr) tie = new ZAV_EvRegistration(port, this);
-        if (current != nullptr) current->active.store(false, std::memory_order_release);
-        tie->older = current;
-        mDispatcher.store(tie, std::memory_order_release);
-        current = tie;
-    }
-    current->Unsettle();
-    current->active.store(true, std::memory_order_release);
-}
-
-void ZAV_EvHandlerBody::Detach(ZAV_EvPort* port) {
-    Settle(port);
-    std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
-    if (ZAV_EvRegistration* current = mDispatcher.load(std::memory_order_relaxed))
-        current->active.store(false, std::memory_order_release);
-}
-
-// Before the dispatcher lets go of the handler: until then its reference keeps the handler for queued events.
-void ZAV_EvHandlerBody::Settle(ZAV_EvPort* port) {
-    std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
-    if (ZAV_EvRegistration* tie = ZAV_EvRegistration::Find(mDispatcher.load(std::memory_order_relaxed), port))
-        tie->Settle();
-}
-
-// Without the lock if the handler is registered there now.
-ZAV_EvRegistration* ZAV_EvHandlerBody::TieTo(const ZAV_EvPort* port) const {
-    ZAV_EvRegistration* current = mDispatcher.load(std::memory_order_acquire);
-    if (current == nullptr || current->port == port) return current;
-    std::lock_guard<std::mutex> guard(ZAV_EvRegistration::Lock());
-    return ZAV_EvRegistration::Find(current, port);
+// Two threads may register the handler at once.
+ZAV_EvTie& ZAV_EvHandlerBody::Tie() {
+    ZAV_EvTie* tie = mDispatcher.load(std::memory_order_acquire);
+    if (tie != nullptr) return *tie;
+    auto made = std::make_unique<ZAV_EvTie>(mRefCount);
+    return mDispatcher.compare_exchange_strong(tie, made.get()) ? *made.release() : *tie;
 }
 
 // What a reference does, for events: they would need one each.
@@ -127,8 +68,14 @@ void ZAV_EvHandlerBody::LetGo() {
     if (mRefCount.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
 }
 
-void ZAV_EvHandlerBody::LetGoQueued(ZAV_EvRegistration* tie) {
-    if (tie == nullptr || !tie->CountTaken()) LetGo();
+void ZAV_EvHandlerBody::HoldQueued() {
+    ZAV_EvTie* const tie = mDispatcher.load(std::memory_order_acquire);
+    if (tie == nullptr || !tie->CountPosted()) Hold();
+}
+
+void ZAV_EvHandlerBody::LetGoQueued() {
+    ZAV_EvTie* const tie = mDispatcher.load(std::memory_order_acquire);
+    if (tie == nullptr || !tie->CountDone()) LetGo();
 }
 
 ZAV_EvHandlerRef::ZAV_EvHandlerRef(ZAV_EvHandlerBody* body) : ZAV_Ref(body) {}

@@ -6,8 +6,7 @@
 #include <zavbase/foundation/ref.h>
 
 class ZAV_Event;
-class ZAV_EvPort;
-class ZAV_EvRegistration;
+class ZAV_EvTie;
 
 /// Who receives events. Derive from it, override HandleEvent, make the object with new, and add it to a
 /// dispatcher through a ZAV_EvHandlerRef. The last reference deletes it: the dispatcher's list, every queued
@@ -15,7 +14,9 @@ class ZAV_EvRegistration;
 /// helper that works for it hold one each. So it may be destroyed on any thread that drops one of these.
 ///
 /// Threads: QueueEvent, IsActive and the timer calls may be used from any thread, as long as the caller's own
-/// reference keeps the body alive during the call. HandleEvent runs on the dispatching thread only.
+/// reference keeps the body alive during the call. HandleEvent runs on the thread that dispatches where the
+/// event was queued. So a handler that is added to another dispatcher while events for it are still queued in
+/// the old one may be called by both threads at once: move it when nothing is queued, or guard its members.
 class ZAV_API ZAV_EvHandlerBody : public ZAV_RefCount {
     ZAV_DECLARE_CLASS(ZAV_EvHandlerBody)
 public:
@@ -53,22 +54,18 @@ protected:
     virtual int HandleEvent(ZAV_Event* event);
 
     friend class ZAV_EvDispatcher;
-    friend class ZAV_EvPort;
-    friend class ZAV_EvRegistration;
     friend class ZAV_Event;
     friend class ZAV_HeldHandler;
 
-    /// The dispatcher's port, which outlives it; null until first registered.
-    std::atomic<ZAV_EvRegistration*> mDispatcher;
+    /// What the handler knows of dispatchers; null until first registered.
+    std::atomic<ZAV_EvTie*> mDispatcher;
 
 private:
-    void Attach(ZAV_EvPort* port);
-    void Detach(ZAV_EvPort* port);
-    void Settle(ZAV_EvPort* port);
-    ZAV_EvRegistration* TieTo(const ZAV_EvPort* port) const;
+    ZAV_EvTie& Tie();
     void Hold();
     void LetGo();
-    void LetGoQueued(ZAV_EvRegistration* tie);
+    void HoldQueued();
+    void LetGoQueued();
 };
 
 /// A counted reference to a handler. It always refers to one: there is no default constructor.

@@ -4,138 +4,117 @@
 #include <atomic>
 #include <cstdint>
 
-#include <zavbase/collections/link.h>
-#include <zavbase/events/event_queue_internal.h>
-#include <zavbase/foundation/spin_lock_internal.h>
 #include <zavbase/threads/mutex.h>
 
 class ZAV_Event;
-class ZAV_EvDispatcher;
-class ZAV_EvHandlerBody;
-class ZAV_EvRegistration;
 
-/// The part of a dispatcher that may outlive it: where handlers put their events. The dispatcher and every
-/// handler that was ever registered with it hold a count, so a handler may be used on any thread while the
-/// dispatcher is destroyed: the port is then closed and takes nothing more.
-///
-/// The queue is in the hands of one thread at a time, of the dispatching one while it dispatches. Who posts
-/// and finds it in nobody's hands puts the event into it. Else nobody waits: the event goes in front of a
-/// list of what was posted, newest first, which whoever has the queue takes as a whole and sorts in. From the
-/// queue the dispatching thread takes all events of the highest priority at a time and works through them;
-/// before each it looks whether one of a higher priority was posted meanwhile. So the order is exactly that
-/// of one locked list.
-class ZAV_EvPort : public ZAV_Link {
+/// What a port needs of the dispatcher that it works for.
+class ZAV_EvPortOwner {
 public:
-    explicit ZAV_EvPort(ZAV_EvDispatcher* owner); ///< counted once, for the owner
+    /// On any thread: an event was posted while the owner slept.
+    virtual void Wake() = 0;
+    /// On the dispatching thread: takes an event without a detour, behind all that was posted before it.
+    /// False when it cannot: the event is to be posted like others.
+    virtual bool TakeIn(ZAV_Event* event) = 0;
+
+protected:
+    ~ZAV_EvPortOwner() = default;
+};
+
+/// Where any thread puts the events for a dispatcher: a stack, newest first, that the dispatching thread
+/// takes as a whole (ZAV_EvIntake). Nobody waits for anybody.
+///
+/// The dispatcher and every handler that refers to the port are its users. A thread that posts reads the
+/// handler's reference without a lock, so it may come to a port that has just lost its last user. Therefore
+/// the memory of ports is not freed: a port without users is kept for the next dispatcher. Enter counts the
+/// post first and then reads the reference again; a port is opened anew only when no post is counted, and so
+/// no event gets into the wrong dispatcher.
+class ZAV_EvPort {
+public:
+    /// A port that is open and empty, with one user.
+    static ZAV_EvPort* Open(ZAV_EvPortOwner* owner);
     void Hold();
     void Release();
+    static void FreeUnused(); ///< when the library is unloaded
 
-    /// Addresses the event to the handler and posts it; when closed, discards it. Afterwards the event may be
-    /// gone, and so may be the handler and the port unless the caller holds them. `tie` is the handler's with
-    /// this port, or null if it has none.
-    void Send(ZAV_EvRegistration* tie, ZAV_EvHandlerBody* handler, ZAV_Event* event, long priority);
-    /// Destroys an event that will not be handled, after its EmergencyCleanup.
-    static void Discard(ZAV_Event* event);
+    /// The port that `place`, an atomic pointer, refers to, when that is open, else null. The caller must
+    /// then Post or Leave. The count is changed before the second look at the place, and the place before
+    /// anybody opens the port anew: one of the two sees the other.
+    template <class Place>
+    static ZAV_EvPort* Enter(const Place& place) {
+        for (ZAV_EvPort* port = place.load(); port != nullptr;) {
+            port->Enter();
+            ZAV_EvPort* const now = place.load();
+            if (now == port && !port->IsClosed()) return port;
+            port->Leave();
+            if (now == port) return nullptr;
+            port = now;
+        }
+        return nullptr;
+    }
+    void Enter() { mPosted.fetch_add(1); }
+    void Leave() { mPosted.fetch_sub(1); }
+    /// Posts an event that has its destination and priority, and leaves. Afterwards the event may be gone.
+    /// False when the port is closed: the event stays the caller's.
+    bool Post(ZAV_Event* event);
+
     bool IsClosed() const { return mClosed.load(std::memory_order_acquire); }
+    std::uint32_t Length() const; ///< events posted, or just being posted, and not yet taken
+    std::uint32_t HighWater();    ///< the largest Length that was noted
+    void NoteLength(std::uint32_t length);
 
-    std::uint32_t Length() const;
-    std::uint32_t HighWater(); ///< what Length would have told at most; looked at every kLook events
-    /// For ties: has events counted that were not counted there, or not any more.
-    void CountPosted(std::uint32_t count) { mPostedApart.fetch_add(count, std::memory_order_relaxed); }
-    ZAV_EvRegistration* mTies = nullptr; ///< under ZAV_EvRegistration::Lock
+    // For the dispatching thread, and for the destructor of its dispatcher.
 
-    /// Takes the queue into this thread's hands as long as it lives.
+    bool HasPosted() const { return mNewest.load(std::memory_order_seq_cst) > kClosed; }
+    ZAV_Event* TakePosted(); ///< all that was posted, newest first; null for nothing
+    void CountTaken();       ///< one event fewer
+    std::uint32_t Taken() const { return mTaken.load(std::memory_order_relaxed); }
+    /// No less than the priority of any event posted since Lower; see ZAV_EvIntake::Refill.
+    std::int32_t Urgent() const { return mUrgent.load(std::memory_order_seq_cst); }
+    void Lower(std::int32_t priority) { mUrgent.store(priority, std::memory_order_seq_cst); }
+    bool BeginSleep(); ///< false, and nothing happens, when something was posted; else the next post wakes
+    void EndSleep();
+    ZAV_Event* Close(); ///< no post gets in after it, and nobody is woken; gives what TakePosted would
+
+    /// Says that this thread dispatches for the port, as long as it lives.
     class Dispatching {
     public:
-        explicit Dispatching(ZAV_EvPort& port);
+        explicit Dispatching(const ZAV_EvPort& port);
         ~Dispatching();
         Dispatching(const Dispatching&) = delete;
         Dispatching& operator=(const Dispatching&) = delete;
 
-        /// Of those of this thread, on whatever port; null when there is none.
-        static Dispatching* Innermost();
-        Dispatching* Outer() const { return mOuter; }
-
-        /// Where its walk through the listeners stands.
-        ZAV_Link* mNextListener = nullptr;
-
     private:
-        friend class ZAV_EvPort;
-
-        bool IsDispatchedBy(const Dispatching* scope) const;
-
-        ZAV_EvPort& mPort;
-        Dispatching* const mOuter;
-        const bool mAgain; // an outer one has it already
+        const ZAV_EvPort* const mOuter;
     };
-
-    // For the dispatching thread only. Collect and Take throw when memory runs out; no event is lost then.
-
-    /// Sorts in what was posted, and gives the number of events there are then.
-    std::uint32_t Collect();
-    /// The number of events without those posted since Collect.
-    std::uint32_t AtHand() const { return mCurrent.count + mQueue.Length(); }
-    ZAV_Event* Take(); ///< the first event, or null
-    /// Destroys a taken event, after its EmergencyCleanup.
-    void DiscardTaken(ZAV_Event* event);
-    /// The same with the first event, or without memory with any; false when there is none.
-    bool DiscardNext();
-    /// False, and nothing happens, when events are there. In the other case the next post wakes the owner.
-    bool BeginSleep();
-    void EndSleep();
-
-    /// For the owner's destructor: no post gets in after it, and the owner is not called any more.
-    void Close();
-
-    /// Guards the owner's list of handlers.
-    ZAV_Mutex mHandlersLock;
-    /// Counts what a sleeping dispatcher would have to look at; under the owner's signaller.
-    unsigned mChanges = 0;
-    std::atomic<std::uint32_t> mWakeUpInterval{0};
 
 private:
     // What the newest event is when there is none; any other number is its address.
     static const std::uintptr_t kNone = 0, kAsleep = 1, kClosed = 2;
-    static const std::uint32_t kLook = 32;
-    static const std::uint32_t kCountsEnd = 1u << 31;
 
-    class Sorting;
-
-    ~ZAV_EvPort() override;
-    bool Post(ZAV_Event* event, std::int32_t priority);
-    void NoteLength(std::uint32_t length);
-    void WakeOwner();
-    void HoldByEvent(ZAV_Event* event);
-    bool PushAtOnce(ZAV_Event* event);
-    bool PushHere(ZAV_Event* event);
+    ZAV_EvPort() = default;
+    ~ZAV_EvPort() = default;
+    bool IsQuiet() const;
+    bool Push(ZAV_Event* event);
     void RaiseUrgent(std::int32_t priority);
-    void SortIn(ZAV_Event* newest);
-    ZAV_Event* TakeUnsorted();
-    ZAV_Event* TakeUnordered();
-    void Refill();
-    ZAV_Event* CountTaken(ZAV_Event* event);
+    void WakeOwner();
 
-    std::atomic<int> mUsers{1};
+    std::atomic<int> mUsers{0};
+    ZAV_EvPort* mNextFree = nullptr; // under the lock of the free ports
     ZAV_Mutex mOwnerLock;
-    ZAV_EvDispatcher* mOwner;
+    ZAV_EvPortOwner* mOwner = nullptr;
 
-    // For whoever has the queue.
-    alignas(64) ZAV_EventQueue::Chain mCurrent; // taken out of the queue and not yet handled
-    ZAV_EventQueue mQueue;
-    bool mSorting = false;
-    ZAV_Event* mUnsorted = nullptr; // taken from the producers, newest first; null unless memory ran out
-    std::atomic<std::uint32_t> mTaken{0}; // modulo 2^32
+    // Changed by every post.
+    alignas(64) std::atomic<std::uintptr_t> mNewest{kClosed};
+    std::atomic<std::uint32_t> mPosted{0}; // modulo 2^32, with those just entering
 
-    // Changed by those who post.
-    alignas(64) std::atomic<std::uintptr_t> mNewest{kNone};
-    ZAV_SpinLock mQueueLock; // of who posts while nobody dispatches
+    // Changed by the dispatching thread with every event.
+    alignas(64) std::atomic<std::uint32_t> mTaken{0}; // modulo 2^32
 
-    // What is read with every event and seldom changes.
-    alignas(64) std::atomic<std::int32_t> mUrgent{INT32_MIN}; // no less than any priority posted since Refill
-    std::atomic<std::uint32_t> mPostedApart{0};               // modulo 2^32; without what ties count
+    // Read with every event and seldom changed.
+    alignas(64) std::atomic<std::int32_t> mUrgent{INT32_MIN};
     std::atomic<std::uint32_t> mHighWater{0};
-    std::atomic<bool> mClosed{false};
-    std::atomic<bool> mDispatched{false}; // or about to be: the queue is the dispatching thread's
+    std::atomic<bool> mClosed{true};
 };
 
 #endif

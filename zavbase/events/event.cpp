@@ -2,7 +2,6 @@
 
 #include <ostream>
 
-#include <zavbase/events/ev_handler.h>
 #include <zavbase/strings/byte_string.h>
 
 ZAV_DEFINE_CLASS(ZAV_Event, ZAV_Link)
@@ -38,7 +37,7 @@ ZAV_Event& ZAV_Event::operator=(const ZAV_Event& other) {
 }
 
 ZAV_Event::~ZAV_Event() {
-    if (mDestination != nullptr) mDestination->LetGo();
+    if (mDestination != nullptr) DropDestination();
     instance_counter.Add(-1);
 }
 
@@ -57,31 +56,6 @@ void ZAV_Event::PrintOn(std::ostream& os) {
 }
 
 void ZAV_Event::EmergencyCleanup() {}
-
-// The new handler is counted before the old one is let go: the event's may be the last reference to it.
-void ZAV_Event::SetDestination(ZAV_EvHandlerBody* handler, long priority) {
-    mPriority = static_cast<zav_long32>(priority);
-    if (handler == mDestination) return;
-    ZAV_EvHandlerBody* old = mDestination;
-    handler->Hold();
-    mDestination = handler;
-    if (old != nullptr) old->LetGo();
-}
-
-// The count that the event held is the caller's now.
-ZAV_EvHandlerBody* ZAV_Event::TakeDestination() {
-    ZAV_EvHandlerBody* handler = mDestination;
-    mDestination = nullptr;
-    mPriority = 0;
-    return handler;
-}
-
-ZAV_EvHandlerRef* ZAV_Event::RemoveDestination() {
-    if (mDestination == nullptr) return nullptr;
-    ZAV_EvHandlerRef* reference = new ZAV_EvHandlerRef(mDestination);
-    TakeDestination()->LetGo();
-    return reference;
-}
 
 ZAV_EventStart::ZAV_EventStart() : ZAV_Event(kTypeStart) {}
 

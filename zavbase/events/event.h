@@ -7,6 +7,7 @@
 
 class ZAV_EvHandlerBody;
 class ZAV_EvHandlerRef;
+class ZAV_EvPort;
 class ZAV_String;
 
 /// What travels through a dispatcher: a type code, a destination while it is queued, and whatever a derived
@@ -46,6 +47,8 @@ protected:
     ZAV_EvHandlerRef* RemoveDestination();
 
     friend class ZAV_EvDispatcher;
+    friend class ZAV_EvHandlerBody;
+    friend class ZAV_EvIntake;
     friend class ZAV_EvPort;
     friend class ZAV_EventQueue;
     friend class ZAV_TimerMgr;
@@ -55,7 +58,11 @@ protected:
     zav_long32 mPriority;
 
 private:
+    void PostTo(ZAV_EvPort& port, ZAV_EvHandlerBody* handler, long priority);
+    static void Discard(ZAV_Event* event);
+    static void DiscardQueued(ZAV_Event* event);
     ZAV_EvHandlerBody* TakeDestination();
+    void DropDestination();
 };
 
 /// Asks a handler to begin its work; the library gives it no other meaning. Type "Strt".

@@ -3,8 +3,6 @@
 #include <atomic>
 #include <cstdint>
 
-#include <zavbase/events/event.h>
-
 namespace {
 
 // A thread keeps to one place. The first threads, which are those that stay, have theirs to themselves and

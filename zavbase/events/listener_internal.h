@@ -4,15 +4,14 @@
 class ZAV_EvDispatcher;
 class ZAV_Listener;
 
-/// Which dispatcher polls which listener: a listener has no room to know, but must not stay behind in a list
-/// when it is destroyed, nor look for a dispatcher that is gone. One table for the process, for any thread.
+/// What a listener needs of dispatchers, which define it: a listener has no room to know who polls it, but
+/// must not stay behind in a list when it is destroyed, nor look for a dispatcher that is gone.
 namespace zav_listeners {
 
-/// False when a dispatcher has it already.
-bool Claim(ZAV_Listener* listener, ZAV_EvDispatcher* dispatcher);
-void Release(ZAV_Listener* listener);
-/// Null when no dispatcher has it.
-ZAV_EvDispatcher* Owner(ZAV_Listener* listener);
+/// Has the dispatcher poll the listener, as ZAV_EvDispatcher::AddListener does.
+void Enter(ZAV_EvDispatcher* dispatcher, ZAV_Listener* listener);
+/// Takes the listener out of the dispatcher that polls it, if there is one.
+void Leave(ZAV_Listener* listener);
 
 } // namespace zav_listeners
 

@@ -3,16 +3,14 @@
 #include <memory>
 #include <mutex>
 #include <ostream>
-#include <thread>
 
-#include <zavbase/events/ev_dispatcher.h>
-#include <zavbase/events/ev_port_internal.h>
-#include <zavbase/events/ev_registration_internal.h>
+#include <zavbase/events/held_handler_internal.h>
 #include <zavbase/events/listener_internal.h>
 #include <zavbase/events/ticks_internal.h>
 #include <zavbase/events/timer_queue_internal.h>
 #include <zavbase/events/trace_internal.h>
 #include <zavbase/foundation/process_hooks_internal.h>
+#include <zavbase/foundation/spin_lock_internal.h>
 #include <zavbase/threads/time.h>
 #include <zavbase/values/config.h>
 
@@ -115,6 +113,11 @@ long ZAV_EventTimer::TimeToGo(unsigned long now) const {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(mTimeout) - elapsed);
 }
 
+// Defined here: the handler knows nothing of timers.
+long ZAV_EvHandlerBody::RegisterTimer(unsigned long ms) { return ZAV_TimerMgr::AddTimer(ms, this, 0); }
+
+void ZAV_EvHandlerBody::UnRegisterTimer(long id) { ZAV_TimerMgr::RemoveTimer(id); }
+
 ZAV_TimerMgr* ZAV_TimerMgr::theTimerMgr = nullptr;
 
 void ZAV_TimerMgr::InitializeListener(boolean_t ownThread, ZAV_EvDispatcher* dispatcher) {
@@ -130,7 +133,7 @@ void ZAV_TimerMgr::InitializeListener(boolean_t ownThread, ZAV_EvDispatcher* dis
 // No lock is held while it is destroyed: destructors of handlers may call back.
 void ZAV_TimerMgr::CleanupListener() {
     ZAV_TimerMgr* manager = TheManager().exchange(nullptr);
-    while (theUsers.load() != 0) std::this_thread::yield();
+    for (int looks = 0; theUsers.load() != 0; ++looks) ZAV_SpinLock::Pause(looks);
     delete manager;
 }
 
@@ -159,7 +162,7 @@ ZAV_TimerMgr::~ZAV_TimerMgr() {
 void ZAV_TimerMgr::Initialize(boolean_t ownThread, ZAV_EvDispatcher* dispatcher) {
     if (!ownThread) {
         mDispatcher = dispatcher;
-        if (dispatcher != nullptr) dispatcher->AddListener(this);
+        if (dispatcher != nullptr) zav_listeners::Enter(dispatcher, this);
         return;
     }
     mThread = new ZAV_ListenerThread("ZAV_TimerMgr", *this);
@@ -168,13 +171,11 @@ void ZAV_TimerMgr::Initialize(boolean_t ownThread, ZAV_EvDispatcher* dispatcher)
         mThread->SetPriority(static_cast<int>(ZAV_ConfigGet("ZAV", "SYSTEM", "TIMER_PRIORITY", 0L)));
 }
 
-// The dispatcher is asked for by way of the table of listeners: it may be gone.
+// The dispatcher may be gone.
 void ZAV_TimerMgr::Cleanup() {
     if (mStopped == 0) Stop();
-    if (mDispatcher != nullptr) {
-        if (ZAV_EvDispatcher* dispatcher = zav_listeners::Owner(this)) dispatcher->RemoveListener(this);
-        mDispatcher = nullptr;
-    }
+    if (mDispatcher != nullptr) zav_listeners::Leave(this);
+    mDispatcher = nullptr;
     if (mThread != nullptr) {
         mThread->WaitForThread();
         delete mThread;
@@ -275,11 +276,11 @@ bool ZAV_TimerMgr::FireOne(std::uint32_t& now) {
 void ZAV_TimerMgr::QueueTimer(ZAV_EventTimer* timer) {
     std::unique_ptr<ZAV_EventTimer> owned(timer);
     const long priority = timer->mPriority;
-    const ZAV_HeldHandler handler(timer->TakeDestination(), nullptr);
+    const ZAV_HeldHandler handler(timer->TakeDestination(), ZAV_HeldHandler::kOwn);
     try {
         const bool taken = handler->QueueEvent(timer, priority) >= 0;
         owned.release();
-        if (!taken) ZAV_EvPort::Discard(timer);
+        if (!taken) ZAV_Event::Discard(timer);
     } catch (ZAV_Exception* e) {
         ZAV_EXCEPTION_LINK link;
         link.mException = e;

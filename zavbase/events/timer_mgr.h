@@ -57,7 +57,10 @@ public:
     /// "SET_TIMER_PRIORITY" to other than 0: then it has the value of "TIMER_PRIORITY".
     static void InitializeListener(boolean_t ownThread, ZAV_EvDispatcher* dispatcher);
     /// Ends the manager's thread or takes it out of its dispatcher, and destroys it and all pending timers.
-    /// A polled manager must be cleaned up on the dispatching thread, or when nothing dispatches.
+    /// A polled manager must be cleaned up on the dispatching thread, or when nothing dispatches. Not to be
+    /// called from what the manager itself calls when a timer falls due whose handler is gone:
+    /// EmergencyCleanup and the destructors of event and handler. On the manager's own thread it would end
+    /// that thread half-way.
     static void CleanupListener();
 
     /// Has a ZAV_EventTimer queued for the handler with this priority after `ms` milliseconds, 0 to 2^32-1.

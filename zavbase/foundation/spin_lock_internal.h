@@ -14,6 +14,8 @@ public:
     bool try_lock() {
         return !mHeld.load(std::memory_order_relaxed) && !mHeld.exchange(true, std::memory_order_acquire);
     }
+    /// What a waiting thread does after so many looks.
+    static void Pause(int looks);
     void unlock() { mHeld.store(false, std::memory_order_release); }
 
 private:
