@@ -33,7 +33,6 @@ struct Tracing {
 struct SlowSink : std::streambuf {
     std::streamsize xsputn(const char* text, std::streamsize size) override {
         mWasShared = mWriting.exchange(true) || mWasShared;
-        mStarted = true;
         for (int i = 0; i < 200; ++i) std::this_thread::yield();
         mLines.emplace_back(text, static_cast<size_t>(size));
         mWriting = false;
@@ -41,7 +40,7 @@ struct SlowSink : std::streambuf {
     }
     int sync() override { return ++mFlushes, 0; }
     int mFlushes = 0;
-    std::atomic<bool> mStarted{false}, mWriting{false}, mWasShared{false};
+    std::atomic<bool> mWriting{false}, mWasShared{false};
     std::vector<std::string> mLines;
 };
 
@@ -105,7 +104,7 @@ TEST(Tracer, AStreamTakenAwayGetsNoMore) {
 
     ZAV_Tracer::SetStreamP(tr_base_name, os.get());
     std::thread tracing([] { ZAV_BASE_TRACE(0x10, "a line that is being written"); });
-    while (!sink.mStarted) std::this_thread::yield();
+    while (!sink.mWriting) std::this_thread::yield();
     ZAV_Tracer::SetStreamP(tr_base_name, nullptr);
     EXPECT_FALSE(sink.mWriting);
     os.reset();

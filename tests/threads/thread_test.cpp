@@ -108,6 +108,21 @@ TEST(Thread, AnExitExceptionEndsItInOrder) {
     EXPECT_EQ(2, w.mCleanups);
 }
 
+TEST(Thread, UnwoundByTheSystemEndsInOrder) {
+    for (const auto unwind : kUnwindings) {
+        int destroyed = 0;
+        Worker w([&](Worker&) {
+            const std::shared_ptr<void> flag(nullptr, [&](void*) { ++destroyed; });
+            unwind();
+        });
+        for (int run = 1; run < 3; ++run) {
+            w.BeginAndEnd();
+            EXPECT_EQ(run, destroyed);
+            EXPECT_FALSE(w.Running());
+        }
+    }
+}
+
 TEST(Thread, ADetachedObjectMayGoBeforeItsThread) {
     ZAV_Semaphore entered, proceed, leaving;
     Worker* w = new Worker(

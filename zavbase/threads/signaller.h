@@ -8,8 +8,28 @@
 /// meanwhile.
 ///
 /// A signal is kept for as many waiters as were counted when it was given; with none it is lost. It may be
-/// consumed by a thread that began to wait later, so a waiter tests its condition again. A waiter that timed
-/// out stays counted: the next signal leaves a unit behind, which makes one later wait return at once.
+/// consumed by a thread that began to wait later, even by the one that gave it, so a waiter tests its
+/// condition again. A waiter that timed out stays counted: the next signal leaves a unit behind, which makes
+/// one later wait return at once.
+///
+/// Therefore one signaller serves one direction. Where two threads pass a turn to each other under the same
+/// one, who gave the turn may take his own signal, find that it is not his turn, and sleep on; the other was
+/// not woken, and both sleep for ever. With one for each direction they do not:
+///
+///     struct Turn {
+///         ZAV_MutexSignaller signaller;
+///         bool given = false;
+///     } toFirst, toSecond;
+///     void Give(Turn& turn) {
+///         ZAV_MutexSignaller::Lock lock(turn.signaller);
+///         turn.given = true;
+///         turn.signaller.Signal();
+///     }
+///     void Await(Turn& turn) {
+///         ZAV_MutexSignaller::Lock lock(turn.signaller);
+///         while (!turn.given) lock.Wait();
+///         turn.given = false;
+///     }
 class ZAV_API ZAV_MutexSignaller {
 public:
     ZAV_MutexSignaller();

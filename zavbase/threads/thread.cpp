@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 ZAV_DEFINE_CLASS(ZAV_Thread, ZAV_CltObject)
 
@@ -194,22 +195,32 @@ void ZAV_Thread::Unregister() {
 }
 
 void ZAV_Thread::precreate(void* argument) {
+    struct Last {
+        ~Last() {
+            ZAV_Mutex::Lock guard(threadsmutex(), B_FALSE);
+            delete std::exchange(ownRun, nullptr);
+        }
+    } const last;
+    ownRun = static_cast<Run*>(argument);
     create(argument);
-    ZAV_Mutex::Lock guard(threadsmutex(), B_FALSE);
-    delete static_cast<Run*>(argument);
-    ownRun = nullptr;
 }
 
+// The body may return, throw, or be unwound (pthread_exit, cancellation). Running ends once: after that the
+// object may have been started anew.
 void ZAV_Thread::create(void* argument) {
     Run& run = *static_cast<Run*>(argument);
-    ownRun = &run;
-    const auto end = [&run]() -> ZAV_Thread* {
-        ZAV_SetThreadLinkHead(nullptr);
-        ZAV_Mutex::Lock guard(threadsmutex(), B_FALSE);
-        if (!run.thread) return nullptr;
-        run.thread->mLinkHead = nullptr;
-        run.thread->Running(B_FALSE);
-        return run.thread;
+    struct Body {
+        ~Body() { End(); }
+        ZAV_Thread* End() {
+            ZAV_SetThreadLinkHead(nullptr);
+            ZAV_Mutex::Lock guard(threadsmutex(), B_FALSE);
+            if (!std::exchange(mRuns, false) || !mRun.thread) return nullptr;
+            mRun.thread->mLinkHead = nullptr;
+            mRun.thread->Running(B_FALSE);
+            return mRun.thread;
+        }
+        Run& mRun;
+        bool mRuns = true;
     };
     ZAV_Thread* thread;
     {
@@ -223,11 +234,11 @@ void ZAV_Thread::create(void* argument) {
         // A detached object may go before its thread, so that uses its own place for the chain.
         ZAV_SetThreadLinkHead(thread->mFlag == ZAV_THREAD_DETACHED ? nullptr : &thread->mLinkHead);
     }
+    Body body{run};
     try {
         thread->run();
-        end();
     } catch (const ExitException&) {
-        if ((thread = end())) thread->cleanup();
+        if ((thread = body.End())) thread->cleanup();
     }
 }
 
@@ -236,7 +247,7 @@ ZAV_ThreadError ZAV_Thread::exit_thread() {
         ZAV_Mutex::Lock guard(threadsmutex(), B_FALSE);
         // Without a run, what calls this is a destructor of the thread's, and the thread has ended already.
         if (!caller_is_self() || ownRun == nullptr) return ZAV_ThreadError::MapOSError(22);
-        delete ownRun;
+        delete std::exchange(ownRun, nullptr);
     }
     ZAV_SetThreadLinkHead(nullptr);
     zav_os::ThreadExit();

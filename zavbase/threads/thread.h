@@ -37,7 +37,8 @@ enum ZAV_ThreadCleanup : int { ZAV_THREAD_CLEANUP_NONE = 0 };
 ///
 /// Threads: BeginThread, the priorities and the destructor are for the owner, and a restart or the destructor
 /// only once nobody waits for the former run any more; everything else is for any thread. An exception that
-/// leaves `run`, other than ZAV_Thread::ExitException, ends the process.
+/// leaves `run`, other than ZAV_Thread::ExitException, ends the process. (On Linux pthread_exit and
+/// cancellation are none: they unwind the body, and the thread ends in order.)
 class ZAV_API ZAV_Thread : public ZAV_CltObject {
     ZAV_DECLARE_CLASS(ZAV_Thread)
 public:
@@ -50,8 +51,10 @@ public:
     ~ZAV_Thread() override;
 
     /// Starts the thread, with a stack of `stackSize` bytes or, for 0, the system's default. 22 when it is
-    /// running or about to. A stopped object can be started again. Running() may still be false just after
-    /// this.
+    /// running or about to. Running() may still be false just after this. A stopped object can be started
+    /// again, but only after WaitForThread: it counts as stopped while its body is still on the way out, and
+    /// a second body would run beside that one on the same object. (A dispatcher's or listener's thread
+    /// counts as running until its body has ended, whatever StopThread was told.)
     ZAV_ThreadError BeginThread(ZAV_ThreadCleanup cleanup, unsigned int stackSize);
     /// Asks the thread to stop: Running() becomes false. On the thread itself it does not return: the thread
     /// ends at once, without destroying the objects on its stack.
@@ -65,8 +68,9 @@ public:
     /// the thread stays registered.
     ZAV_ThreadError WaitForThread(unsigned long milliseconds);
     /// Waits for the end of one of the registered running threads. It hands the system thread identifiers
-    /// where that expects handles, so it nearly always returns the system's error, with `which` null; kept
-    /// for the hosts that know it so.
+    /// where that expects handles, so it nearly always returns the system's error, with `which` null. On
+    /// Windows it may also never return: an identifier may be the value of some handle of the process, which
+    /// is then waited for. Kept for the hosts that know it so; wait for each thread instead.
     static ZAV_ThreadError WaitForAnyThread(ZAV_Thread*& which);
 
     /// Whether the body is running and was not asked to stop.

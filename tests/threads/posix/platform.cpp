@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <iterator>
+#include <pthread.h>
 
 static size_t Entries(const char* folder) {
     const std::filesystem::directory_iterator begin(folder);
@@ -9,5 +10,11 @@ static size_t Entries(const char* folder) {
 }
 
 size_t SystemObjects() { return Entries("/proc/self/fd") + Entries("/proc/self/task"); }
+
+const std::vector<void (*)()> kUnwindings = {[] { pthread_exit(nullptr); },
+                                             [] {
+                                                 pthread_cancel(pthread_self());
+                                                 pthread_testcancel();
+                                             }};
 
 const int kEffort = 10;

@@ -8,4 +8,6 @@ size_t SystemObjects() {
     return count;
 }
 
+const std::vector<void (*)()> kUnwindings;
+
 const int kEffort = 1; // a contended lock is a call of the kernel, and slow where that is emulated

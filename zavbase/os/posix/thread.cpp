@@ -62,17 +62,29 @@ void Drop(Thread* thread) {
     delete thread;
 }
 
-void* Main(void* argument) noexcept {
+/// The end of the calling thread, when its entry has returned or was unwound: pthread_exit and cancellation
+/// do that. The lock keeps the identifier from being given away while the priority is asked for or set.
+struct Ending {
+    ~Ending() {
+        AbandonWriteLocks();
+        uint32_t before;
+        {
+            const std::lock_guard<Lock> guard(threadsLock);
+            before = self->state.exchange(kEnded, std::memory_order_acq_rel);
+        }
+        if (before == kAwaited) FutexWake(&self->state, INT_MAX);
+        Drop(self);
+    }
+};
+
+void* Main(void* argument) {
     self = static_cast<Thread*>(argument);
     self->id.store(CurrentThreadId(), std::memory_order_relaxed);
+    const Ending ending;
     // Ending a thread from inside is a jump to here, which passes destructors and handlers by.
     if (_setjmp(self->end) == 0) self->entry(self->argument);
-    AbandonWriteLocks();
-    if (self->state.exchange(kEnded, std::memory_order_acq_rel) == kAwaited) FutexWake(&self->state, INT_MAX);
-    Drop(self);
     return nullptr;
 }
-
 bool HasEnded(const Thread& thread) { return thread.state.load(std::memory_order_acquire) == kEnded; }
 
 /// The kernel's identifier of a thread just created. It is known before the thread has run, but the only call
@@ -182,6 +194,7 @@ bool IsCurrentThread(uintptr_t handle, uint32_t) { return self && self == Of(han
 uint32_t SetThreadPriority(uintptr_t handle, int priority) {
     const Thread* thread = Of(handle);
     if (!thread) return EINVAL;
+    const std::lock_guard<Lock> guard(threadsLock);
     if (HasEnded(*thread)) return ESRCH; // its identifier may be another's now
     return setpriority(PRIO_PROCESS, IdOf(*thread), -priority) == 0 ? 0 : static_cast<uint32_t>(errno);
 }
@@ -189,6 +202,7 @@ uint32_t SetThreadPriority(uintptr_t handle, int priority) {
 uint32_t GetThreadPriority(uintptr_t handle, int& priority) {
     const Thread* thread = Of(handle);
     if (!thread) return EINVAL;
+    const std::lock_guard<Lock> guard(threadsLock);
     if (HasEnded(*thread)) return ESRCH;
     errno = 0;
     priority = -getpriority(PRIO_PROCESS, IdOf(*thread));
