@@ -90,9 +90,11 @@ TEST(SetIndex, TakesOutWithoutWalkingTheCluster) {
             EXPECT_EQ(left, walked);
             EXPECT_TRUE(set.Includes(std::make_unique<Crowded>(n - 1 - thread).get()));
         });
+        static_cast<Crowded*>(set.FindObjectWithKey(std::make_unique<Crowded>(n - 1).get()))->mKey = n;
+        EXPECT_EQ(0u, set.OccurrencesOf(std::make_unique<Crowded>(n - 1).get())) << "changed in place";
         EXPECT_LT(ZAV_SetAccess::Index(set)->Steps(), 10u * n);
         EXPECT_EQ(static_cast<uint32_t>(n - 100), ZAV_SetAccess::Moves(set)) << "also those put off";
-        set.RemoveAndDestroy(std::make_unique<Crowded>(n - 1).get());
+        set.RemoveAndDestroy(std::make_unique<Crowded>(n - 2).get());
         set.ClearAndDestroy();
         EXPECT_EQ(before, Probe::Living());
     }

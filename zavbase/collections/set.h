@@ -12,7 +12,8 @@ class ZAV_SetIndex;
 /// The table has a power-of-two number of slots of which at most half are used; probing goes down from the
 /// slot of the hash, and removal shifts elements back, without markers. Large tables of the library's own
 /// kinds of keys find elements with a side index instead of probing; slots and order are the same. An element
-/// must not change its hash or equality while it is in a set.
+/// must not change its hash or equality while it is in a set: which elements are found after that, and where
+/// the next removal or growth puts them, is not defined.
 class ZAV_API ZAV_Set : public ZAV_Collection {
     ZAV_DECLARE_CLASS(ZAV_Set)
 public:

@@ -126,7 +126,9 @@ ZAV_SetIndex::Place ZAV_SetIndex::Find(const Sought& sought) const {
     for (uint32_t i = sought.mStrong >> (32 - mEntryBits); mEntries[i].mElement; i = (i + 1) & mEntryMask) {
         const Entry& e = mEntries[i];
         if (e.mStrong != sought.mStrong || !e.mBrief.SameKey(sought.mBrief)) continue;
-        if (e.mBrief.IsCut() && !HasKey(e.mElement, sought.mView)) continue;
+        // Registered classes let their keys be changed in place, and their objects are looked at next anyway.
+        const bool isSure = !e.mBrief.IsCut() && sought.mView.mKind < zav_strong::FIRST_REGISTERED;
+        if (!isSure && !HasKey(e.mElement, sought.mView)) continue;
         // A holder compares by its key with either kind, a bare key is only equal to a bare one.
         place.mOneSided = sought.mBrief.IsWrapped() && !e.mBrief.IsWrapped();
         if (place.mOneSided) continue;
