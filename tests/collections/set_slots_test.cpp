@@ -102,7 +102,7 @@ ZAV_CltObject* NewText(const std::string& text) { return new ZAV_CltString(text.
 // Groups of 4 in any order have one hash. `i` picks the groups.
 std::string SameHash(int i) {
     std::string a = "aaaa", b = "bbbb";
-    for (int k = 0; k < 4; ++k) {
+    for (unsigned k = 0; k < 4; ++k) {
         a[k] = static_cast<char>('a' + (i >> (4 * k) & 15));
         b[k] = static_cast<char>(a[k] ^ 0x10);
     }

@@ -263,7 +263,7 @@ TEST_F(TimerThread, FiresWithoutAnyPolling) {
         return 0;
     });
     const long far = run.handler->RegisterTimer(3600000);
-    for (const unsigned long ms : {0, 1, 20, 3}) { // each before what the thread sleeps for
+    for (const unsigned long ms : {0ul, 1ul, 20ul, 3ul}) { // each before what the thread sleeps for
         const long id = run.handler->RegisterTimer(ms);
         run.seen.Wait();
         EXPECT_EQ(fired, id);

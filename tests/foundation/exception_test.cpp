@@ -78,13 +78,13 @@ TEST(Exception, OnlyAPositiveFlagLetsItBeDeleted) {
         if (Counted::alive == 0) e.release();
     }
     // The memory exception has none, nor has a copy of it.
-    ZAV_MemoryException* const first = Thrown<ZAV_MemoryException>(ZAV_ThrowMemoryException).get();
+    const auto first = Thrown<ZAV_MemoryException>(ZAV_ThrowMemoryException);
     const auto copy = std::make_unique<ZAV_MemoryException>(*first);
     copy->Delete();
-    ZAV_AddExceptionContext(first, {"that of one thread"});
-    EXPECT_STREQ("", ZAV_GetExceptionContext(first).mPath);
+    ZAV_AddExceptionContext(first.get(), {"that of one thread"});
+    EXPECT_STREQ("", ZAV_GetExceptionContext(first.get()).mPath);
     EXPECT_EQ("Memory exception: ", Printed(*copy));
-    EXPECT_EQ(first, Thrown<ZAV_MemoryException>(ZAV_ThrowMemoryException).get());
+    EXPECT_EQ(first.get(), Thrown<ZAV_MemoryException>(ZAV_ThrowMemoryException).get());
 }
 
 TEST(ExceptionContext, EndsWithItsObjectWhereverThatIs) {

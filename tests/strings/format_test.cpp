@@ -5,6 +5,8 @@
 
 #include <zavbase/strings/utf_string.h>
 
+#pragma GCC diagnostic ignored "-Wformat-security"
+
 namespace {
 
 // The expected texts are those of C99; they are the same on every platform.
@@ -14,8 +16,6 @@ std::string made(const char* format, Args... args) {
     s.Format(format, args...);
     return std::string(s.Ptr(), s.Length());
 }
-
-#pragma GCC diagnostic ignored "-Wformat-security"
 
 TEST(Format, Integers) {
     EXPECT_EQ(made("%d|%5d|%-5d|%05d|%+d|% d", -7, -7, -7, -7, 7, 7), "-7|   -7|-7   |-0007|+7| 7");

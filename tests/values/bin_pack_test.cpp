@@ -72,7 +72,7 @@ TEST(BinPack, AtomsHaveACountUnlessItIsOne) {
 
 TEST(BinPack, ADictionaryIsTheSameHoweverItIsCut) {
     const Bytes golden = FileText(ZAVBASE_TEST_DATA "/values.bin").substr(24);
-    for (size_t piece : {1, 2, 3, 5, 7, 13, 64, 127, 128, 129, 512, 100000}) {
+    for (const size_t piece : {1u, 2u, 3u, 5u, 7u, 13u, 64u, 127u, 128u, 129u, 512u, 100000u}) {
         ZAV_UValDict dict(16);
         size_t taken = 0;
         ASSERT_EQ(ReadDict(dict, golden + "rest", piece, &taken), 0) << piece;
@@ -121,7 +121,7 @@ TEST(BinPack, RefusesWrongBytes) {
         Bytes("\3\2\0", 3) + key + none + key + none,
     };
     for (const Bytes& bytes : wrong) {
-        for (size_t piece : {1, 1000}) {
+        for (const size_t piece : {1u, 1000u}) {
             ZAV_UValDict dict(16);
             EXPECT_EQ(ReadDict(dict, bytes, piece), kRefused) << testing::PrintToString(bytes);
         }

@@ -8,7 +8,7 @@ namespace {
 
 // realloc is what makes growing cheap: a large block is moved by its pages, not byte by byte. operator new
 // has nothing like it, so its rules for running out of memory are kept here by hand.
-Header* Resize(Header* old, uint32_t room) {
+Header* Resize(Header* old, size_t room) {
     const size_t most = (SIZE_MAX / 2 - sizeof(Header)) / sizeof(ZAV_CltObject*);
     for (;;) {
         void* p = room > most ? nullptr : std::realloc(old, sizeof(Header) + room * sizeof(ZAV_CltObject*));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <iterator>
 
 namespace {
 
@@ -122,10 +123,12 @@ void ZAV_TimerQueue::Spread(int bucket) {
 
     // Those that run across the wrap come first, the last of them before the others.
     std::vector<Place>& due = mPlaces[0];
-    if (due.size() > 1) {
-        const auto across =
-            std::stable_partition(due.begin(), due.end(), [](const Place& p) { return p.wraps; });
-        std::reverse(due.begin(), across);
+    const auto wraps = [](const Place& p) { return p.wraps; };
+    if (due.size() > 1 && std::any_of(due.begin(), due.end(), wraps)) {
+        places.clear(); // has the room
+        std::copy_if(due.rbegin(), due.rend(), std::back_inserter(places), wraps);
+        std::remove_copy_if(due.begin(), due.end(), std::back_inserter(places), wraps);
+        std::copy(places.begin(), places.end(), due.begin());
     }
 
     if (places.capacity() <= kFewPlaces) {

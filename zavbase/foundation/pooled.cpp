@@ -17,8 +17,8 @@ namespace {
 
 // The sizes of values, entries and events with a number or two, and what lies between.
 constexpr std::uint32_t kSizes[] = {32, 48, 64, 112, 128};
-const std::size_t kClasses = sizeof kSizes / sizeof *kSizes;
-const std::size_t kLargest = kSizes[kClasses - 1];
+constexpr std::size_t kClasses = sizeof kSizes / sizeof *kSizes;
+constexpr std::size_t kLargest = kSizes[kClasses - 1];
 const std::size_t kStep = 16;
 const unsigned char kClassOfSteps[kLargest / kStep + 1] = {0, 0, 0, 1, 2, 3, 3, 3, 4};
 const unsigned kMagazineSize = 64;
@@ -165,6 +165,15 @@ void* ZAV_Pooled::operator new(std::size_t size) {
     const unsigned rest = --current->count;
     if (rest >= kAhead) __builtin_prefetch(current->blocks[rest - kAhead], 1);
     return current->blocks[rest];
+}
+
+// Not in the header, which hosts without exceptions include, too.
+void* ZAV_Pooled::operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return operator new(size);
+    } catch (...) {
+        return nullptr;
+    }
 }
 
 void ZAV_Pooled::operator delete(void* block, std::size_t size) noexcept {

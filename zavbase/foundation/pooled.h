@@ -25,13 +25,7 @@ public:
     }
 
     /// Null when there is no memory.
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-        try {
-            return operator new(size);
-        } catch (...) {
-            return nullptr;
-        }
-    }
+    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
     /// Called when a constructor throws. Without the size, the block cannot be put back; it is lost.
     static void operator delete(void*, const std::nothrow_t&) noexcept {}
 
