@@ -77,5 +77,6 @@
 #include <zavbase/values/uval_text_check.h>
 #include <zavbase/values/uval_types.h>
 #include <zavbase/values/value_dict.h>
+#include <zavbase/version.h>
 
 #endif

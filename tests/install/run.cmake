@@ -1,6 +1,7 @@
 # Installs the library into a fresh folder and builds and runs the consumer against it, once with find_package
 # and once, where pkg-config and the compiler are native, with pkg-config alone.
-# Needs: BUILD_DIR SOURCE_DIR WORK_DIR CXX; optional: TOOLCHAIN EMULATOR PKG_CONFIG CXX_FLAGS
+# Before that it removes what was installed, installs it again and moves it elsewhere; every tool must start there.
+# Needs: BUILD_DIR SOURCE_DIR WORK_DIR CXX; optional: TOOLCHAIN EMULATOR PKG_CONFIG CXX_FLAGS STATIC TOOLS
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     if(NOT result EQUAL 0)
@@ -9,15 +10,35 @@ function(run)
 endfunction()
 
 file(REMOVE_RECURSE ${WORK_DIR})
-run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/prefix)
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/first)
+run(${CMAKE_COMMAND} -DBUILD_DIR=${BUILD_DIR} -P ${SOURCE_DIR}/../../cmake/uninstall.cmake)
+file(GLOB_RECURSE left ${WORK_DIR}/first/*)
+if(left)
+    message(FATAL_ERROR "still there after uninstalling: ${left}")
+endif()
+foreach(component runtime dev tools doc)
+    run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/first --component ${component})
+endforeach()
+file(RENAME ${WORK_DIR}/first "${WORK_DIR}/prefix")
+if(TOOLS)
+    foreach(tool zavconf zavlock zavmod zavmsg zavtrace)
+        file(GLOB program ${WORK_DIR}/prefix/bin/${tool} ${WORK_DIR}/prefix/bin/${tool}.exe)
+        run(${EMULATOR} ${program} --help)
+    endforeach()
+endif()
 
 file(GLOB_RECURSE private ${WORK_DIR}/prefix/include/*_internal.h ${WORK_DIR}/prefix/include/zavbase/os/*)
 if(private)
     message(FATAL_ERROR "private headers are installed: ${private}")
 endif()
 
+set(kind shared)
+if(STATIC)
+    set(kind static)
+endif()
 set(configure ${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -G Ninja -DCMAKE_BUILD_TYPE=Debug
-    -DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix -DCMAKE_CXX_FLAGS=${CXX_FLAGS})
+    -DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix -DCMAKE_CXX_FLAGS=${CXX_FLAGS}
+    -DKIND=${kind})
 if(TOOLCHAIN)
     list(APPEND configure -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH=${WORK_DIR}/prefix)
 else()
@@ -25,14 +46,12 @@ else()
 endif()
 run(${configure})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
-if(EMULATOR)
+file(GLOB dlls ${WORK_DIR}/prefix/bin/*.dll)
+if(dlls)
     # Windows looks for a DLL beside the program.
-    file(GLOB dll ${WORK_DIR}/prefix/bin/*.dll)
-    file(COPY ${dll} DESTINATION ${WORK_DIR}/build)
-    run(${EMULATOR} ${WORK_DIR}/build/consumer.exe)
-else()
-    run(${WORK_DIR}/build/consumer)
+    file(COPY ${dlls} DESTINATION ${WORK_DIR}/build)
 endif()
+run(${EMULATOR} ${WORK_DIR}/build/consumer${SUFFIX})
 
 if(PKG_CONFIG AND NOT TOOLCHAIN)
     file(GLOB_RECURSE pc ${WORK_DIR}/prefix/zavbase.pc)

@@ -2,10 +2,13 @@
 #define ZAVBASE_FOUNDATION_EXPORT_H
 
 /// ZAV_API marks what the shared library exports. ZAVBASE_BUILDING is defined while the library itself is
-/// compiled, and by programs that link its objects directly. ZAV_LOCAL takes a nested class of an exported
+/// compiled, and by programs that link its objects directly; ZAVBASE_STATIC for and by the static library, whose
+/// CMake target and pkg-config file say so. ZAV_LOCAL takes a nested class of an exported
 /// class out of the export; on Windows nested classes are out anyway.
 #if defined(_WIN32)
-#if defined(ZAVBASE_BUILDING)
+#if defined(ZAVBASE_STATIC)
+#define ZAV_API
+#elif defined(ZAVBASE_BUILDING)
 #define ZAV_API __declspec(dllexport)
 #else
 #define ZAV_API __declspec(dllimport)

@@ -10,7 +10,12 @@
 ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments) {
     int input[2], output[2];
     if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0) std::abort();
-    std::vector<char*> argv{const_cast<char*>(program.c_str())};
+    // A child for another processor needs the emulator, which the system does not start by itself.
+    const std::string emulator = ZAVBASE_TEST_EMULATOR;
+    const std::string& file = emulator.empty() ? program : emulator;
+    std::vector<char*> argv;
+    if (!emulator.empty()) argv.push_back(const_cast<char*>(emulator.c_str()));
+    argv.push_back(const_cast<char*>(program.c_str()));
     for (const std::string& a : arguments) argv.push_back(const_cast<char*>(a.c_str()));
     argv.push_back(nullptr);
     posix_spawn_file_actions_t actions;
@@ -18,7 +23,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     posix_spawn_file_actions_adddup2(&actions, input[0], 0);
     posix_spawn_file_actions_adddup2(&actions, output[1], 1);
     pid_t id = 0;
-    if (posix_spawn(&id, program.c_str(), &actions, nullptr, argv.data(), environ) == 0) mProcess = id;
+    if (posix_spawn(&id, file.c_str(), &actions, nullptr, argv.data(), environ) == 0) mProcess = id;
     posix_spawn_file_actions_destroy(&actions);
     close(input[0]);
     close(output[1]);

@@ -1,0 +1,3 @@
+#include <zavbase/version.h>
+
+extern "C" long ZAV_RuntimeVersion(void) { return ZAV_VERSION; }
