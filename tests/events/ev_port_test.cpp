@@ -15,6 +15,9 @@ std::function<void()> inNextAllocation;
     if (void* block = std::malloc(size)) return block;
     throw std::bad_alloc();
 }
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size);
+}
 [[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
 [[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
@@ -93,11 +96,14 @@ TEST_F(EvIntake, KeepsEventsWhileThereIsNoMemory) {
     inNextAllocation = fail;
     EXPECT_THROW(mDispatcher.Dispatch(DISPATCH_ONCE), std::bad_alloc);
     mThen[3] = [&] {
+        std::unique_ptr<Numbered> events[4];
+        for (auto& event : events) event = std::make_unique<Numbered>(4, mLost);
         inNextAllocation = fail;
-        for (int number = 4; number < 8; ++number) Post(number, number);
+        for (long i = 0; i < 4; ++i) mHandler->QueueEvent(events[i].release(), i);
     };
     mDispatcher.Dispatch(DISPATCH_ONCE);
     EXPECT_EQ(mSeen, (std::vector<int>{1, 2, 3}));
+    EXPECT_FALSE(inNextAllocation);
     for (int number = 8; number < 10; ++number) Post(number, number);
     inNextAllocation = fail;
     mDispatcher.Cleanup();
