@@ -22,7 +22,8 @@ namespace {
 struct Small : ZAV_Pooled {
     int value = 0;
 };
-std::set<void*> blocksSeen;
+// Never destroyed: threads may use it to their very end.
+std::set<void*>& blocksSeen = *new std::set<void*>;
 
 Small* New() {
     Small* small = new Small;
